@@ -1,0 +1,5 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+int main() {
+    return 2;
+}

@@ -1,0 +1,40 @@
+# SPDX-FileCopyrightText: The Kestrel developers
+# SPDX-License-Identifier: MIT
+#
+# The two ways in which targets are declared here: a library per folder, a test program per folder.
+
+# Flags of every target: the language level, and what the presets switch on.
+add_library(kestrel_flags INTERFACE)
+target_compile_features(kestrel_flags INTERFACE cxx_std_20)
+target_include_directories(kestrel_flags INTERFACE ${PROJECT_SOURCE_DIR})
+# No multiply-add contraction: results must not depend on the processor they were computed on.
+target_compile_options(kestrel_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
+                                               -Wold-style-cast -Woverloaded-virtual -ffp-contract=off)
+if(KESTREL_WARNINGS_AS_ERRORS)
+  target_compile_options(kestrel_flags INTERFACE -Werror)
+endif()
+if(KESTREL_SANITIZE)
+  target_compile_options(kestrel_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined
+                                                 -fno-omit-frame-pointer)
+  target_link_options(kestrel_flags INTERFACE -fsanitize=address,undefined)
+endif()
+
+# kestrel_library(<name> SOURCES <file>... [DEPENDS <target>...] [PRIVATE_DEPENDS <target>...])
+function(kestrel_library name)
+  cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS;PRIVATE_DEPENDS" ${ARGN})
+  add_library(${name} STATIC ${arg_SOURCES})
+  set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_EXTENSIONS OFF)
+  target_link_libraries(${name} PUBLIC kestrel_flags ${arg_DEPENDS} PRIVATE ${arg_PRIVATE_DEPENDS})
+endfunction()
+
+# kestrel_test(<name> SOURCES <file>... [DEPENDS <target>...] [LABELS <label>...] [SERIAL])
+# Every case becomes a ctest entry of its own.
+function(kestrel_test name)
+  cmake_parse_arguments(arg "SERIAL" "" "SOURCES;DEPENDS;LABELS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
+  target_link_libraries(${name} PRIVATE kestrel_flags kestrel_test_support ${arg_DEPENDS} GTest::gtest_main GTest::gmock)
+  target_compile_definitions(${name} PRIVATE KESTREL_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+  # LABELS is a list and stays one through gtest_discover_tests only when it is quoted once more.
+  gtest_discover_tests(${name} PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 300 DISCOVERY_TIMEOUT 120)
+endfunction()

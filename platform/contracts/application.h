@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/contracts/extension.h"
+#include "platform/contracts/map.h"
+#include "platform/contracts/progress.h"
+#include "platform/run_result.h"
+
+namespace kestrel::platform {
+
+/// An open document of the host: what holds the map.
+class Document {
+  public:
+    virtual ~Document() = default;
+    virtual Map& focus_map() = 0;
+};
+
+/// The host application.
+class Application {
+  public:
+    virtual ~Application() = default;
+
+    virtual Document& document() = 0;
+
+    /// The extension registered under `class_id`, or nothing when the host has none of that name.
+    virtual IExtensionConfig* find_extension(std::string_view class_id) = 0;
+
+    /// A layer named `name` on the shapefile at `path`; it is not in the map yet.
+    virtual std::shared_ptr<FeatureLayer> make_feature_layer(const std::string& path, const std::string& name) = 0;
+
+    /// The progress of the run in hand.
+    virtual Progress& progress() = 0;
+
+    /// Takes what a run made, also when the run ended without an output.
+    virtual void run_ended(RunResult result) = 0;
+};
+
+}  // namespace kestrel::platform

@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/class_breaks.h"
+#include "platform/feature_class.h"
+
+/// \file
+/// Layers as a host shows them. What a layer draws from is reached as data (FeatureClass, a raster's path); how it is
+/// named, selected and drawn is the host's.
+namespace kestrel::platform {
+
+class Layer {
+  public:
+    virtual ~Layer() = default;
+    virtual std::string name() const = 0;
+};
+
+class GroupLayer : public Layer {
+  public:
+    virtual std::vector<std::shared_ptr<Layer>> members() const = 0;
+};
+
+/// The selected features of a feature layer.
+class Selection {
+  public:
+    virtual ~Selection() = default;
+    /// Feature ids of the layer's source, ascending.
+    virtual std::vector<std::int64_t> ids() const = 0;
+    std::size_t count() const { return ids().size(); }
+};
+
+class FeatureLayer : public Layer {
+  public:
+    /// The source that the layer draws from, with its subset filter.
+    /// \throws RuntimeError when the source cannot be opened.
+    virtual FeatureClass feature_class() const = 0;
+    virtual const Selection& selection() const = 0;
+    virtual void set_renderer(const ClassBreaksRenderer& renderer) = 0;
+};
+
+class RasterLayer : public Layer {
+  public:
+    /// What GDAL opens: a path or a dataset name.
+    virtual std::string source() const = 0;
+};
+
+}  // namespace kestrel::platform

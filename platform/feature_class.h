@@ -1,0 +1,84 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/field.h"
+#include "platform/polygons.h"
+#include "platform/spatial_reference.h"
+
+namespace kestrel::platform {
+
+/// Where features are read from.
+struct FeatureSource {
+    /// A file, folder or dataset name that OGR opens.
+    std::string path;
+    /// Layer inside the source; the first when empty.
+    std::string layer_name{};
+    /// Attribute filter in OGR's SQL; all features when empty.
+    std::string subset{};
+
+    /// A source as QGIS writes it: `path`, `path|layername=NAME`, `path|layername=NAME|subset=FILTER`.
+    static FeatureSource parse(std::string_view text);
+    friend bool operator==(const FeatureSource&, const FeatureSource&) = default;
+};
+
+/// Polygons with the attributes that were asked for: position i of every member belongs to feature i.
+struct PolygonFeatures {
+    std::vector<std::int64_t> ids;
+    PolygonSet polygons;
+    /// One column of values for each field asked for, in that order.
+    std::vector<std::vector<Value>> columns;
+};
+
+/// A set of features of one geometry type, read through OGR. Cheap to copy; copies share the open dataset, and are
+/// used on one thread.
+class FeatureClass {
+  public:
+    /// \throws RuntimeError 53 when the file is missing, library failure when it cannot be opened or has no such layer;
+    ///         the description names path and layer, and lists the layers that there are.
+    static FeatureClass open(const FeatureSource& source);
+
+    const FeatureSource& source() const noexcept;
+    /// Name of the layer inside the source.
+    const std::string& layer_name() const noexcept;
+    /// Attribute fields in order, without object id and geometry.
+    const std::vector<Field>& fields() const noexcept;
+    /// Position in fields(), compared exactly; -1 when there is none.
+    int find_field(std::string_view name) const noexcept;
+    const SpatialReference& spatial_reference() const noexcept;
+    /// Whether the geometry type is polygon or multipolygon, curved ones included.
+    bool polygonal() const noexcept;
+    /// Features that pass the subset filter.
+    std::int64_t feature_count() const;
+    Envelope extent() const;
+
+    /// Ids of the features that pass `where` (OGR SQL) as well as the subset, ascending.
+    /// \throws RuntimeError (library failure) when the expression is wrong.
+    std::vector<std::int64_t> ids_where(const std::string& where) const;
+
+    /// Reads features in source order. Curves become line strings; features without geometry have empty polygons;
+    /// measures and heights are dropped.
+    /// \param field_names fields to read; each must exist (error 5 otherwise).
+    /// \param only ids to read, ascending; all features when not given.
+    /// \throws RuntimeError when the layer is not polygonal or a feature cannot be read.
+    PolygonFeatures read_polygons(std::span<const std::string> field_names,
+                                  std::optional<std::span<const std::int64_t>> only = std::nullopt) const;
+
+    /// Reads the attributes alone, as read_polygons() would.
+    std::vector<std::vector<Value>> read_columns(std::span<const std::string> field_names) const;
+
+  private:
+    struct Source;
+    explicit FeatureClass(std::shared_ptr<Source> source) : m_source(std::move(source)) {}
+    std::shared_ptr<Source> m_source;
+};
+
+}  // namespace kestrel::platform

@@ -1,0 +1,42 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <span>
+
+#include "platform/contracts/progress.h"
+#include "platform/polygons.h"
+
+/// \file
+/// Operations on whole polygons. All coordinates are in the units of the layers, which must agree.
+namespace kestrel::platform {
+
+/// Repairs invalid polygons (self-crossing rings, overlapping parts, repeated rings) in place of the given ones; what
+/// remains of lines and points is dropped.
+/// \return how many features were invalid.
+std::size_t repair(PolygonSet& polygons);
+
+/// Joins the polygons of each group into one feature.
+/// \param polygons valid polygons (see repair()).
+/// \param group_of for each feature of `polygons`, the group it belongs to, below `group_count`.
+/// \return one feature for each group, valid; empty for a group that has only empty geometries.
+/// \throws RuntimeError (library failure) when a group cannot be joined.
+/// When `progress` answers stop, the result is incomplete and must not be used.
+PolygonSet dissolve(const PolygonSet& polygons, std::span<const std::uint32_t> group_of, std::size_t group_count,
+                    Progress& progress);
+
+/// Takes one piece of an intersection: the positions of the two features that it comes from, and the piece as feature 0
+/// of a set. Returns true to go on.
+using PieceVisitor = std::function<bool(std::size_t input, std::size_t overlay, const PolygonSet& piece)>;
+
+/// Intersects every feature of `input` with every feature of `overlay` (valid polygons), and hands over the pieces that
+/// have an area, in the order of the input features, then of the overlay features. Pieces that share only lines or
+/// points are none.
+void intersect(const PolygonSet& input, const PolygonSet& overlay, const PieceVisitor& visit);
+
+/// On which side of the line from `a` to `b` the point `c` lies, decided exactly: 1 left, -1 right, 0 on the line.
+int orientation(Point a, Point b, Point c);
+
+}  // namespace kestrel::platform

@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kestrel::platform {
+
+/// An older output that is out of the way while a run makes a new one of the same name.
+///
+/// Construction moves the shapefile at `path` with all its members, and the given records beside it, into a folder
+/// beside them. Unless discard() is called, destruction puts them back.
+class SetAsideOutput {
+  public:
+    /// \param path of the .shp; nothing happens when no file of it exists.
+    /// \param records further files of that output (run report, metadata, layer file, style), those that exist.
+    SetAsideOutput(const std::string& path, const std::vector<std::string>& records);
+    ~SetAsideOutput();
+    SetAsideOutput(const SetAsideOutput&) = delete;
+    SetAsideOutput& operator=(const SetAsideOutput&) = delete;
+
+    /// Deletes what was set aside: the new output is there.
+    void discard();
+
+  private:
+    std::string m_folder;  // of the output
+    std::string m_aside;   // empty when nothing was set aside
+    std::vector<std::string> m_names;
+};
+
+/// A new output that is built in a folder of its own beside its place, and moved there when it is whole.
+///
+/// Unless publish() is called, destruction removes what was built.
+class StagedOutput {
+  public:
+    /// \param folder in which the output will stand; it exists.
+    /// \throws RuntimeError 70 (or the one that fits) when the folder cannot be written.
+    explicit StagedOutput(const std::string& folder);
+    ~StagedOutput();
+    StagedOutput(const StagedOutput&) = delete;
+    StagedOutput& operator=(const StagedOutput&) = delete;
+
+    /// Where to build a file of this name.
+    std::string path(const std::string& name) const;
+    /// Moves everything to its place, the .shp last.
+    /// \return the paths, the .shp first. When it throws, nothing new is left in place.
+    std::vector<std::string> publish();
+
+  private:
+    std::string m_folder;
+    std::string m_stage;
+};
+
+}  // namespace kestrel::platform

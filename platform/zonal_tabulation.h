@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <vector>
+
+#include "platform/contracts/progress.h"
+#include "platform/polygons.h"
+#include "platform/raster.h"
+#include "platform/zone_counts.h"
+
+namespace kestrel::platform {
+
+/// What lies over the raster. All coordinates are in the raster's coordinate system.
+struct TabulationInput {
+    /// The zones; required. Where they overlap, the later one owns the cell.
+    const PolygonSet* zones = nullptr;
+    /// Polygons that split the zones into pieces (later ones own the cell); may be missing. With an overlay, cells
+    /// outside of it are counted with kNoOverlay.
+    const PolygonSet* overlay = nullptr;
+    /// Scenarios, each a set of polygons; a cell belongs to a scenario when any of its polygons holds the centre.
+    std::vector<const PolygonSet*> scenarios{};
+};
+
+/// Counts, in one pass over the raster, the cells of every class in every piece of every zone.
+///
+/// A cell belongs to the polygon that contains its centre; a centre on an edge belongs to the polygon on its east, or
+/// on its north where the edge is level, so polygons that share a border neither both own a cell nor both lose it. Both
+/// this and `touches_nodata` are decided exactly on the given coordinates. The grid of zones is never laid out: bands
+/// of rows are read, the polygons' edges swept over them, and the spans between edges counted.
+///
+/// \param threads 0 for as many as there are cores. The result does not depend on it.
+/// \param progress hears the share of the raster's rows that is done, as a fraction of this call. When it answers stop,
+///        the result is incomplete and must not be used.
+/// \throws RuntimeError as RasterDataset::read_rows() does.
+ZoneCounts tabulate(const RasterDataset& raster, const TabulationInput& input, int threads, Progress& progress);
+
+}  // namespace kestrel::platform

@@ -1,0 +1,47 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+namespace kestrel::platform {
+
+/// Stands for "no overlay polygon here".
+inline constexpr std::uint32_t kNoOverlay = std::numeric_limits<std::uint32_t>::max();
+
+/// The table that one pass over a raster yields, and from which everything else is computed: how many cells of which
+/// class lie in which piece of a zone under which set of scenarios.
+struct ZoneCounts {
+    /// The cells of one class in one piece under one set of scenarios.
+    struct Row {
+        /// Position of the zone polygon that owns the cells.
+        std::uint32_t zone = 0;
+        /// Position of the overlay polygon that owns the cells, or kNoOverlay.
+        std::uint32_t overlay = kNoOverlay;
+        /// Position in `scenario_sets`.
+        std::uint32_t scenario_set = 0;
+        std::int32_t land_class = 0;
+        std::uint64_t cells = 0;
+
+        friend auto operator<=>(const Row&, const Row&) = default;
+    };
+    /// NODATA cells of one piece under one set of scenarios; `land_class` is 0 and means nothing.
+    using NodataRow = Row;
+
+    /// Ascending by zone, overlay, scenario set, class; each of them once.
+    std::vector<Row> rows;
+    std::vector<NodataRow> nodata_rows;
+    /// Sets of scenarios that cover a cell, as ascending positions of scenarios, ascending; the first set is empty.
+    std::vector<std::vector<std::uint32_t>> scenario_sets{{}};
+    /// For each zone polygon, whether it touches the closed square of a NODATA cell.
+    std::vector<std::uint8_t> touches_nodata;
+    /// For each zone polygon, whether it reaches beyond the raster's edge.
+    std::vector<std::uint8_t> beyond_raster;
+
+    /// Adds the counts of another part of the raster for the same zones, overlay and scenarios.
+    void merge(const ZoneCounts& other);
+};
+
+}  // namespace kestrel::platform
