@@ -1,2 +1,21 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
+#include "platform/headless/headless_application.h"
+
+namespace kestrel::platform {
+
+IExtensionConfig* HeadlessApplication::find_extension(std::string_view class_id) {
+    const auto found = m_extensions.find(class_id);
+    return found == m_extensions.end() ? nullptr : found->second;
+}
+
+std::shared_ptr<FeatureLayer> HeadlessApplication::make_feature_layer(const std::string& path,
+                                                                      const std::string& name) {
+    return std::make_shared<HeadlessFeatureLayer>(name, FeatureSource{.path = path});
+}
+
+void HeadlessApplication::register_extension(std::string class_id, IExtensionConfig& extension) {
+    m_extensions.insert_or_assign(std::move(class_id), &extension);
+}
+
+}  // namespace kestrel::platform

@@ -1,0 +1,47 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+
+#include "platform/contracts/application.h"
+#include "platform/headless/headless_map.h"
+
+namespace kestrel::platform {
+
+class HeadlessDocument final : public Document {
+  public:
+    HeadlessMap& focus_map() override { return m_map; }
+
+  private:
+    HeadlessMap m_map;
+};
+
+/// The host that has no desktop: the command, worker threads and tests run on it.
+class HeadlessApplication final : public Application {
+  public:
+    /// \param progress hears of the run, and may stop it; it outlives the application.
+    explicit HeadlessApplication(Progress& progress) : m_progress(progress) {}
+
+    HeadlessDocument& document() override { return m_document; }
+    HeadlessMap& map() { return m_document.focus_map(); }
+    IExtensionConfig* find_extension(std::string_view class_id) override;
+    std::shared_ptr<FeatureLayer> make_feature_layer(const std::string& path, const std::string& name) override;
+    Progress& progress() override { return m_progress; }
+    void run_ended(RunResult result) override { m_result = std::move(result); }
+
+    /// Makes an extension findable; it outlives the application.
+    void register_extension(std::string class_id, IExtensionConfig& extension);
+    /// What the last run made; nothing before one ended.
+    const std::optional<RunResult>& result() const noexcept { return m_result; }
+
+  private:
+    HeadlessDocument m_document;
+    Progress& m_progress;
+    std::map<std::string, IExtensionConfig*, std::less<>> m_extensions;
+    std::optional<RunResult> m_result;
+};
+
+}  // namespace kestrel::platform

@@ -1,0 +1,94 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/contracts/map.h"
+
+/// \file
+/// A map without a screen: the layers that somebody put into it, in order.
+namespace kestrel::platform {
+
+class HeadlessSelection final : public Selection {
+  public:
+    explicit HeadlessSelection(std::vector<std::int64_t> ids) : m_ids(std::move(ids)) {}
+    std::vector<std::int64_t> ids() const override { return m_ids; }
+
+  private:
+    std::vector<std::int64_t> m_ids;
+};
+
+class HeadlessFeatureLayer final : public FeatureLayer {
+  public:
+    /// \param selected ids of the selected features, ascending.
+    HeadlessFeatureLayer(std::string name, FeatureSource source, std::vector<std::int64_t> selected = {});
+
+    std::string name() const override { return m_name; }
+    FeatureClass feature_class() const override;
+    const Selection& selection() const override { return m_selection; }
+    void set_renderer(const ClassBreaksRenderer& renderer) override { m_renderer = renderer; }
+    /// The renderer that was set; nothing before.
+    const std::optional<ClassBreaksRenderer>& renderer() const noexcept { return m_renderer; }
+
+  private:
+    std::string m_name;
+    FeatureSource m_source;
+    HeadlessSelection m_selection;
+    std::optional<ClassBreaksRenderer> m_renderer;
+};
+
+class HeadlessRasterLayer final : public RasterLayer {
+  public:
+    HeadlessRasterLayer(std::string name, std::string source) : m_name(std::move(name)), m_source(std::move(source)) {}
+    std::string name() const override { return m_name; }
+    std::string source() const override { return m_source; }
+
+  private:
+    std::string m_name;
+    std::string m_source;
+};
+
+class HeadlessGroupLayer final : public GroupLayer {
+  public:
+    HeadlessGroupLayer(std::string name, std::vector<std::shared_ptr<Layer>> members)
+        : m_name(std::move(name)), m_members(std::move(members)) {}
+    std::string name() const override { return m_name; }
+    std::vector<std::shared_ptr<Layer>> members() const override { return m_members; }
+
+  private:
+    std::string m_name;
+    std::vector<std::shared_ptr<Layer>> m_members;
+};
+
+class HeadlessMap final : public Map {
+  public:
+    std::vector<std::shared_ptr<Layer>> layers() const override { return m_layers; }
+    void add_layer(std::shared_ptr<Layer> layer) override;
+    void remove_layer(const std::shared_ptr<Layer>& layer) override;
+    DistanceUnits distance_units() const override { return m_units; }
+    void refresh() override { ++m_refresh_count; }
+    void add_listener(MapEvents& listener) override { m_listeners.push_back(&listener); }
+    void remove_listener(MapEvents& listener) override;
+
+    /// Puts `layer` below the others, so that layers stand in the order in which they are named.
+    void append_layer(std::shared_ptr<Layer> layer);
+    /// Moves the layer at one position to another and tells the listeners.
+    void move_layer(std::size_t from, std::size_t to);
+    void set_distance_units(DistanceUnits units) { m_units = units; }
+    int refresh_count() const noexcept { return m_refresh_count; }
+
+  private:
+    std::vector<std::shared_ptr<Layer>> m_layers;
+    std::vector<MapEvents*> m_listeners;
+    DistanceUnits m_units = kUnknownUnits;
+    int m_refresh_count = 0;
+};
+
+/// The distance units of a coordinate system as the host would code them.
+DistanceUnits distance_units_of(const SpatialReference& reference);
+
+}  // namespace kestrel::platform

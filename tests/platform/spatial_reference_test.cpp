@@ -1,0 +1,3 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
