@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
+#include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,11 +19,13 @@ namespace kestrel::platform {
 ///
 /// Field 0 is the object id (the row's position), one text field is the key, the others hold numbers. Every number that
 /// is stored is rounded to its field's scale, as dBASE would keep it; text is never cut. Rows are found by the exact
-/// text of their key through an index, so nothing in a key can be mistaken for a query.
+/// text of their key through an index, so nothing in a key can be mistaken for a query. Positions that do not exist are
+/// error 9.
 class Table {
   public:
-    /// \param fields in order, the object id first and the key second.
-    Table(std::string name, std::vector<Field> fields);
+    /// \param fields in order, the object id first, the key second, then number fields.
+    /// \throws RuntimeError 5 when there are fewer than two fields, 457 when two have the same name.
+    Table(std::string name, std::vector<Field> fields, int line = __builtin_LINE());
 
     const std::string& name() const noexcept { return m_name; }
     const std::vector<Field>& fields() const noexcept { return m_fields; }
@@ -31,31 +35,36 @@ class Table {
 
     /// Appends a number field at the end; every row starts from 0 there.
     /// \return its position.
-    int add_field(Field field);
+    /// \throws RuntimeError 457 when there is a field of this name.
+    int add_field(Field field, int line = __builtin_LINE());
     /// Appends a row, numbers 0.
     /// \return its position.
-    std::size_t add_row(std::string key);
-    /// Position of the first row with this key, or nothing.
+    /// \throws RuntimeError 457 when there is a row with this key: keys are zones.
+    std::size_t add_row(std::string key, int line = __builtin_LINE());
+    /// Position of the row with this key, or nothing.
     std::optional<std::size_t> find_row(const std::string& key) const;
 
-    const std::string& key(std::size_t row) const { return m_keys.at(row); }
+    const std::string& key(std::size_t row, int line = __builtin_LINE()) const;
     /// \param field a number field's position.
-    double number(std::size_t row, int field) const;
-    void set_number(std::size_t row, int field, double value);
+    double number(std::size_t row, int field, int line = __builtin_LINE()) const;
+    void set_number(std::size_t row, int field, double value, int line = __builtin_LINE());
 
   private:
-    std::vector<double>& column(int field);
-    const std::vector<double>& column(int field) const;
+    /// Position in m_numbers.
+    std::size_t column_of(int field, int line) const;
+    void check_row(std::size_t row, int line) const;
 
     std::string m_name;
     std::vector<Field> m_fields;
-    std::unordered_map<std::string, int> m_field_positions;
+    std::map<std::string, int, std::less<>> m_field_positions;
     std::vector<std::string> m_keys;
     std::unordered_map<std::string, std::size_t> m_rows;
     std::vector<std::vector<double>> m_numbers;  // of the fields from position 2 on
 };
 
-/// Writes a table as a dBASE file, for inspection: names cut to 10 characters, text to 254.
+/// Writes a table as a dBASE file, for inspection: without the object id, names cut to 10 characters, text to 254
+/// bytes. Replaces an existing file; when it fails, nothing half-written stays.
+/// \param path of the .dbf; a .cpg that names the encoding is written beside it.
 void write_dbf(const Table& table, const std::string& path);
 
 }  // namespace kestrel::platform
