@@ -1,2 +1,325 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
+#include "platform/raster.h"
+
+#include <fmt/format.h>
+#include <gdal_priv.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <filesystem>
+#include <span>
+
+#include "platform/conversions.h"
+#include "platform/errors.h"
+#include "platform/gdal_support.h"
+
+namespace kestrel::platform {
+
+namespace {
+
+/// Bands of thin strips are read this many rows at a time.
+constexpr int kThinStripRows = 256;
+constexpr int kThickBlockRows = 64;
+
+struct CloseDataset {
+    void operator()(GDALDataset* dataset) const { GDALClose(dataset); }
+};
+using DatasetPointer = std::unique_ptr<GDALDataset, CloseDataset>;
+
+Grid grid_of(GDALDataset& dataset, const std::string& source) {
+    std::array<double, 6> transform{};
+    if (dataset.GetGeoTransform(transform.data()) != CE_None) {
+        throw RuntimeError(
+            kInvalidProcedureCall,
+            fmt::format(
+                "The raster \"{}\" has no position in a map: give it one, for example with gdal_translate -a_ullr",
+                source));
+    }
+    if (transform[2] != 0 || transform[4] != 0 || !(transform[1] > 0) || transform[5] == 0) {
+        throw RuntimeError(
+            kInvalidProcedureCall,
+            fmt::format("The raster \"{}\" is rotated or mirrored: make it north up first, for example with gdalwarp",
+                        source));
+    }
+    return {.x0 = transform[0],
+            .y0 = transform[3],
+            .dx = transform[1],
+            .dy = transform[5],
+            .columns = dataset.GetRasterXSize(),
+            .rows = dataset.GetRasterYSize()};
+}
+
+SpatialReference reference_of(GDALDataset& dataset) {
+    const OGRSpatialReference* reference = dataset.GetSpatialRef();
+    if (reference == nullptr) {
+        return {};
+    }
+    char* text = nullptr;
+    const char* const options[] = {"FORMAT=WKT2_2019", nullptr};
+    const bool exported = reference->exportToWkt(&text, options) == OGRERR_NONE && text != nullptr && *text != '\0';
+    const std::string wkt = exported ? text : "";
+    CPLFree(text);
+    return wkt.empty() ? SpatialReference() : SpatialReference::from(wkt);
+}
+
+/// Whether the first band's stored type holds nothing but possible class codes.
+bool holds_only_codes(GDALDataType type) {
+    return type == GDT_Byte || type == GDT_Int16 || type == GDT_UInt16 || type == GDT_Int32;
+}
+
+/// The NODATA value of a band as its cells hold it; a single-precision band holds the nearest single.
+std::optional<double> declared_nodata(GDALRasterBand& band) {
+    int declared = 0;
+    double value = 0;
+    if (band.GetRasterDataType() == GDT_Int64) {
+        value = static_cast<double>(band.GetNoDataValueAsInt64(&declared));
+    } else if (band.GetRasterDataType() == GDT_UInt64) {
+        value = static_cast<double>(band.GetNoDataValueAsUInt64(&declared));
+    } else {
+        value = band.GetNoDataValue(&declared);
+    }
+    if (declared == 0) {
+        return std::nullopt;
+    }
+    return band.GetRasterDataType() == GDT_Float32 ? static_cast<double>(static_cast<float>(value)) : value;
+}
+
+bool signed_bytes(GDALRasterBand& band) {
+    const char* pixel_type = band.GetMetadataItem("PIXELTYPE", "IMAGE_STRUCTURE");
+    return band.GetRasterDataType() == GDT_Byte && pixel_type != nullptr && EQUAL(pixel_type, "SIGNEDBYTE");
+}
+
+/// The declared value as a class code could hold it.
+std::optional<std::int32_t> as_code(std::optional<double> value, double lowest, double highest) {
+    if (!value || std::isnan(*value) || *value != std::floor(*value) || *value < lowest || *value > highest) {
+        return std::nullopt;  // no cell can hold it
+    }
+    return static_cast<std::int32_t>(*value);
+}
+
+}  // namespace
+
+struct RasterDataset::Source {
+    std::string name;
+    DatasetPointer dataset;
+    GDALRasterBand* band = nullptr;
+    Grid grid;
+    SpatialReference reference;
+    CellType cell_type = CellType::byte;
+    std::optional<double> nodata;
+    std::optional<std::int32_t> nodata_code;
+    bool masked = false;
+    bool has_signed_bytes = false;
+    int band_rows = 0;
+
+    void inspect_band();
+    void choose_band_rows();
+    template <typename Cell>
+    void read(const CellWindow& window, GDALDataType type, std::vector<Cell>& cells) const;
+    void read_wide(const CellWindow& window, std::vector<std::int64_t>& cells) const;
+    template <typename Stored>
+    void convert(const CellWindow& window, GDALDataType type, std::span<std::int64_t> cells) const;
+    void apply_mask(const CellWindow& window, std::span<std::int64_t> cells) const;
+    [[noreturn]] void refuse(const CellWindow& window, std::size_t cell, const std::string& value) const;
+};
+
+void RasterDataset::Source::inspect_band() {
+    const GDALDataType type = band->GetRasterDataType();
+    if (GDALDataTypeIsComplex(type) != 0) {
+        throw RuntimeError(
+            kInvalidProcedureCall,
+            fmt::format("The raster \"{}\" holds complex numbers: land cover must be class codes", name));
+    }
+    const int mask_flags = band->GetMaskFlags();
+    masked = (mask_flags & (GMF_ALL_VALID | GMF_NODATA)) == 0;
+    has_signed_bytes = signed_bytes(*band);
+    if (!masked && (mask_flags & GMF_NODATA) != 0) {
+        nodata = declared_nodata(*band);
+    }
+    if (masked || !holds_only_codes(type)) {
+        cell_type = CellType::wide;
+    } else if (type == GDT_Byte && !has_signed_bytes) {
+        cell_type = CellType::byte;
+        nodata_code = as_code(nodata, 0, 255);
+    } else {
+        cell_type = CellType::int32;
+        nodata_code =
+            as_code(nodata, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max());
+    }
+}
+
+void RasterDataset::Source::choose_band_rows() {
+    int block_columns = 0;
+    int block_rows = 0;
+    band->GetBlockSize(&block_columns, &block_rows);
+    const int rows =
+        block_rows >= kThickBlockRows ? block_rows : (kThinStripRows + block_rows - 1) / block_rows * block_rows;
+    band_rows = std::min(rows, grid.rows);
+}
+
+RasterDataset RasterDataset::open(const std::string& source) {
+    start_gdal();
+    auto made = std::make_shared<Source>();
+    made->name = source;
+    CPLErrorReset();
+    made->dataset.reset(GDALDataset::Open(source.c_str(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR));
+    if (!made->dataset) {
+        std::error_code error;
+        if (!std::filesystem::exists(source, error)) {
+            throw RuntimeError(kFileNotFound, fmt::format("There is no raster \"{}\"", source));
+        }
+        throw gdal_error(fmt::format("The raster \"{}\" cannot be opened", source));
+    }
+    if (made->dataset->GetRasterCount() == 0) {
+        throw RuntimeError(kInvalidProcedureCall,
+                           fmt::format("\"{}\" holds no band of cells: name one of its rasters", source));
+    }
+    made->band = made->dataset->GetRasterBand(1);
+    made->grid = grid_of(*made->dataset, source);
+    made->reference = reference_of(*made->dataset);
+    made->inspect_band();
+    made->choose_band_rows();
+    return RasterDataset(std::move(made));
+}
+
+const std::string& RasterDataset::source() const noexcept {
+    return m_source->name;
+}
+const Grid& RasterDataset::grid() const noexcept {
+    return m_source->grid;
+}
+const SpatialReference& RasterDataset::spatial_reference() const noexcept {
+    return m_source->reference;
+}
+CellType RasterDataset::cell_type() const noexcept {
+    return m_source->cell_type;
+}
+bool RasterDataset::needs_checking() const noexcept {
+    return !holds_only_codes(m_source->band->GetRasterDataType());
+}
+std::optional<std::int32_t> RasterDataset::nodata_value() const noexcept {
+    return m_source->nodata_code;
+}
+bool RasterDataset::declares_nodata() const noexcept {
+    return m_source->masked || m_source->nodata.has_value();
+}
+int RasterDataset::rows_per_band() const noexcept {
+    return m_source->band_rows;
+}
+
+int RasterDataset::data_band_count() const noexcept {
+    int count = 0;
+    for (int i = 1; i <= m_source->dataset->GetRasterCount(); ++i) {
+        count += m_source->dataset->GetRasterBand(i)->GetColorInterpretation() == GCI_AlphaBand ? 0 : 1;
+    }
+    return count;
+}
+
+void RasterDataset::read(const CellWindow& window, CellBuffer& buffer) const {
+    switch (m_source->cell_type) {
+        case CellType::byte:
+            m_source->read(window, GDT_Byte, buffer.bytes);
+            return;
+        case CellType::int32:
+            m_source->read(window, GDT_Int32, buffer.integers);
+            if (m_source->has_signed_bytes) {
+                for (std::int32_t& cell : buffer.integers) {
+                    cell = cell > 127 ? cell - 256 : cell;
+                }
+            }
+            return;
+        case CellType::wide:
+            m_source->read_wide(window, buffer.wide);
+            return;
+    }
+}
+
+template <typename Cell>
+void RasterDataset::Source::read(const CellWindow& window, GDALDataType type, std::vector<Cell>& cells) const {
+    cells.resize(static_cast<std::size_t>(window.columns) * static_cast<std::size_t>(window.rows));
+    CPLErrorReset();
+    if (band->RasterIO(GF_Read, window.first_column, window.first_row, window.columns, window.rows, cells.data(),
+                       window.columns, window.rows, type, 0, 0, nullptr) != CE_None) {
+        throw RuntimeError(kDeviceInputOutputError,
+                           gdal_error(fmt::format("The raster \"{}\" cannot be read at rows {} to {}", name,
+                                                  window.first_row + 1, window.first_row + window.rows))
+                               .description());
+    }
+}
+
+void RasterDataset::Source::read_wide(const CellWindow& window, std::vector<std::int64_t>& cells) const {
+    cells.resize(static_cast<std::size_t>(window.columns) * static_cast<std::size_t>(window.rows));
+    // Row by row, so that the stored numbers need no second buffer of the window's size.
+    for (int row = 0; row < window.rows; ++row) {
+        const CellWindow line{window.first_column, window.first_row + row, window.columns, 1};
+        const std::span<std::int64_t> target(
+            cells.data() + static_cast<std::size_t>(row) * static_cast<std::size_t>(window.columns),
+            static_cast<std::size_t>(window.columns));
+        switch (band->GetRasterDataType()) {
+            case GDT_Int64:
+                convert<std::int64_t>(line, GDT_Int64, target);
+                break;
+            case GDT_UInt64:
+                convert<std::uint64_t>(line, GDT_UInt64, target);
+                break;
+            default:
+                convert<double>(line, GDT_Float64, target);
+        }
+    }
+}
+
+/// One line of cells as codes; NODATA cells are marked, and what is neither is refused.
+template <typename Stored>
+void RasterDataset::Source::convert(const CellWindow& window, GDALDataType type, std::span<std::int64_t> cells) const {
+    std::vector<Stored> stored;
+    read(window, type, stored);
+    apply_mask(window, cells);
+    for (std::size_t i = 0; i < stored.size(); ++i) {
+        const auto value = static_cast<double>(stored[i]);
+        if (cells[i] == kWideNodata || (nodata && (value == *nodata || (std::isnan(value) && std::isnan(*nodata))))) {
+            cells[i] = kWideNodata;
+        } else if (value >= std::numeric_limits<std::int32_t>::min() &&
+                   value <= std::numeric_limits<std::int32_t>::max() && value == std::floor(value)) {
+            const double code = has_signed_bytes && value > 127 ? value - 256 : value;
+            cells[i] = static_cast<std::int64_t>(code);
+        } else {
+            refuse(window, i, text_of(value));
+        }
+    }
+}
+
+/// Marks the cells that the mask or alpha band hides; sets the others to 0.
+void RasterDataset::Source::apply_mask(const CellWindow& window, std::span<std::int64_t> cells) const {
+    std::fill(cells.begin(), cells.end(), 0);
+    if (!masked) {
+        return;
+    }
+    std::vector<std::uint8_t> mask(cells.size());
+    CPLErrorReset();
+    if (band->GetMaskBand()->RasterIO(GF_Read, window.first_column, window.first_row, window.columns, window.rows,
+                                      mask.data(), window.columns, window.rows, GDT_Byte, 0, 0, nullptr) != CE_None) {
+        throw RuntimeError(kDeviceInputOutputError,
+                           gdal_error(fmt::format("The mask of the raster \"{}\" cannot be read at row {}", name,
+                                                  window.first_row + 1))
+                               .description());
+    }
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        cells[i] = mask[i] == 0 ? kWideNodata : 0;
+    }
+}
+
+void RasterDataset::Source::refuse(const CellWindow& window, std::size_t cell, const std::string& value) const {
+    const std::size_t row =
+        static_cast<std::size_t>(window.first_row) + cell / static_cast<std::size_t>(window.columns);
+    const std::size_t column =
+        static_cast<std::size_t>(window.first_column) + cell % static_cast<std::size_t>(window.columns);
+    throw RuntimeError(
+        kInvalidProcedureCall,
+        fmt::format(
+            "The raster \"{}\" holds {} at row {}, column {}: land cover must be whole class codes from -2147483648 to 2147483647",
+            name, value, row + 1, column + 1));
+}
+
+}  // namespace kestrel::platform

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -41,6 +42,14 @@ struct Grid {
     }
 };
 
+/// A rectangle of cells.
+struct CellWindow {
+    int first_column = 0;
+    int first_row = 0;
+    int columns = 0;
+    int rows = 0;
+};
+
 /// How the cells of a raster are held in memory while they are counted.
 enum class CellType {
     byte,   // 0 to 255
@@ -48,7 +57,7 @@ enum class CellType {
     wide,   // 64 bits: NODATA comes from a mask, or the stored type can hold more than a class code may be
 };
 
-/// Cells of some rows of a raster, row by row; one of the three arrays is in use.
+/// Cells of a window, row by row; the array of the raster's cell type is in use.
 struct CellBuffer {
     std::vector<std::uint8_t> bytes;
     std::vector<std::int32_t> integers;
@@ -56,7 +65,7 @@ struct CellBuffer {
 };
 
 /// What a NODATA cell holds in a buffer of wide cells.
-inline constexpr std::int64_t kWideNodata = INT64_MIN;
+inline constexpr std::int64_t kWideNodata = std::numeric_limits<std::int64_t>::min();
 
 /// A land-cover raster: the first band of a dataset that GDAL opens. A handle is used on one thread; every thread opens
 /// its own.
@@ -71,8 +80,8 @@ class RasterDataset {
     const Grid& grid() const noexcept;
     const SpatialReference& spatial_reference() const noexcept;
     CellType cell_type() const noexcept;
-    /// Whether the cells are stored as floating-point numbers, so that all of them have to be looked at.
-    bool floating_point() const noexcept;
+    /// Whether the cells are stored in a type that can hold what is no class code, so that all have to be looked at.
+    bool needs_checking() const noexcept;
     /// The value that marks NODATA in byte or int32 buffers; nothing when no cell is NODATA or the cells are wide.
     std::optional<std::int32_t> nodata_value() const noexcept;
     /// Whether the raster declares NODATA in any way: a value, a mask or an alpha band.
@@ -82,10 +91,10 @@ class RasterDataset {
     /// Bands that hold data, without an alpha band; more than one draws a notice.
     int data_band_count() const noexcept;
 
-    /// Reads rows [first_row, first_row + count) whole into the array of `buffer` that cell_type() names.
-    /// \throws RuntimeError 57 when a row cannot be read, 5 when a value is no class code (fractional, or beyond a
-    ///         signed 32-bit integer); the description names the first such value with its row and column.
-    void read_rows(int first_row, int count, CellBuffer& buffer) const;
+    /// Reads a window that lies inside the raster.
+    /// \throws RuntimeError 57 when it cannot be read, 5 when a value is no class code (fractional, or beyond a signed
+    ///         32-bit integer); the description names the first such value with its row and column, counted from 1.
+    void read(const CellWindow& window, CellBuffer& buffer) const;
 
   private:
     struct Source;

@@ -37,11 +37,16 @@ struct ZoneCounts {
     std::vector<std::vector<std::uint32_t>> scenario_sets{{}};
     /// For each zone polygon, whether it touches the closed square of a NODATA cell.
     std::vector<std::uint8_t> touches_nodata;
-    /// For each zone polygon, whether it reaches beyond the raster's edge.
-    std::vector<std::uint8_t> beyond_raster;
 
     /// Adds the counts of another part of the raster for the same zones, overlay and scenarios.
+    /// \throws RuntimeError 5 when the numbers of zones differ.
     void merge(const ZoneCounts& other);
+    /// Puts the sets of scenarios that are in use and the rows into their order, each row once: the same table whatever
+    /// order the cells were counted in.
+    void order_scenario_sets();
 };
+
+/// Sorts rows and sums those of the same place.
+void sort_and_sum(std::vector<ZoneCounts::Row>& rows);
 
 }  // namespace kestrel::platform

@@ -1,0 +1,238 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "platform/edge_sweep.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "platform/errors.h"
+#include "platform/geometry.h"
+
+namespace kestrel::platform {
+
+namespace {
+
+/// Bound of the error of (coordinate - origin) / step: a few roundings of numbers as large as the coordinates.
+double position_tolerance(double lowest, double highest, double origin, double step) {
+    const double magnitude = std::max({std::abs(lowest), std::abs(highest), std::abs(origin)});
+    return 32 * std::numeric_limits<double>::epsilon() * magnitude / std::abs(step) + 1e-12;
+}
+
+/// A position as a whole number that fits into an int, whatever the position.
+int clamped(double position, int lowest, int highest) {
+    if (!(position > lowest)) {
+        return lowest;
+    }
+    return position < highest ? static_cast<int>(position) : highest;
+}
+
+}  // namespace
+
+EdgeSweep::EdgeSweep(const PolygonSet& polygons, const Grid& grid, int rows_per_band)
+    : m_polygons(polygons), m_grid(grid), m_rows_per_band(rows_per_band) {
+    if (polygons.point_count() > std::numeric_limits<std::uint32_t>::max()) {
+        throw RuntimeError(kOutOfMemory, "The polygons have more than 4,294,967,295 vertices: split the layer");
+    }
+    const Envelope box = polygons.envelope();
+    const Envelope extent = grid.extent();
+    m_row_tolerance =
+        position_tolerance(std::min(box.min_y, extent.min_y), std::max(box.max_y, extent.max_y), grid.y0, grid.dy);
+    m_column_tolerance =
+        position_tolerance(std::min(box.min_x, extent.min_x), std::max(box.max_x, extent.max_x), grid.x0, grid.dx);
+
+    // A counting sort by band; within a band the edges stay in the order of the features.
+    const int bands = (grid.rows + rows_per_band - 1) / rows_per_band;
+    m_band_begin.assign(index(bands) + 1, 0);
+    for_each_edge([&](const Edge&, RowRange rows) {
+        for (int band = rows.first / rows_per_band; band <= rows.last / rows_per_band; ++band) {
+            ++m_band_begin[index(band) + 1];
+        }
+    });
+    for (std::size_t band = 1; band < m_band_begin.size(); ++band) {
+        m_band_begin[band] += m_band_begin[band - 1];
+    }
+    m_edges.resize(m_band_begin.back());
+    std::vector<std::size_t> next(m_band_begin.begin(), m_band_begin.end() - 1);
+    for_each_edge([&](const Edge& edge, RowRange rows) {
+        for (int band = rows.first / rows_per_band; band <= rows.last / rows_per_band; ++band) {
+            m_edges[next[index(band)]++] = edge;
+        }
+    });
+}
+
+/// Calls take(edge, rows) for every edge that reaches the grid's rows.
+template <typename Take>
+void EdgeSweep::for_each_edge(Take take) const {
+    const std::span<const Point> all = m_polygons.points();
+    for (std::size_t feature = 0; feature < m_polygons.feature_count(); ++feature) {
+        for (std::size_t r = m_polygons.first_ring_of(feature); r < m_polygons.first_ring_of(feature + 1); ++r) {
+            const std::span<const Point> ring = m_polygons.ring(r);
+            const auto first = static_cast<std::size_t>(ring.data() - all.data());
+            for (std::size_t i = 0; i + 1 < ring.size(); ++i) {
+                const RowRange rows = rows_touched(ring[i], ring[i + 1]);
+                if (rows.first <= rows.last) {
+                    take(Edge{static_cast<std::uint32_t>(first + i), static_cast<std::uint32_t>(feature)}, rows);
+                }
+            }
+        }
+    }
+}
+
+/// The rows whose closed strip the edge may meet: never too few, rarely one too many.
+EdgeSweep::RowRange EdgeSweep::rows_touched(Point a, Point b) const noexcept {
+    const double from = (a.y - m_grid.y0) / m_grid.dy;
+    const double to = (b.y - m_grid.y0) / m_grid.dy;
+    const double lowest = std::floor(std::min(from, to) - m_row_tolerance);
+    const double highest = std::floor(std::max(from, to) + m_row_tolerance);
+    if (!(highest >= 0) || !(lowest < m_grid.rows)) {
+        return {};
+    }
+    return {clamped(lowest, 0, m_grid.rows - 1), clamped(highest, 0, m_grid.rows - 1)};
+}
+
+int EdgeSweep::row_count(int band) const noexcept {
+    return std::min(m_rows_per_band, m_grid.rows - first_row(band));
+}
+
+EdgeSweep::UpwardEdge EdgeSweep::upward(const Edge& edge) const noexcept {
+    const std::span<const Point> points = m_polygons.points();
+    const Point a = points[edge.first_point];
+    const Point b = points[edge.first_point + 1];
+    const bool rises = a.y != b.y ? a.y < b.y : a.x <= b.x;
+    return rises ? UpwardEdge{a, b} : UpwardEdge{b, a};
+}
+
+void EdgeSweep::spans(int band, Scratch& scratch, std::vector<std::vector<RowSpan>>& rows) const {
+    const std::size_t count = index(row_count(band));
+    scratch.rows.resize(std::max(scratch.rows.size(), count));
+    for (auto& row : scratch.rows) {
+        row.clear();
+    }
+    for (std::size_t e = m_band_begin[index(band)]; e < m_band_begin[index(band) + 1]; ++e) {
+        add_crossings(m_edges[e], band, scratch);
+    }
+    rows.resize(count);
+    for (std::size_t r = 0; r < count; ++r) {
+        auto& crossings = scratch.rows[r];
+        rows[r].clear();
+        for (std::size_t i = 0; i < crossings.size();) {
+            std::size_t end = i + 1;
+            while (end < crossings.size() && crossings[end].feature == crossings[i].feature) {
+                ++end;
+            }
+            std::sort(crossings.begin() + static_cast<std::ptrdiff_t>(i),
+                      crossings.begin() + static_cast<std::ptrdiff_t>(end),
+                      [](const auto& a, const auto& b) { return a.column < b.column; });
+            for (; i + 1 < end; i += 2) {
+                if (crossings[i].column < crossings[i + 1].column) {
+                    rows[r].push_back({crossings[i].column, crossings[i + 1].column, crossings[i].feature});
+                }
+            }
+            i = end;
+        }
+    }
+}
+
+/// Adds where the edge crosses the lines through the centres of the band's rows. A line through the lower end counts
+/// as crossed, one through the upper end does not, so every ring crosses every line an even number of times.
+void EdgeSweep::add_crossings(const Edge& edge, int band, Scratch& scratch) const {
+    const UpwardEdge e = upward(edge);
+    const double at_low = (e.low.y - m_grid.y0) / m_grid.dy - 0.5;
+    const double at_high = (e.high.y - m_grid.y0) / m_grid.dy - 0.5;
+    const int band_first = first_row(band);
+    const int band_last = band_first + row_count(band) - 1;
+    const int first = clamped(std::ceil(std::min(at_low, at_high) - m_row_tolerance), band_first, band_last + 1);
+    const int last = clamped(std::floor(std::max(at_low, at_high) + m_row_tolerance), band_first - 1, band_last);
+    for (int row = first; row <= last; ++row) {
+        const double y = m_grid.centre_y(row);
+        if (e.low.y <= y && y < e.high.y) {
+            scratch.rows[index(row - band_first)].push_back({edge.feature, column_of_crossing(e, y)});
+        }
+    }
+}
+
+/// The first column whose centre is not west of where the edge crosses the line at `y`; the number of columns when
+/// there is none.
+int EdgeSweep::column_of_crossing(const UpwardEdge& edge, double y) const {
+    const double slope = (edge.high.x - edge.low.x) / (edge.high.y - edge.low.y);
+    const double x = edge.low.x + (y - edge.low.y) * slope;
+    const double position = (x - m_grid.x0) / m_grid.dx - 0.5;
+    const double nearest = std::nearbyint(position);
+    if (std::abs(position - nearest) > m_column_tolerance || nearest < 0 || nearest >= m_grid.columns) {
+        return clamped(std::ceil(position), 0, m_grid.columns);
+    }
+    const int column = static_cast<int>(nearest);
+    const bool centre_is_west = orientation(edge.low, edge.high, {m_grid.centre_x(column), y}) > 0;
+    return centre_is_west ? column + 1 : column;
+}
+
+void EdgeSweep::mark_touching(int band, const NodataRuns& nodata, std::vector<std::uint8_t>& touched) const {
+    const int band_first = first_row(band);
+    const int band_last = band_first + row_count(band) - 1;
+    for (std::size_t i = m_band_begin[index(band)]; i < m_band_begin[index(band) + 1]; ++i) {
+        if (touched[m_edges[i].feature] != 0) {
+            continue;
+        }
+        const UpwardEdge edge = upward(m_edges[i]);
+        const RowRange rows = rows_touched(edge.low, edge.high);
+        for (int row = std::max(rows.first, band_first); row <= std::min(rows.last, band_last); ++row) {
+            if (touches(edge, row, nodata[index(row - band_first)])) {
+                touched[m_edges[i].feature] = 1;
+                break;
+            }
+        }
+    }
+}
+
+bool EdgeSweep::touches(const UpwardEdge& edge, int row, const std::vector<RowSpan>& nodata) const {
+    if (nodata.empty()) {
+        return false;
+    }
+    const double south = std::min(m_grid.line_y(row), m_grid.line_y(row + 1));
+    const double north = std::max(m_grid.line_y(row), m_grid.line_y(row + 1));
+    // Where the edge runs within the row, generously; each NODATA cell there is then decided by itself.
+    double west = std::min(edge.low.x, edge.high.x);
+    double east = std::max(edge.low.x, edge.high.x);
+    if (edge.low.y < edge.high.y) {
+        const double slope = (edge.high.x - edge.low.x) / (edge.high.y - edge.low.y);
+        const double at_south = edge.low.x + (std::max(south, edge.low.y) - edge.low.y) * slope;
+        const double at_north = edge.low.x + (std::min(north, edge.high.y) - edge.low.y) * slope;
+        west = std::max(west, std::min(at_south, at_north));
+        east = std::min(east, std::max(at_south, at_north));
+    }
+    const double first = std::floor((west - m_grid.x0) / m_grid.dx - m_column_tolerance);
+    const double last = std::floor((east - m_grid.x0) / m_grid.dx + m_column_tolerance);
+    // A point on a grid line touches the cells on both sides of it.
+    const int first_column = clamped(first - 1, 0, m_grid.columns);
+    const int last_column = clamped(last, -1, m_grid.columns - 1);
+    auto run = std::partition_point(nodata.begin(), nodata.end(),
+                                    [&](const RowSpan& span) { return span.end <= first_column; });
+    for (; run != nodata.end() && run->begin <= last_column; ++run) {
+        for (int column = std::max(run->begin, first_column); column < run->end && column <= last_column; ++column) {
+            const Envelope square{m_grid.line_x(column), south, m_grid.line_x(column + 1), north};
+            if (segment_touches(edge.low, edge.high, square)) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+bool segment_touches(Point a, Point b, const Envelope& rectangle) {
+    Envelope box;
+    box.add(a);
+    box.add(b);
+    if (!box.touches(rectangle)) {
+        return false;
+    }
+    // Boxes that meet are apart only when all corners lie strictly on one side of the segment's line.
+    const int corners[] = {
+        orientation(a, b, {rectangle.min_x, rectangle.min_y}), orientation(a, b, {rectangle.max_x, rectangle.min_y}),
+        orientation(a, b, {rectangle.max_x, rectangle.max_y}), orientation(a, b, {rectangle.min_x, rectangle.max_y})};
+    const bool all_left = std::all_of(std::begin(corners), std::end(corners), [](int side) { return side > 0; });
+    const bool all_right = std::all_of(std::begin(corners), std::end(corners), [](int side) { return side < 0; });
+    return !all_left && !all_right;
+}
+
+}  // namespace kestrel::platform

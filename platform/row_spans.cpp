@@ -1,0 +1,93 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "platform/row_spans.h"
+
+#include <algorithm>
+#include <queue>
+
+namespace kestrel::platform {
+
+namespace {
+
+bool begins_before(const RowSpan& a, const RowSpan& b) {
+    return a.begin != b.begin ? a.begin < b.begin : a.owner < b.owner;
+}
+
+bool disjoint(const std::vector<RowSpan>& ascending) {
+    for (std::size_t i = 1; i < ascending.size(); ++i) {
+        if (ascending[i].begin < ascending[i - 1].end) {
+            return false;
+        }
+    }
+    return true;
+}
+
+struct LowerOwner {
+    bool operator()(const RowSpan& a, const RowSpan& b) const { return a.owner < b.owner; }
+};
+
+void append(std::vector<RowSpan>& result, std::int32_t begin, std::int32_t end, std::uint32_t owner) {
+    if (begin >= end) {
+        return;
+    }
+    if (!result.empty() && result.back().end == begin && result.back().owner == owner) {
+        result.back().end = end;
+    } else {
+        result.push_back({begin, end, owner});
+    }
+}
+
+/// Sweeps over ascending spans with the ones that cover the present cell in a heap, the highest owner on top.
+std::vector<RowSpan> highest_owners(const std::vector<RowSpan>& ascending) {
+    std::vector<RowSpan> result;
+    std::priority_queue<RowSpan, std::vector<RowSpan>, LowerOwner> open;
+    std::int32_t position = 0;
+    std::size_t next = 0;
+    while (next < ascending.size() || !open.empty()) {
+        while (!open.empty() && open.top().end <= position) {
+            open.pop();
+        }
+        if (open.empty()) {
+            if (next == ascending.size()) {
+                break;
+            }
+            position = ascending[next].begin;
+        }
+        while (next < ascending.size() && ascending[next].begin <= position) {
+            open.push(ascending[next++]);
+        }
+        const RowSpan top = open.top();
+        const std::int32_t stop = next < ascending.size() ? std::min(top.end, ascending[next].begin) : top.end;
+        append(result, position, stop, top.owner);
+        position = std::max(position, stop);
+    }
+    return result;
+}
+
+}  // namespace
+
+void resolve_overlaps(std::vector<RowSpan>& spans) {
+    if (!std::is_sorted(spans.begin(), spans.end(), begins_before)) {
+        std::sort(spans.begin(), spans.end(), begins_before);
+    }
+    if (!disjoint(spans)) {
+        spans = highest_owners(spans);
+    }
+}
+
+void unite(std::vector<RowSpan>& spans) {
+    std::sort(spans.begin(), spans.end(), begins_before);
+    std::size_t last = 0;
+    for (std::size_t i = 0; i < spans.size(); ++i) {
+        spans[i].owner = 0;
+        if (i > 0 && spans[i].begin <= spans[last].end) {
+            spans[last].end = std::max(spans[last].end, spans[i].end);
+        } else {
+            last = i == 0 ? 0 : last + 1;
+            spans[last] = spans[i];
+        }
+    }
+    spans.resize(spans.empty() ? 0 : last + 1);
+}
+
+}  // namespace kestrel::platform
