@@ -2,13 +2,15 @@
 // SPDX-License-Identifier: MIT
 #include "platform/conversions.h"
 
+#include "platform/errors.h"
+
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <limits>
-
-#include "platform/errors.h"
 
 namespace kestrel::platform {
 
@@ -55,26 +57,39 @@ std::string_view number_text(std::string_view text, int line) {
     return text;
 }
 
+/// Whether a number (in the form of number_text()) is closer to 0 than 1 is: 0.5 and 12e-5, but not 0.5e3.
+bool below_one(std::string_view text) {
+    const std::size_t exponent_mark = std::min(text.find_first_of("eE"), text.size());
+    std::string_view mantissa = text.substr(0, exponent_mark);
+    const std::size_t first_digit = std::min(mantissa.find_first_of("123456789"), mantissa.size());
+    const std::size_t point = std::min(mantissa.find('.'), mantissa.size());
+    // Places that the first digit stands before the point, negative behind it.
+    const double places = static_cast<double>(point) - static_cast<double>(first_digit);
+
+    double exponent = 0;  // may have more digits than an integer holds
+    std::string_view digits = text.substr(std::min(exponent_mark + 1, text.size()));
+    const bool negative = digits.starts_with('-');
+    digits.remove_prefix(negative || digits.starts_with('+') ? 1 : 0);
+    for (const char digit : digits) {
+        exponent = exponent * 10 + (digit - '0');
+    }
+    return places + (negative ? -exponent : exponent) <= 0;
+}
+
 /// A number too small to tell from 0 is 0; one too large is an overflow.
 template <typename Float>
 Float parse(std::string_view text, int line) {
     const std::string_view trimmed = number_text(text, line);
     Float value = 0;
-    const auto [end, error] = std::from_chars(trimmed.data(), trimmed.data() + trimmed.size(), value);
-    if (error == std::errc::result_out_of_range) {
-        // from_chars says the same of too large and too small: only a large one has digits before an exponent that
-        // is not negative, which a wider type can still tell apart.
-        long double wide = 0;
-        const auto wide_result = std::from_chars(trimmed.data(), trimmed.data() + trimmed.size(), wide);
-        const bool tiny = wide_result.ec == std::errc() ? std::abs(wide) < 1
-                                                        : trimmed.find("e-") != std::string_view::npos ||
-                                                              trimmed.find("E-") != std::string_view::npos;
-        if (tiny) {
-            return 0;
-        }
-        throw RuntimeError(kOverflow, fmt::format("Overflow: \"{}\" is too large", text), "Kestrel", line);
+    const auto result = std::from_chars(trimmed.data(), trimmed.data() + trimmed.size(), value);
+    if (result.ec != std::errc::result_out_of_range) {
+        return value;
     }
-    return value;
+    // The library says the same of too large and too small.
+    if (below_one(trimmed)) {
+        return 0;
+    }
+    throw RuntimeError(kOverflow, fmt::format("Overflow: \"{}\" is too large", text), "Kestrel", line);
 }
 
 }  // namespace
@@ -146,12 +161,13 @@ std::int32_t to_integer(std::string_view text, int line) {
 double round_to_scale(double value, int decimals) {
     static constexpr double kPowers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                          1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-    const double power = kPowers[decimals];
+    const bool short_way = decimals >= 0 && decimals < static_cast<int>(std::size(kPowers));
+    const double power = short_way ? kPowers[decimals] : 1;
     const double scaled = value * power;
     const double nearest = std::nearbyint(scaled);
     // Away from the middle between two decimals, and where whole numbers are exact, the short way is the exact one:
     // the quotient of two exact numbers is the double nearest to the decimal.
-    if (std::abs(scaled) < 1e12 && std::abs(std::abs(scaled - nearest) - 0.5) > 1e-3) {
+    if (short_way && std::abs(scaled) < 1e12 && std::abs(std::abs(scaled - nearest) - 0.5) > 1e-3) {
         return nearest / power;
     }
     const std::string text = fmt::format("{:.{}f}", value, decimals);

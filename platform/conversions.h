@@ -17,7 +17,8 @@ std::string text_of(std::int64_t value);
 /// The shortest decimal text that reads back to the same single: 12.5, 0, 100, 1e+20.
 std::string text_of(float value);
 
-/// The shortest decimal text that reads back to the same double, with at most 15 significant digits.
+/// The shortest decimal text that reads back to the same double, with at most 15 significant digits. Exponents appear
+/// from 1e+15 on and below 0.0001.
 std::string text_of(double value);
 
 /// Whether `text` is a decimal number: optional surrounding blanks, optional sign, digits with an optional decimal
@@ -37,7 +38,7 @@ float to_single(std::string_view text, int line = __builtin_LINE());
 /// \throws RuntimeError 13 when `text` is not numeric(), 6 when the result is no signed 32-bit integer.
 std::int32_t to_integer(std::string_view text, int line = __builtin_LINE());
 
-/// `value` to `decimals` places (0 to 15), as a dBASE number field of that scale stores it: the nearest decimal,
+/// `value` to `decimals` places (0 or more), as a dBASE number field of that scale stores it: the nearest decimal,
 /// decided on the exact binary value.
 double round_to_scale(double value, int decimals);
 
