@@ -43,6 +43,7 @@ std::string LocalTime::time_form() const {
 LocalTime SystemClock::now() const {
     const std::time_t seconds = std::time(nullptr);
     std::tm local{};
+    ::tzset();  // localtime_r() need not notice the time zone of the environment
     ::localtime_r(&seconds, &local);
     return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec};
 }
