@@ -1,3 +1,697 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
+#include "platform/files.h"
+
+#include "platform/errors.h"
+#include "tests/support/test_files.h"
+#include "tests/support/tiny_disk.h"
+
 #include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <map>
+
+namespace kestrel::platform {
+
+namespace {
+
+namespace fs = std::filesystem;
+using test::names_in;
+using test::TemporaryFolder;
+using test::TinyDisk;
+
+using Names = std::vector<std::string>;
+
+/// What the call throws; an error with number 0 when it throws nothing.
+template <typename Call>
+RuntimeError error_of(Call call) {
+    try {
+        call();
+    } catch (const RuntimeError& error) {
+        return error;
+    }
+    return {0, "nothing was thrown", "", 0};
+}
+
+/// Whether permissions do not bind this process.
+bool superuser() {
+    return ::geteuid() == 0;
+}
+
+/// Sets environment variables for its own lifetime, and hides those that bear the same name in another letter case.
+class Environment {
+  public:
+    explicit Environment(const std::map<std::string, std::string>& variables) {
+        for (const char* name : {"Temp", "TEMP", "temp", "Tmp", "TMP", "tmp", "TMPDIR"}) {
+            const char* value = std::getenv(name);
+            if (value != nullptr) {
+                m_before[name] = value;
+                ::unsetenv(name);
+            }
+        }
+        for (const auto& [name, value] : variables) {
+            m_set.push_back(name);
+            ::setenv(name.c_str(), value.c_str(), 1);
+        }
+    }
+    ~Environment() {
+        for (const std::string& name : m_set) {
+            ::unsetenv(name.c_str());
+        }
+        for (const auto& [name, value] : m_before) {
+            ::setenv(name.c_str(), value.c_str(), 1);
+        }
+    }
+    Environment(const Environment&) = delete;
+    Environment& operator=(const Environment&) = delete;
+
+  private:
+    std::map<std::string, std::string> m_before;
+    Names m_set;
+};
+
+// --- paths
+
+TEST(Paths, AreSplitAtBothSeparators) {
+    EXPECT_EQ(file_name_of("/data/roads.shp"), "roads.shp");
+    EXPECT_EQ(file_name_of("C:\\data\\roads.shp"), "roads.shp");
+    EXPECT_EQ(file_name_of("a\\b/c"), "c");
+    EXPECT_EQ(file_name_of("roads.shp"), "roads.shp");
+    EXPECT_EQ(file_name_of("/data/"), "");
+    EXPECT_EQ(file_name_of(""), "");
+    EXPECT_EQ(folder_of("/data/roads.shp"), "/data");
+    EXPECT_EQ(folder_of("C:\\data\\roads.shp"), "C:\\data");
+    EXPECT_EQ(folder_of("/data/"), "/data");
+    EXPECT_EQ(folder_of("roads.shp"), "");
+}
+
+TEST(Paths, TheFolderOfWhatLiesInTheRootIsTheRoot) {
+    EXPECT_EQ(folder_of("/roads.shp"), "/");
+    EXPECT_EQ(join_path(folder_of("/roads.shp"), "x"), "/x");
+}
+
+TEST(Paths, BaseNameLosesFolderAndLastExtensionOnly) {
+    EXPECT_EQ(base_name_of("/data/roads.old.shp"), "roads.old");
+    EXPECT_EQ(base_name_of("/data.dir/roads"), "roads");
+    EXPECT_EQ(base_name_of("roads"), "roads");
+    EXPECT_EQ(base_name_of(".hidden"), ".hidden");
+    EXPECT_EQ(base_name_of("roads."), "roads");
+}
+
+TEST(Paths, AreJoinedWithOneSeparator) {
+    EXPECT_EQ(join_path("/data", "x"), "/data/x");
+    EXPECT_EQ(join_path("/data/", "x"), "/data/x");
+    EXPECT_EQ(join_path("C:\\data\\", "x"), "C:\\data\\x");
+    EXPECT_EQ(join_path("", "x"), "x");
+    EXPECT_EQ(join_path("/", "x"), "/x");
+}
+
+// --- is it there
+
+TEST(Exists, FilesAndFoldersAreToldApart) {
+    const TemporaryFolder folder;
+    write_file(folder / "file", "");
+    EXPECT_TRUE(file_exists(folder / "file"));
+    EXPECT_FALSE(folder_exists(folder / "file"));
+    EXPECT_TRUE(folder_exists(folder.path()));
+    EXPECT_FALSE(file_exists(folder.path()));
+    EXPECT_FALSE(file_exists(folder / "missing"));
+    EXPECT_FALSE(folder_exists(""));
+    EXPECT_FALSE(file_exists(""));
+}
+
+TEST(Exists, ALinkIsWhatItPointsAt) {
+    const TemporaryFolder folder;
+    write_file(folder / "file", "");
+    fs::create_symlink(folder / "file", folder / "to file");
+    fs::create_symlink(folder.path(), folder / "to folder");
+    fs::create_symlink(folder / "missing", folder / "to nothing");
+    EXPECT_TRUE(file_exists(folder / "to file"));
+    EXPECT_TRUE(folder_exists(folder / "to folder"));
+    EXPECT_FALSE(file_exists(folder / "to nothing"));
+}
+
+// --- folders
+
+TEST(CreateFolder, MakesOneLevelAndAcceptsOneThatIsThere) {
+    const TemporaryFolder folder;
+    create_folder(folder / "temp");
+    create_folder(folder / "temp");
+    EXPECT_TRUE(folder_exists(folder / "temp"));
+}
+
+TEST(CreateFolder, AMissingParentIsPathNotFound) {
+    const TemporaryFolder folder;
+    const RuntimeError error = error_of([&] { create_folder(folder / "a/b"); });
+    EXPECT_EQ(error.number(), 76);
+    EXPECT_NE(error.description().find(folder / "a/b"), std::string::npos);
+    EXPECT_EQ(error.line(), __LINE__ - 3);
+    EXPECT_FALSE(folder_exists(folder / "a"));
+}
+
+TEST(CreateFolder, AFileInItsPlaceIsAPathAccessError) {
+    const TemporaryFolder folder;
+    write_file(folder / "temp", "");
+    EXPECT_EQ(error_of([&] { create_folder(folder / "temp"); }).number(), 75);
+}
+
+TEST(CreateFolders, MakesMissingParents) {
+    const TemporaryFolder folder;
+    create_folders(folder / "a/b/c");
+    create_folders(folder / "a/b/c");
+    EXPECT_TRUE(folder_exists(folder / "a/b/c"));
+    write_file(folder / "file", "");
+    EXPECT_EQ(error_of([&] { create_folders(folder / "file/d"); }).number(), 76);
+}
+
+TEST(UniqueFolder, EveryCallMakesANewPrivateOne) {
+    const TemporaryFolder folder;
+    const std::string first = make_unique_folder(folder.path(), "run-");
+    const std::string second = make_unique_folder(folder.path(), "run-");
+    EXPECT_NE(first, second);
+    EXPECT_TRUE(file_name_of(first).starts_with("run-"));
+    EXPECT_EQ(folder_of(first), folder.path());
+    EXPECT_EQ(fs::status(first).permissions(), fs::perms::owner_all);
+    EXPECT_EQ(error_of([&] { make_unique_folder(folder / "missing", "run-"); }).number(), 76);
+}
+
+TEST(FolderWritable, IsFoundOutByTryingAndLeavesNothingBehind) {
+    const TemporaryFolder folder;
+    EXPECT_TRUE(folder_writable(folder.path()));
+    EXPECT_EQ(names_in(folder.path()), Names{});
+    EXPECT_FALSE(folder_writable(folder / "missing"));
+    EXPECT_FALSE(folder_writable("/proc"));
+}
+
+// --- emptying and removing
+
+TEST(EmptyFolder, DeletesFilesAndSubfoldersAndKeepsTheFolder) {
+    const TemporaryFolder folder;
+    create_folders(folder / "temp/a/b");
+    write_file(folder / "temp/a/b/deep", "1");
+    write_file(folder / "temp/model_params.txt", "1");
+    write_file(folder / "temp/.hidden", "1");
+    empty_folder(folder / "temp");
+    EXPECT_EQ(names_in(folder / "temp"), Names{});
+}
+
+TEST(EmptyFolder, KeepsTheOneNameButOnlyDirectlyBelow) {
+    const TemporaryFolder folder;
+    create_folders(folder / "temp/sub");
+    write_file(folder / "temp/kept", "1");
+    write_file(folder / "temp/sub/kept", "1");
+    empty_folder(folder / "temp", "kept");
+    EXPECT_EQ(names_in(folder / "temp"), Names{"kept"});
+}
+
+TEST(EmptyFolder, DeletesReadOnlyFiles) {
+    const TemporaryFolder folder;
+    create_folder(folder / "temp");
+    write_file(folder / "temp/file", "1");
+    ::chmod((folder / "temp/file").c_str(), 0444);
+    empty_folder(folder / "temp");
+    EXPECT_EQ(names_in(folder / "temp"), Names{});
+}
+
+/// Runs `body` in a child process without the superuser's rights; whether it succeeded.
+template <typename Body>
+bool succeeds_without_rights(Body body) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        constexpr uid_t kNobody = 65534;
+        if (superuser() && (::setgid(kNobody) != 0 || ::setuid(kNobody) != 0)) {
+            ::_exit(2);
+        }
+        try {
+            ::_exit(body() ? 0 : 1);
+        } catch (...) {
+            ::_exit(3);
+        }
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+TEST(EmptyFolder, DeletesFilesInFoldersThatAreReadOnlyOrUnreadable) {
+    const TemporaryFolder folder;
+    ::chmod(folder.path().c_str(), 0777);
+    EXPECT_TRUE(succeeds_without_rights([&folder] {
+        create_folders(folder / "temp/read only");
+        create_folders(folder / "temp/unreadable/below");
+        write_file(folder / "temp/read only/file", "1");
+        write_file(folder / "temp/unreadable/below/file", "1");
+        ::chmod((folder / "temp/read only").c_str(), 0555);
+        ::chmod((folder / "temp/unreadable/below").c_str(), 0);
+        ::chmod((folder / "temp/unreadable").c_str(), 0);
+        empty_folder(folder / "temp");
+        return names_in(folder / "temp").empty();
+    }));
+}
+
+TEST(EmptyFolder, GoesOnAfterAFailureAndReportsIt) {
+    if (!superuser()) {
+        GTEST_SKIP() << "needs a folder of another owner, which only root can make";
+    }
+    const TemporaryFolder folder;
+    ::chmod(folder.path().c_str(), 0777);
+    create_folders(folder / "temp/theirs");
+    write_file(folder / "temp/a", "1");
+    write_file(folder / "temp/theirs/file", "1");
+    write_file(folder / "temp/z", "1");
+    ::chmod((folder / "temp").c_str(), 0777);
+    EXPECT_TRUE(succeeds_without_rights([&folder] {
+        const RuntimeError error = error_of([&] { empty_folder(folder / "temp"); });
+        return error.number() == 70 && error.description().find("theirs/file") != std::string::npos;
+    }));
+    EXPECT_EQ(names_in(folder / "temp"), Names{"theirs"});
+    EXPECT_EQ(names_in(folder / "temp/theirs"), Names{"file"});
+}
+
+TEST(EmptyFolder, DeletesLinksAndNeverWhatTheyPointAt) {
+    const TemporaryFolder folder;
+    create_folder(folder / "temp");
+    create_folder(folder / "outside");
+    write_file(folder / "outside/precious", "1");
+    fs::create_directory_symlink(folder / "outside", folder / "temp/to folder");
+    fs::create_symlink(folder / "outside/precious", folder / "temp/to file");
+    fs::create_symlink(folder / "nowhere", folder / "temp/to nothing");
+    empty_folder(folder / "temp");
+    EXPECT_EQ(names_in(folder / "temp"), Names{});
+    EXPECT_EQ(names_in(folder / "outside"), Names{"precious"});
+}
+
+TEST(EmptyFolder, RefusesAFolderThatIsItselfALink) {
+    const TemporaryFolder folder;
+    create_folder(folder / "outside");
+    write_file(folder / "outside/precious", "1");
+    fs::create_directory_symlink(folder / "outside", folder / "temp");
+    for (const char* name : {"temp", "temp/", "temp//"}) {
+        EXPECT_EQ(error_of([&] { empty_folder(folder / name); }).number(), 75) << name;
+        EXPECT_EQ(error_of([&] { remove_folder(folder / name); }).number(), 75) << name;
+    }
+    EXPECT_EQ(names_in(folder / "outside"), Names{"precious"});
+}
+
+TEST(EmptyFolder, RefusesAFileAndAMissingFolder) {
+    const TemporaryFolder folder;
+    write_file(folder / "file", "1");
+    EXPECT_EQ(error_of([&] { empty_folder(folder / "file"); }).number(), 75);
+    EXPECT_TRUE(file_exists(folder / "file"));
+    EXPECT_EQ(error_of([&] { empty_folder(folder / "missing/temp"); }).number(), 76);
+}
+
+TEST(RemoveFolder, RemovesItWithAllThatIsInIt) {
+    const TemporaryFolder folder;
+    create_folders(folder / "a/b");
+    write_file(folder / "a/b/file", "1");
+    remove_folder(folder / "a/");
+    EXPECT_FALSE(folder_exists(folder / "a"));
+}
+
+TEST(RemoveFolder, AMissingOneIsNoError) {
+    const TemporaryFolder folder;
+    remove_folder(folder / "missing");
+    EXPECT_EQ(names_in(folder.path()), Names{});
+}
+
+TEST(RemoveFile, RemovesReadOnlyFilesAndLinksAndAcceptsMissingOnes) {
+    const TemporaryFolder folder;
+    write_file(folder / "file", "1");
+    ::chmod((folder / "file").c_str(), 0444);
+    fs::create_symlink(folder / "file", folder / "link");
+    remove_file(folder / "link");
+    EXPECT_EQ(names_in(folder.path()), Names{"file"});
+    remove_file(folder / "file");
+    remove_file(folder / "file");
+    EXPECT_EQ(names_in(folder.path()), Names{});
+}
+
+TEST(RemoveFile, AFolderIsAnError) {
+    const TemporaryFolder folder;
+    create_folder(folder / "a");
+    EXPECT_EQ(error_of([&] { remove_file(folder / "a"); }).number(), 75);
+    EXPECT_TRUE(folder_exists(folder / "a"));
+}
+
+// --- reading and writing
+
+TEST(WriteFile, KeepsEveryByte) {
+    const TemporaryFolder folder;
+    std::string bytes;
+    for (int i = 0; i < 300000; ++i) {
+        bytes += static_cast<char>(i % 256);
+    }
+    write_file(folder / "file", bytes);
+    EXPECT_EQ(read_file(folder / "file"), bytes);
+    EXPECT_EQ(names_in(folder.path()), Names{"file"});
+}
+
+TEST(WriteFile, ReplacesAndKeepsThePermissions) {
+    const TemporaryFolder folder;
+    write_file(folder / "file", "old");
+    ::chmod((folder / "file").c_str(), 0640);
+    write_file(folder / "file", "new");
+    EXPECT_EQ(read_file(folder / "file"), "new");
+    EXPECT_EQ(static_cast<unsigned>(fs::status(folder / "file").permissions()), 0640U);
+}
+
+TEST(WriteFile, WritesThroughALinkAndLeavesIt) {
+    const TemporaryFolder folder;
+    create_folder(folder / "real");
+    write_file(folder / "real/file", "old");
+    fs::create_symlink("real/file", folder / "link");
+    write_file(folder / "link", "new");
+    EXPECT_TRUE(fs::is_symlink(folder / "link"));
+    EXPECT_EQ(read_file(folder / "real/file"), "new");
+    EXPECT_EQ(names_in(folder / "real"), Names{"file"});
+}
+
+TEST(WriteFile, AMissingFolderIsPathNotFoundAndNamesThePath) {
+    const TemporaryFolder folder;
+    const RuntimeError error = error_of([&] { write_file(folder / "missing/file", "1"); });
+    EXPECT_EQ(error.number(), 76);
+    EXPECT_NE(error.description().find(folder / "missing/file"), std::string::npos);
+    EXPECT_EQ(error.line(), __LINE__ - 3);
+}
+
+TEST(WriteFile, AFolderOrADeviceInItsPlaceIsRefused) {
+    const TemporaryFolder folder;
+    create_folder(folder / "a");
+    EXPECT_EQ(error_of([&] { write_file(folder / "a", "1"); }).number(), 75);
+    EXPECT_EQ(error_of([&] { write_file("/dev/null", "1"); }).number(), 75);
+    EXPECT_TRUE(fs::is_character_file("/dev/null"));
+    EXPECT_EQ(names_in(folder.path()), Names{"a"});
+}
+
+TEST(WriteFile, AReadOnlyFileIsRefused) {
+    const TemporaryFolder folder;
+    ::chmod(folder.path().c_str(), 0777);
+    EXPECT_TRUE(succeeds_without_rights([&folder] {
+        write_file(folder / "file", "old");
+        ::chmod((folder / "file").c_str(), 0444);
+        const RuntimeError error = error_of([&] { write_file(folder / "file", "new"); });
+        return error.number() == 70 && read_file(folder / "file") == "old";
+    }));
+    EXPECT_EQ(names_in(folder.path()), Names{"file"});
+}
+
+TEST(WriteFile, OnAFullDeviceTheOldFileStaysAndNothingElse) {
+    const TinyDisk disk;
+    if (!disk.mounted()) {
+        GTEST_SKIP() << "NOT TESTED: a small disk can be mounted by root only";
+    }
+    write_file(disk / "file", "old");
+    const RuntimeError error = error_of([&] { write_file(disk / "file", std::string(1 << 20, 'x')); });
+    EXPECT_EQ(error.number(), 61);
+    EXPECT_NE(error.description().find(disk / "file"), std::string::npos);
+    EXPECT_EQ(read_file(disk / "file"), "old");
+    EXPECT_EQ(names_in(disk.path()), Names{"file"});
+}
+
+TEST(ReadFile, MissingFileAndMissingFolderAreToldApart) {
+    const TemporaryFolder folder;
+    const RuntimeError error = error_of([&] { read_file(folder / "missing"); });
+    EXPECT_EQ(error.number(), 53);
+    EXPECT_NE(error.description().find(folder / "missing"), std::string::npos);
+    EXPECT_EQ(error_of([&] { read_file(folder / "no/file"); }).number(), 76);
+    EXPECT_EQ(error_of([&] { read_file(folder.path()); }).number(), 75);
+}
+
+TEST(ReadFile, ReadsFilesThatDoNotTellTheirSize) {
+    EXPECT_FALSE(read_file("/proc/self/status").empty());
+}
+
+TEST(CopyFile, CopiesBytesAndReplaces) {
+    const TemporaryFolder folder;
+    write_file(folder / "from", std::string("a\0b", 3));
+    write_file(folder / "to", "old");
+    copy_file(folder / "from", folder / "to");
+    EXPECT_EQ(read_file(folder / "to"), std::string("a\0b", 3));
+    copy_file(folder / "from", folder / "from");
+    EXPECT_EQ(read_file(folder / "from"), std::string("a\0b", 3));
+    EXPECT_EQ(error_of([&] { copy_file(folder / "missing", folder / "to"); }).number(), 53);
+    EXPECT_EQ(read_file(folder / "to"), std::string("a\0b", 3));
+}
+
+TEST(CopyFile, ACopyOfAReadOnlyFileCanBeWritten) {
+    const TemporaryFolder folder;
+    write_file(folder / "from", "1");
+    ::chmod((folder / "from").c_str(), 0444);
+    copy_file(folder / "from", folder / "to");
+    EXPECT_NE(fs::status(folder / "to").permissions() & fs::perms::owner_write, fs::perms::none);
+}
+
+TEST(RenameFile, ReplacesAndNamesWhatIsMissing) {
+    const TemporaryFolder folder;
+    write_file(folder / "a", "1");
+    write_file(folder / "b", "2");
+    rename_file(folder / "a", folder / "b");
+    EXPECT_EQ(read_file(folder / "b"), "1");
+    const RuntimeError source_missing = error_of([&] { rename_file(folder / "a", folder / "b"); });
+    EXPECT_EQ(source_missing.number(), 53);
+    EXPECT_NE(source_missing.description().find(folder / "a"), std::string::npos);
+    const RuntimeError folder_missing = error_of([&] { rename_file(folder / "b", folder / "no/b"); });
+    EXPECT_EQ(folder_missing.number(), 76);
+    EXPECT_NE(folder_missing.description().find(folder / "no/b"), std::string::npos);
+}
+
+// --- text
+
+TEST(Utf8, ValidTextStaysAndALeadingByteOrderMarkGoes) {
+    EXPECT_EQ(to_utf8("Z\xC3\xBCrich \xE2\x82\xAC \xF0\x9F\x8C\x8D"), "Z\xC3\xBCrich \xE2\x82\xAC \xF0\x9F\x8C\x8D");
+    EXPECT_EQ(to_utf8("\xEF\xBB\xBFName"), "Name");
+    EXPECT_EQ(to_utf8("a\xEF\xBB\xBF"), "a\xEF\xBB\xBF");
+    EXPECT_EQ(to_utf8(""), "");
+    EXPECT_EQ(to_utf8(std::string_view("a\0b", 3)), std::string("a\0b", 3));
+}
+
+TEST(Utf8, OtherTextIsTakenAsWindows1252) {
+    EXPECT_EQ(to_utf8("Z\xFCrich"), "Z\xC3\xBCrich");
+    EXPECT_EQ(to_utf8("\x80 5 \x96 10 \x93x\x94"), "\xE2\x82\xAC 5 \xE2\x80\x93 10 \xE2\x80\x9Cx\xE2\x80\x9D");
+    EXPECT_EQ(to_utf8("\x99\x9F\xFF"), "\xE2\x84\xA2\xC5\xB8\xC3\xBF");
+}
+
+TEST(Utf8, OneBadByteTurnsTheWholeTextIntoWindows1252) {
+    EXPECT_EQ(to_utf8("\xC3\xBC\xFC"), "\xC3\x83\xC2\xBC\xC3\xBC");
+}
+
+TEST(Utf8, BytesWithoutACharacterBecomeControlCodes) {
+    EXPECT_EQ(to_utf8("\x81\x8D\x8F\x90\x9D"), "\xC2\x81\xC2\x8D\xC2\x8F\xC2\x90\xC2\x9D");
+}
+
+TEST(Utf8, OverlongFormsSurrogatesAndWhatLiesBeyondUnicodeAreNotValid) {
+    // Not valid, so every byte is converted by itself and the text grows.
+    for (const std::string text : {"\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xF0\x8F\xBF\xBF",
+                                   "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xE2\x82", "\xC3", "\x80", "\xC3\x28"}) {
+        EXPECT_GT(to_utf8(text).size(), text.size()) << ::testing::PrintToString(text);
+    }
+    for (const std::string text : {"\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xEE\x80\x80",
+                                   "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {
+        EXPECT_EQ(to_utf8(text), text) << ::testing::PrintToString(text);
+    }
+}
+
+TEST(SplitLines, EndAtCrLfOrLf) {
+    EXPECT_EQ(split_lines("a\r\nb\nc"), (Names{"a", "b", "c"}));
+    EXPECT_EQ(split_lines("a\r\n"), Names{"a"});
+    EXPECT_EQ(split_lines("a\n\r\n\nb\n"), (Names{"a", "", "", "b"}));
+    EXPECT_EQ(split_lines(""), Names{});
+    EXPECT_EQ(split_lines("\n"), Names{""});
+}
+
+TEST(SplitLines, ALoneCarriageReturnIsPartOfTheLine) {
+    EXPECT_EQ(split_lines("a\rb\r\r\n"), Names{"a\rb\r"});
+}
+
+TEST(TextWriter, EndsEveryLineWithCrLfAndWritesNoByteOrderMark) {
+    const TemporaryFolder folder;
+    TextWriter writer(folder / "file");
+    writer.write_line("Value,ClassName");
+    writer.write_line("");
+    writer.write_line("\xC3\xBC");
+    writer.close();
+    EXPECT_EQ(read_file(folder / "file"), "Value,ClassName\r\n\r\n\xC3\xBC\r\n");
+}
+
+TEST(TextWriter, ReplacesALongerFile) {
+    const TemporaryFolder folder;
+    write_file(folder / "file", std::string(1000, 'x'));
+    TextWriter writer(folder / "file");
+    writer.close();
+    EXPECT_EQ(read_file(folder / "file"), "");
+}
+
+TEST(TextWriter, WritesManyLinesInOrder) {
+    const TemporaryFolder folder;
+    std::string expected;
+    TextWriter writer(folder / "file");
+    for (int i = 0; i < 30000; ++i) {
+        writer.write_line(std::to_string(i));
+        expected += std::to_string(i) + "\r\n";
+    }
+    writer.close();
+    EXPECT_EQ(read_file(folder / "file"), expected);
+}
+
+TEST(TextWriter, DestructionWritesWhatIsLeft) {
+    const TemporaryFolder folder;
+    { TextWriter(folder / "file").write_line("x"); }
+    EXPECT_EQ(read_file(folder / "file"), "x\r\n");
+}
+
+TEST(TextWriter, CannotBeOpenedInAMissingFolder) {
+    const TemporaryFolder folder;
+    const RuntimeError error = error_of([&] { TextWriter writer(folder / "no/file"); });
+    EXPECT_EQ(error.number(), 76);
+    EXPECT_EQ(error.line(), __LINE__ - 2);
+}
+
+TEST(TextWriter, AFullDeviceIsNoticedAtTheLatestOnClosing) {
+    const TinyDisk disk;
+    if (!disk.mounted()) {
+        GTEST_SKIP() << "NOT TESTED: a small disk can be mounted by root only";
+    }
+    disk.fill();
+    TextWriter writer(disk / "report");
+    writer.write_line("x");
+    const RuntimeError error = error_of([&] { writer.close(); });
+    EXPECT_EQ(error.number(), 61);
+    EXPECT_NE(error.description().find(disk / "report"), std::string::npos);
+    EXPECT_EQ(error.line(), __LINE__ - 3);
+}
+
+TEST(TextWriter, AFullDeviceIsNoticedWhileWriting) {
+    TextWriter writer("/dev/full");
+    const RuntimeError error = error_of([&] {
+        for (int i = 0; i < 100000; ++i) {
+            writer.write_line("x");
+        }
+    });
+    EXPECT_EQ(error.number(), 61);
+    // The rest is not tried again.
+    EXPECT_EQ(error_of([&] { writer.close(); }).number(), 0);
+}
+
+TEST(TextReader, ReadsLinesOfEitherKindAndBothEncodings) {
+    const TemporaryFolder folder;
+    write_file(folder / "file",
+               "\xEF\xBB\xBF"
+               "a\r\n\nZ\xC3\xBCrich");
+    TextReader reader(folder / "file");
+    EXPECT_EQ(reader.read_line(), "a");
+    EXPECT_EQ(reader.read_line(), "");
+    EXPECT_EQ(reader.read_line(), "Z\xC3\xBCrich");
+    EXPECT_EQ(reader.read_line(), std::nullopt);
+    EXPECT_EQ(reader.read_line(), std::nullopt);
+    write_file(folder / "file", "Z\xFCrich\r\n");
+    EXPECT_EQ(TextReader(folder / "file").read_line(), "Z\xC3\xBCrich");
+}
+
+TEST(TextReader, AMissingFileIsFileNotFound) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(error_of([&] { TextReader reader(folder / "missing"); }).number(), 53);
+}
+
+// --- the lock
+
+TEST(FolderLock, ASecondHolderIsRefusedWithAClearMessage) {
+    const TemporaryFolder folder;
+    const FolderLock lock(folder.path());
+    const RuntimeError error = error_of([&] { FolderLock second(folder.path()); });
+    EXPECT_EQ(error.number(), 70);
+    EXPECT_EQ(error.description(), "Another run is using the extension folder \"" + folder.path() +
+                                       "\". Wait for it to end, or give the command another folder with "
+                                       "--extension-folder.");
+}
+
+TEST(FolderLock, IsFreeAgainWhenReleased) {
+    const TemporaryFolder folder;
+    { const FolderLock lock(folder.path()); }
+    const FolderLock again(folder.path());
+    EXPECT_EQ(names_in(folder.path()), Names{".kestrel.lock"});
+}
+
+TEST(FolderLock, BindsOtherProcesses) {
+    const TemporaryFolder folder;
+    ::chmod(folder.path().c_str(), 0777);
+    const FolderLock lock(folder.path());
+    // The child also shows that the file of another user is good enough to meet its lock.
+    EXPECT_TRUE(
+        succeeds_without_rights([&] { return error_of([&] { FolderLock second(folder.path()); }).number() == 70; }));
+}
+
+TEST(FolderLock, OfAProcessThatDiedIsVoid) {
+    const TemporaryFolder folder;
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const FolderLock lock(folder.path());
+        ::_exit(0);  // without running the destructor
+    }
+    ::waitpid(child, nullptr, 0);
+    EXPECT_EQ(error_of([&] { FolderLock lock(folder.path()); }).number(), 0);
+}
+
+TEST(FolderLock, IsNotHandedToProgramsThatAreStarted) {
+    const TemporaryFolder folder;
+    {
+        const FolderLock lock(folder.path());
+        ASSERT_EQ(std::system("sleep 5 > /dev/null 2>&1 &"), 0);
+    }
+    EXPECT_EQ(error_of([&] { FolderLock lock(folder.path()); }).number(), 0);
+}
+
+TEST(FolderLock, AMissingFolderIsPathNotFound) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(error_of([&] { FolderLock lock(folder / "missing"); }).number(), 76);
+}
+
+// --- the temporary folder
+
+TEST(TemporaryFolderRule, TempComesBeforeTmpBeforeTmpdir) {
+    const TemporaryFolder folder;
+    create_folder(folder / "a");
+    create_folder(folder / "b");
+    create_folder(folder / "c");
+    {
+        const Environment all({{"Temp", folder / "a"}, {"Tmp", folder / "b"}, {"TMPDIR", folder / "c"}});
+        EXPECT_EQ(temporary_folder(), folder / "a");
+    }
+    {
+        const Environment two({{"Tmp", folder / "b"}, {"TMPDIR", folder / "c"}});
+        EXPECT_EQ(temporary_folder(), folder / "b");
+    }
+    const Environment one({{"TMPDIR", folder / "c"}});
+    EXPECT_EQ(temporary_folder(), folder / "c");
+}
+
+TEST(TemporaryFolderRule, NamesCountInAnyLetterCase) {
+    const TemporaryFolder folder;
+    for (const char* name : {"TEMP", "temp", "TMP", "tmp"}) {
+        const Environment one({{name, folder.path()}});
+        EXPECT_EQ(temporary_folder(), folder.path()) << name;
+    }
+}
+
+TEST(TemporaryFolderRule, VariablesThatNameNoFolderArePassedOver) {
+    const TemporaryFolder folder;
+    write_file(folder / "file", "");
+    const Environment some({{"Temp", folder / "missing"}, {"Tmp", folder / "file"}, {"TMPDIR", folder.path()}});
+    EXPECT_EQ(temporary_folder(), folder.path());
+    const Environment none({{"Temp", ""}, {"Tmp", folder / "missing"}});
+    EXPECT_EQ(temporary_folder(), "/tmp");
+}
+
+TEST(TemporaryFolderRule, LongerNamesDoNotCount) {
+    const TemporaryFolder folder;
+    const Environment others({{"TEMPORARY", folder.path()}});
+    EXPECT_EQ(temporary_folder(), "/tmp");
+}
+
+}  // namespace
+
+}  // namespace kestrel::platform
