@@ -88,7 +88,7 @@ void write_dbf(const Table& table, const std::string& path) {
         throw RuntimeError(kLibraryFailure, "This GDAL has no driver for dBASE files");
     }
     const MemoryFolder folder;
-    const GDALDatasetUniquePtr dataset(driver->Create(folder.path("table.dbf").c_str(), 0, 0, 0, GDT_Unknown, nullptr));
+    GDALDatasetUniquePtr dataset(driver->Create(folder.path("table.dbf").c_str(), 0, 0, 0, GDT_Unknown, nullptr));
     const char* const options[] = {"ENCODING=UTF-8", nullptr};
     OGRLayer* layer =
         dataset == nullptr ? nullptr : dataset->CreateLayer("table", nullptr, wkbNone, const_cast<char**>(options));
@@ -97,7 +97,7 @@ void write_dbf(const Table& table, const std::string& path) {
     }
     create_fields(*layer, table);
     write_rows(*layer, table);
-    dataset->FlushCache();
+    dataset.reset();  // the header of a table without rows is written on closing only
     write_file(path, folder.bytes("table.dbf"));
     write_file(join_path(folder_of(path), base_name_of(path) + ".cpg"), folder.bytes("table.cpg"));
 }
