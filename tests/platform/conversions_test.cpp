@@ -4,6 +4,7 @@
 
 #include "platform/errors.h"
 #include "platform/field.h"
+#include "tests/support/error_of.h"
 
 #include <gtest/gtest.h>
 
@@ -19,16 +20,7 @@ namespace kestrel::platform {
 
 namespace {
 
-/// The number of the error that the call raises; 0 when it raises none.
-template <typename Call>
-std::int32_t error_of(Call call) {
-    try {
-        call();
-    } catch (const RuntimeError& error) {
-        return error.number();
-    }
-    return 0;
-}
+using test::error_of;
 
 TEST(TextOfInteger, CoversTheWholeRangeOf32And64Bits) {
     EXPECT_EQ(text_of(std::int32_t{0}), "0");
@@ -122,8 +114,8 @@ TEST(NumberOfValue, NullCountsAsZero) {
 }
 
 TEST(NumberOfValue, TextThatIsNotNumericIsATypeMismatch) {
-    EXPECT_EQ(error_of([] { number_of(Value{std::string("high")}); }), 13);
-    EXPECT_EQ(error_of([] { number_of(Value{std::string()}); }), 13);
+    EXPECT_EQ(error_of([] { number_of(Value{std::string("high")}); }).number(), 13);
+    EXPECT_EQ(error_of([] { number_of(Value{std::string()}); }).number(), 13);
 }
 
 TEST(Numeric, TakesSignPointExponentAndSurroundingBlanks) {
@@ -187,11 +179,11 @@ TEST(ToDouble, WhatIsNotNumericIsATypeMismatchAndNamesTheText) {
 }
 
 TEST(ToDouble, TooLargeIsAnOverflowWhateverItsForm) {
-    EXPECT_EQ(error_of([] { to_double("1e309"); }), 6);
-    EXPECT_EQ(error_of([] { to_double("-1e309"); }), 6);
-    EXPECT_EQ(error_of([] { to_double("1e99999999999999999999"); }), 6);
-    EXPECT_EQ(error_of([] { to_double("0.001e400"); }), 6);
-    EXPECT_EQ(error_of([] { to_double("1" + std::string(6000, '0') + "e-10"); }), 6);
+    EXPECT_EQ(error_of([] { to_double("1e309"); }).number(), 6);
+    EXPECT_EQ(error_of([] { to_double("-1e309"); }).number(), 6);
+    EXPECT_EQ(error_of([] { to_double("1e99999999999999999999"); }).number(), 6);
+    EXPECT_EQ(error_of([] { to_double("0.001e400"); }).number(), 6);
+    EXPECT_EQ(error_of([] { to_double("1" + std::string(6000, '0') + "e-10"); }).number(), 6);
 }
 
 TEST(ToDouble, TooSmallIsZeroWhateverItsForm) {
@@ -217,8 +209,8 @@ TEST(ToSingle, GivesTheNearestSingle) {
 }
 
 TEST(ToSingle, BeyondASingleIsAnOverflow) {
-    EXPECT_EQ(error_of([] { to_single("1e39"); }), 6);
-    EXPECT_EQ(error_of([] { to_single("abc"); }), 13);
+    EXPECT_EQ(error_of([] { to_single("1e39"); }).number(), 6);
+    EXPECT_EQ(error_of([] { to_single("abc"); }).number(), 13);
     EXPECT_EQ(to_single("1e-60"), 0);
 }
 
@@ -239,12 +231,12 @@ TEST(ToInteger, OverflowsAtTheEdgesOf32Bits) {
     EXPECT_EQ(to_integer("-2147483648"), std::numeric_limits<std::int32_t>::min());
     EXPECT_EQ(to_integer("2147483647.4"), 2147483647);
     EXPECT_EQ(to_integer("-2147483648.5"), std::numeric_limits<std::int32_t>::min());
-    EXPECT_EQ(error_of([] { to_integer("2147483647.5"); }), 6);
-    EXPECT_EQ(error_of([] { to_integer("2147483648"); }), 6);
-    EXPECT_EQ(error_of([] { to_integer("-2147483649"); }), 6);
-    EXPECT_EQ(error_of([] { to_integer("1e400"); }), 6);
-    EXPECT_EQ(error_of([] { to_integer("eleven"); }), 13);
-    EXPECT_EQ(error_of([] { to_integer(""); }), 13);
+    EXPECT_EQ(error_of([] { to_integer("2147483647.5"); }).number(), 6);
+    EXPECT_EQ(error_of([] { to_integer("2147483648"); }).number(), 6);
+    EXPECT_EQ(error_of([] { to_integer("-2147483649"); }).number(), 6);
+    EXPECT_EQ(error_of([] { to_integer("1e400"); }).number(), 6);
+    EXPECT_EQ(error_of([] { to_integer("eleven"); }).number(), 13);
+    EXPECT_EQ(error_of([] { to_integer(""); }).number(), 13);
 }
 
 TEST(RoundToScale, StoresWhatADbaseFieldOfThatScaleWouldStore) {
@@ -354,7 +346,7 @@ TEST(Conversions, DoNotDependOnTheLocaleOfTheProcess) {
     EXPECT_EQ(text_of(1234.5F), "1234.5");
     EXPECT_EQ(text_of(std::int32_t{1234567}), "1234567");
     EXPECT_EQ(to_double("1234.5"), 1234.5);
-    EXPECT_EQ(error_of([] { to_double("1234,5"); }), 13);
+    EXPECT_EQ(error_of([] { to_double("1234,5"); }).number(), 13);
     EXPECT_EQ(round_to_scale(0.125, 2), 0.12);
     std::locale::global(before);
     if (c_locale != nullptr) {

@@ -3,8 +3,10 @@
 #include "platform/files.h"
 
 #include "platform/errors.h"
+#include "tests/support/error_of.h"
 #include "tests/support/test_files.h"
 #include "tests/support/tiny_disk.h"
+#include "tests/support/unprivileged.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
@@ -20,27 +22,14 @@ namespace kestrel::platform {
 namespace {
 
 namespace fs = std::filesystem;
+using test::error_of;
 using test::names_in;
+using test::succeeds_unprivileged;
+using test::superuser;
 using test::TemporaryFolder;
 using test::TinyDisk;
 
 using Names = std::vector<std::string>;
-
-/// What the call throws; an error with number 0 when it throws nothing.
-template <typename Call>
-RuntimeError error_of(Call call) {
-    try {
-        call();
-    } catch (const RuntimeError& error) {
-        return error;
-    }
-    return {0, "nothing was thrown", "", 0};
-}
-
-/// Whether permissions do not bind this process.
-bool superuser() {
-    return ::geteuid() == 0;
-}
 
 /// Sets environment variables for its own lifetime, and hides those that bear the same name in another letter case.
 class Environment {
@@ -217,30 +206,10 @@ TEST(EmptyFolder, DeletesReadOnlyFiles) {
     EXPECT_EQ(names_in(folder / "temp"), Names{});
 }
 
-/// Runs `body` in a child process without the superuser's rights; whether it succeeded.
-template <typename Body>
-bool succeeds_without_rights(Body body) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        constexpr uid_t kNobody = 65534;
-        if (superuser() && (::setgid(kNobody) != 0 || ::setuid(kNobody) != 0)) {
-            ::_exit(2);
-        }
-        try {
-            ::_exit(body() ? 0 : 1);
-        } catch (...) {
-            ::_exit(3);
-        }
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
-
 TEST(EmptyFolder, DeletesFilesInFoldersThatAreReadOnlyOrUnreadable) {
     const TemporaryFolder folder;
     ::chmod(folder.path().c_str(), 0777);
-    EXPECT_TRUE(succeeds_without_rights([&folder] {
+    EXPECT_TRUE(succeeds_unprivileged([&folder] {
         create_folders(folder / "temp/read only");
         create_folders(folder / "temp/unreadable/below");
         write_file(folder / "temp/read only/file", "1");
@@ -264,7 +233,7 @@ TEST(EmptyFolder, GoesOnAfterAFailureAndReportsIt) {
     write_file(folder / "temp/theirs/file", "1");
     write_file(folder / "temp/z", "1");
     ::chmod((folder / "temp").c_str(), 0777);
-    EXPECT_TRUE(succeeds_without_rights([&folder] {
+    EXPECT_TRUE(succeeds_unprivileged([&folder] {
         const RuntimeError error = error_of([&] { empty_folder(folder / "temp"); });
         return error.number() == 70 && error.description().find("theirs/file") != std::string::npos;
     }));
@@ -391,7 +360,7 @@ TEST(WriteFile, AFolderOrADeviceInItsPlaceIsRefused) {
 TEST(WriteFile, AReadOnlyFileIsRefused) {
     const TemporaryFolder folder;
     ::chmod(folder.path().c_str(), 0777);
-    EXPECT_TRUE(succeeds_without_rights([&folder] {
+    EXPECT_TRUE(succeeds_unprivileged([&folder] {
         write_file(folder / "file", "old");
         ::chmod((folder / "file").c_str(), 0444);
         const RuntimeError error = error_of([&] { write_file(folder / "file", "new"); });
@@ -622,7 +591,7 @@ TEST(FolderLock, BindsOtherProcesses) {
     const FolderLock lock(folder.path());
     // The child also shows that the file of another user is good enough to meet its lock.
     EXPECT_TRUE(
-        succeeds_without_rights([&] { return error_of([&] { FolderLock second(folder.path()); }).number() == 70; }));
+        succeeds_unprivileged([&] { return error_of([&] { FolderLock second(folder.path()); }).number() == 70; }));
 }
 
 TEST(FolderLock, OfAProcessThatDiedIsVoid) {
