@@ -1,0 +1,74 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "apps/cli/console_progress.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <csignal>
+
+namespace kestrel::cli {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+volatile std::sig_atomic_t g_stop = 0;  // set by the signal handler, which may touch nothing else
+
+extern "C" void remember_stop(int) {
+    g_stop = 1;
+}
+
+// Longer lines would wrap, and a wrapped line cannot be drawn over.
+constexpr std::size_t kLongestText = 60;
+
+std::string_view shortened(std::string_view text) {
+    std::size_t end = std::min(text.size(), kLongestText);
+    while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
+        --end;  // never inside a UTF-8 character
+    }
+    return text.substr(0, end);
+}
+
+}  // namespace
+
+StopSignals::StopSignals() {
+    g_stop = 0;
+    std::signal(SIGINT, remember_stop);
+    std::signal(SIGTERM, remember_stop);
+}
+
+StopSignals::~StopSignals() {
+    std::signal(SIGINT, SIG_DFL);
+    std::signal(SIGTERM, SIG_DFL);
+}
+
+bool StopSignals::received() noexcept {
+    return g_stop != 0;
+}
+
+ConsoleProgress::ConsoleProgress(std::ostream& stream, bool shown, Now now)
+    : m_stream(stream), m_shown(shown), m_now(std::move(now)) {}
+
+bool ConsoleProgress::report(double fraction, std::string_view text) {
+    if (m_shown) {
+        const auto now = m_now();
+        if (!m_ever_drawn || now - m_last >= 100ms) {
+            const int percent = static_cast<int>(std::clamp(fraction, 0.0, 1.0) * 100);
+            m_stream << fmt::format("\r{:3}% {}\x1b[K", percent, shortened(text)) << std::flush;
+            m_last = now;
+            m_drawn = true;
+            m_ever_drawn = true;
+        }
+    }
+    return !cancelled();
+}
+
+void ConsoleProgress::clear_line() {
+    if (m_drawn) {
+        m_stream << "\r\x1b[K" << std::flush;
+        m_drawn = false;
+    }
+}
+
+}  // namespace kestrel::cli

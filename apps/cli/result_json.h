@@ -1,0 +1,14 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+#include "platform/run_result.h"
+
+namespace kestrel::cli {
+
+/// A run as one JSON object, indented, with a line end. Bytes that are no UTF-8 are replaced by U+FFFD.
+std::string result_json(const platform::RunResult& result);
+
+}  // namespace kestrel::cli

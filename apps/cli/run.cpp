@@ -1,0 +1,137 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "apps/cli/run.h"
+
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "apps/cli/console_interaction.h"
+#include "apps/cli/console_progress.h"
+#include "apps/cli/refusal.h"
+#include "apps/cli/result_json.h"
+#include "apps/cli/result_table.h"
+#include "apps/cli/run_folder.h"
+#include "apps/cli/run_inputs.h"
+#include "apps/cli/run_output.h"
+#include "apps/cli/user_files.h"
+#include "engine/clsISExecuteModel.h"
+#include "host/clsExtension.h"
+#include "platform/files.h"
+#include "platform/headless/headless_application.h"
+#include "platform/output_files.h"
+
+namespace kestrel::cli {
+
+using platform::HeadlessApplication;
+using platform::RunResult;
+
+namespace {
+
+constexpr const char* kParameterFile = "model_params.txt";
+
+/// The store of the extension folder that was named, or the user's own.
+std::string store_path(const RunRequest& request) {
+    if (!request.store.empty()) {
+        return request.store;
+    }
+    const std::string own = platform::join_path(request.extension_folder, "etc/isprops.xml");
+    return !request.extension_folder.empty() && platform::file_exists(own) ? own : user_store();
+}
+
+void check_output(const RunOutput& output, const RunRequest& request, const RunInputs& inputs,
+                  const std::string& store) {
+    std::vector<std::string> files = inputs.layers.files();
+    files.push_back(store);
+    check_folder(output);
+    check_not_an_input(output, files);
+    check_replacement(output, request.overwrite);
+}
+
+void fill_map(HeadlessApplication& application, const RunInputs& inputs) {
+    for (const auto& layer : inputs.layers.layers()) {
+        application.map().append_layer(layer);
+    }
+    application.map().set_distance_units(inputs.distance_units);
+}
+
+/// The folder beside the output in which the working data are kept; empty when they are not.
+std::string kept_folder(const RunRequest& request, const RunOutput& output) {
+    return request.keep_temp ? platform::make_unique_folder(output.folder, output.layer_name + "_temp_") : "";
+}
+
+/// A run that ended early may have kept nothing.
+void tell_kept(const std::string& folder, platform::Interaction& console) {
+    std::error_code not_empty;
+    if (!folder.empty() && !std::filesystem::remove(folder, not_empty)) {
+        console.notice("The working data of the run are kept in '" + folder + "'.");
+    }
+}
+
+int tell_result(const RunRequest& request, const RunResult& result, bool stopped, std::ostream& out,
+                platform::Interaction& console) {
+    for (const std::string& notice : result.notices) {
+        console.notice(notice);
+    }
+    if (const std::string unknown = unknown_classes_text(result); !unknown.empty()) {
+        console.message_box({unknown});
+    }
+    if (request.json) {
+        out << result_json(result);
+    } else if (result.finished) {
+        out << result_table(result, request.quiet);
+    }
+    out.flush();
+    if (result.finished) {
+        return kDone;
+    }
+    if (result.cancelled || stopped) {
+        console.message_box({"The run was cancelled. Nothing has been changed."});
+        return kCancelled;
+    }
+    console.message_box({"The run ended without an output."});
+    return kRefused;
+}
+
+}  // namespace
+
+int run(const RunRequest& request, std::ostream& out, std::ostream& err, bool on_terminal) {
+    const StopSignals signals;
+    ConsoleProgress progress(err, on_terminal && !request.quiet);
+    ConsoleInteraction console(err, progress, {request.yes, request.quiet});
+    const platform::ScopedInteraction scope(console);
+
+    const std::string store = store_path(request);
+    RunInputs inputs = checked_inputs(request, store);
+    const RunOutput output = output_of(request.output, request.layer_name);
+    check_output(output, request, inputs, store);
+    inputs.parameters.output_path = output.path();
+    inputs.parameters.layer_name = output.layer_name;
+
+    const RunFolder folder(request.extension_folder, user_contact_file());
+    HeadlessApplication application(progress);
+    clsExtension extension(folder.path());
+    application.register_extension(platform::kKestrelExtension, extension);
+    extension.IExtension_Startup(&application);
+    extension.IExtensionConfig_State(platform::kExtensionEnabled);
+    extension.IExtensionConfig_State();  // makes the working folders
+    fill_map(application, inputs);
+    if (!write_model_parameters(folder.temp(), kParameterFile, inputs.parameters, inputs.store, inputs.set_name, "")) {
+        return kRefused;
+    }
+
+    platform::SetAsideOutput older(output.path(), output.records());
+    const std::string kept = kept_folder(request, output);
+    clsISExecuteModel model({.threads = request.threads, .keep_temp_folder = kept});
+    model.ExecuteModel(&application, folder.path(), kParameterFile, output.folder, output.file_name, output.layer_name);
+    const RunResult result = application.result().value_or(RunResult{});
+    if (result.finished) {
+        older.discard();
+    }
+    progress.clear_line();
+    tell_kept(kept, console);
+    return tell_result(request, result, progress.cancelled(), out, console);
+}
+
+}  // namespace kestrel::cli

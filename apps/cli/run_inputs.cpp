@@ -1,0 +1,203 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "apps/cli/run_inputs.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include "apps/cli/chosen_store.h"
+#include "apps/cli/refusal.h"
+#include "coefficients/basISModelPropsUtil.h"
+#include "coefficients/clsISLCDef.h"
+#include "coefficients/clsLCClass.h"
+#include "platform/conversions.h"
+#include "platform/raster.h"
+
+namespace kestrel::cli {
+
+using platform::FeatureClass;
+using platform::FeatureSource;
+using platform::Field;
+using platform::FieldType;
+using platform::RasterDataset;
+using platform::RuntimeError;
+using platform::SpatialReference;
+
+namespace {
+
+RasterDataset open_land_cover(const std::string& source) {
+    try {
+        return RasterDataset::open(source);
+    } catch (const RuntimeError& error) {
+        refuse("The land cover (--land-cover) cannot be used. {}", error.description());
+    }
+}
+
+FeatureClass open_polygons(std::string_view option, const FeatureSource& source) {
+    std::optional<FeatureClass> opened;
+    try {
+        opened = FeatureClass::open(source);
+    } catch (const RuntimeError& error) {
+        refuse("The source of {} cannot be opened. {}", option, error.description());
+    }
+    if (!opened->polygonal()) {
+        refuse("The layer '{}' of {} holds no polygons, in '{}'. Give a polygon layer.", opened->layer_name(), option,
+               source.path);
+    }
+    return *opened;
+}
+
+std::string names_of(const std::vector<Field>& fields) {
+    std::string names;
+    for (const Field& field : fields) {
+        names += (names.empty() ? "" : ", ") + field.name;
+    }
+    return names.empty() ? "it has none" : names;
+}
+
+const Field& field_of(const FeatureClass& features, std::string_view option, const std::string& name) {
+    const int position = features.find_field(name);
+    if (position < 0) {
+        refuse("The layer '{}' has no field '{}' ({}). Its fields: {}. Names are compared exactly.",
+               features.layer_name(), name, option, names_of(features.fields()));
+    }
+    if (name.find('#') != std::string::npos) {
+        refuse("The field '{}' ({}) cannot be used: its name holds '#'. Rename it, or take a copy of the layer.", name,
+               option);
+    }
+    return features.fields()[static_cast<std::size_t>(position)];
+}
+
+void check_analysis_field(const FeatureClass& zones, const std::string& name) {
+    const FieldType type = field_of(zones, "--field", name).type;
+    if (!integral(type) && type != FieldType::text) {
+        refuse(
+            "The field '{}' (--field) of the layer '{}' holds neither whole numbers nor text, so it cannot name the "
+            "zones. Give another field: {}.",
+            name, zones.layer_name(), names_of(zones.fields()));
+    }
+}
+
+void check_density_field(const FeatureClass& blocks, const std::string& name) {
+    const FieldType type = field_of(blocks, "--density-field", name).type;
+    if (!integral(type) && type != FieldType::single && type != FieldType::real) {
+        refuse("The field '{}' (--density-field) of the layer '{}' holds no numbers. Give another field: {}.", name,
+               blocks.layer_name(), names_of(blocks.fields()));
+    }
+}
+
+/// "Meters" or "Feet" for those units; empty for any other.
+std::string units_of(const SpatialReference& reference) {
+    const double metres = reference.known() ? reference.metres_per_unit().value_or(0) : 0;
+    if (std::abs(metres - 1) < 1e-9) {
+        return "Meters";
+    }
+    // Both feet, the international one and that of the US survey.
+    return std::abs(metres - 0.3048) < 1e-5 ? "Feet" : "";
+}
+
+std::string chosen_units(const RunRequest& request, const RasterDataset& land_cover) {
+    const SpatialReference& reference = land_cover.spatial_reference();
+    if (reference.known() && reference.geographic() && !request.allow_degrees) {
+        refuse(
+            "The land cover '{}' is in degrees ({}), so its cells have no areas. Project it to metres or feet "
+            "first; or give --allow-degrees and take the areas for what they are.",
+            request.land_cover, reference.name());
+    }
+    if (!request.units.empty()) {
+        return request.units;
+    }
+    const std::string own = units_of(reference);
+    if (own.empty()) {
+        refuse("The land cover '{}' does not say that it is in metres or feet. Give --units Meters or --units Feet.",
+               request.land_cover);
+    }
+    return own;
+}
+
+std::vector<std::int64_t> selected_zones(const FeatureClass& zones, const std::string& where) {
+    if (where.empty()) {
+        return {};
+    }
+    std::vector<std::int64_t> ids;
+    try {
+        ids = zones.ids_where(where);
+    } catch (const RuntimeError& error) {
+        refuse("The selection (--where) cannot be understood: {}. {} The fields of the layer '{}': {}.", where,
+               error.description(), zones.layer_name(), names_of(zones.fields()));
+    }
+    if (ids.empty()) {
+        refuse(
+            "The selection (--where) holds for none of the features of the layer '{}': {}. A run without a "
+            "selection takes all of them; leave --where out for that.",
+            zones.layer_name(), where);
+    }
+    return ids;
+}
+
+/// The name that the set gives a class. A class that it does not know is the engine's to refuse.
+std::string class_name(const clsISModelProperties& store, const std::string& set_name, std::int32_t code) {
+    if (const auto set = basISModelPropsUtil::find_set(store, set_name)) {
+        for (const auto& land_class : set->LCClasses) {
+            if (land_class->ID == code) {
+                return land_class->LCName;
+            }
+        }
+    }
+    return platform::text_of(code);
+}
+
+void add_zones(RunInputs& inputs, const RunRequest& request) {
+    const FeatureSource source = FeatureSource::parse(request.zones);
+    const FeatureClass zones = open_polygons("--zones", source);
+    check_analysis_field(zones, request.field);
+    inputs.distance_units = platform::distance_units_of(zones.spatial_reference());
+    inputs.parameters.analysis_layer = inputs.layers.add_features(source, zones, selected_zones(zones, request.where));
+    inputs.parameters.analysis_field = request.field;
+}
+
+void add_density(RunInputs& inputs, const RunRequest& request) {
+    constexpr std::string_view kOptions[]{"high", "medium", "low", "density"};
+    inputs.parameters.density_option = static_cast<std::int32_t>(
+        std::find(std::begin(kOptions), std::end(kOptions), request.option) - std::begin(kOptions));
+    if (!request.by_density()) {
+        return;
+    }
+    const FeatureSource source = FeatureSource::parse(request.density_layer);
+    const FeatureClass blocks = open_polygons("--density-layer", source);
+    check_density_field(blocks, request.density_field);
+    inputs.parameters.density_layer = inputs.layers.add_features(source, blocks);
+    inputs.parameters.density_field = request.density_field;
+    inputs.parameters.density_high = request.density_high;
+    inputs.parameters.density_medium = {request.density_low, request.density_high};
+    inputs.parameters.density_low = request.density_low;
+}
+
+void add_scenarios(RunInputs& inputs, const RunRequest& request) {
+    std::int32_t number = 0;
+    for (const ScenarioRequest& scenario : request.scenarios) {
+        const FeatureSource source = FeatureSource::parse(scenario.source);
+        const FeatureClass polygons = open_polygons("--scenario", source);
+        inputs.parameters.scenarios.push_back({++number, inputs.layers.add_features(source, polygons),
+                                               class_name(inputs.store, inputs.set_name, scenario.code),
+                                               platform::text_of(scenario.code)});
+    }
+}
+
+}  // namespace
+
+RunInputs checked_inputs(const RunRequest& request, const std::string& store_path) {
+    RunInputs inputs;
+    const RasterDataset land_cover = open_land_cover(request.land_cover);
+    inputs.parameters.land_cover_units = chosen_units(request, land_cover);
+    inputs.parameters.land_cover_layer = inputs.layers.add_raster(request.land_cover);
+    load_store(store_path, inputs.store);
+    inputs.set_name = chosen_set(inputs.store, store_path, request.set);
+    add_zones(inputs, request);
+    add_density(inputs, request);
+    add_scenarios(inputs, request);
+    return inputs;
+}
+
+}  // namespace kestrel::cli

@@ -1,0 +1,78 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "apps/cli/run_layers.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "platform/conversions.h"
+#include "platform/files.h"
+
+namespace kestrel::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string real_path(const std::string& path) {
+    std::error_code error;
+    const fs::path result = fs::canonical(path, error);
+    return error ? path : result.string();
+}
+
+/// A folder of shapefiles is a source whose layers are files in it.
+std::string file_behind(const std::string& path, const std::string& layer) {
+    return platform::folder_exists(path) ? platform::join_path(path, layer + ".shp") : path;
+}
+
+}  // namespace
+
+std::string layer_name_from(const std::string& wanted) {
+    std::string name = platform::to_utf8(wanted);
+    std::replace_if(
+        name.begin(), name.end(), [](char c) { return c == '#' || static_cast<unsigned char>(c) < 0x20; }, '_');
+    return name;
+}
+
+std::string RunLayers::distinct_name(const std::string& wanted) const {
+    const auto taken = [this](const std::string& name) {
+        return std::any_of(m_layers.begin(), m_layers.end(), [&](const auto& layer) { return layer->name() == name; });
+    };
+    std::string name = wanted;
+    for (std::int32_t number = 2; taken(name); ++number) {
+        name = wanted + " (" + platform::text_of(number) + ")";
+    }
+    return name;
+}
+
+std::string RunLayers::add_raster(const std::string& source) {
+    const std::string base = platform::base_name_of(platform::file_name_of(source));
+    const std::string name = distinct_name(layer_name_from(base.empty() ? source : base));
+    m_layers.push_back(std::make_shared<platform::HeadlessRasterLayer>(name, source));
+    m_identities.push_back("raster\n" + real_path(source));
+    m_files.push_back(source);
+    return name;
+}
+
+std::string RunLayers::add_features(const platform::FeatureSource& source, const platform::FeatureClass& opened,
+                                    std::vector<std::int64_t> selected) {
+    std::string identity = "features\n" + real_path(source.path) + "\n" + opened.layer_name() + "\n" + source.subset;
+    for (const std::int64_t id : selected) {
+        identity += "\n" + platform::text_of(id);
+    }
+    const auto known = std::find(m_identities.begin(), m_identities.end(), identity);
+    if (known != m_identities.end()) {
+        return m_layers[static_cast<std::size_t>(known - m_identities.begin())]->name();
+    }
+    std::string base = source.layer_name;
+    if (base.empty()) {
+        base = platform::base_name_of(platform::file_name_of(source.path));
+    }
+    const std::string name = distinct_name(layer_name_from(base.empty() ? opened.layer_name() : base));
+    m_layers.push_back(std::make_shared<platform::HeadlessFeatureLayer>(name, source, std::move(selected)));
+    m_identities.push_back(std::move(identity));
+    m_files.push_back(file_behind(source.path, opened.layer_name()));
+    return name;
+}
+
+}  // namespace kestrel::cli

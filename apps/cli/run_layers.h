@@ -1,0 +1,46 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/feature_class.h"
+#include "platform/headless/headless_map.h"
+
+namespace kestrel::cli {
+
+/// The layers that a command line names, each with the name by which the map and the parameter file know it.
+///
+/// A layer is named after the layer inside its source when that was given, else after its file. Different sources never
+/// share a name: the second is "sheds (2)". The same source named twice is one layer, unless other features of it are
+/// selected.
+class RunLayers {
+  public:
+    /// \return the layer's name.
+    std::string add_raster(const std::string& source);
+    /// \param source as given.
+    /// \param opened the same, opened.
+    /// \param selected ids of the selected features, ascending.
+    std::string add_features(const platform::FeatureSource& source, const platform::FeatureClass& opened,
+                             std::vector<std::int64_t> selected = {});
+
+    /// In the order in which they were added.
+    const std::vector<std::shared_ptr<platform::Layer>>& layers() const noexcept { return m_layers; }
+    /// Files and folders that the layers draw from, for comparing with the output.
+    const std::vector<std::string>& files() const noexcept { return m_files; }
+
+  private:
+    std::string distinct_name(const std::string& wanted) const;
+
+    std::vector<std::shared_ptr<platform::Layer>> m_layers;
+    std::vector<std::string> m_identities;  // of the layers
+    std::vector<std::string> m_files;
+};
+
+/// A name as it can stand in the parameter file: "#", which would cut it, and control characters become "_".
+std::string layer_name_from(const std::string& wanted);
+
+}  // namespace kestrel::cli

@@ -1,0 +1,39 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kestrel::cli {
+
+/// Where the output of a run goes.
+struct RunOutput {
+    /// Absolute.
+    std::string folder;
+    /// Ends in ".shp", in whatever letter case.
+    std::string file_name;
+    /// Name in the map, and of the records beside the shapefile.
+    std::string layer_name;
+
+    std::string path() const;
+    /// Run report, metadata, layer file and style.
+    std::vector<std::string> records() const;
+};
+
+/// \param text what the user gave: a name without ".shp" gets it, one without a folder means the present folder.
+/// \param layer_name the output's base name when empty.
+/// \throws std::invalid_argument with the reason when there is no name, or the layer's name is no file name.
+RunOutput output_of(const std::string& text, const std::string& layer_name);
+
+/// Refuses a folder that is missing or cannot be written to.
+void check_folder(const RunOutput& output);
+
+/// Refuses an output that is one of the inputs, or whose files would replace files that belong to one.
+/// \param inputs paths; what is no path of a file or folder is passed over.
+void check_not_an_input(const RunOutput& output, const std::vector<std::string>& inputs);
+
+/// Refuses to replace an output that exists already, unless that is wanted.
+void check_replacement(const RunOutput& output, bool overwrite);
+
+}  // namespace kestrel::cli

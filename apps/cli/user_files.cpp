@@ -1,0 +1,76 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "apps/cli/user_files.h"
+
+#include <array>
+#include <filesystem>
+#include <string_view>
+
+#include "apps/cli/refusal.h"
+#include "host/extension_folder.h"
+#include "platform/files.h"
+
+namespace kestrel::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::array kShippedFiles{"isprops.xml", "contact.ini"};
+
+/// Empty when the user has no home.
+std::string user_etc() {
+    const std::string data = user_data_folder();
+    return data.empty() ? data : platform::join_path(data, "kestrel/etc");
+}
+
+/// The `etc` that came with the program: beside it, or where packages put it. Empty when there is none.
+std::string installed_etc() {
+    std::error_code error;
+    const fs::path program = fs::read_symlink("/proc/self/exe", error);
+    if (error) {
+        return {};
+    }
+    for (const fs::path& candidate :
+         {program.parent_path() / "etc", program.parent_path().parent_path() / "share/kestrel/etc"}) {
+        if (fs::is_regular_file(candidate / "isprops.xml", error)) {
+            return candidate.string();
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
+std::string user_store() {
+    const std::string etc = user_etc();
+    if (!etc.empty() && platform::file_exists(etc + "/isprops.xml")) {
+        return etc + "/isprops.xml";
+    }
+    const std::string installed = installed_etc();
+    if (installed.empty()) {
+        refuse(
+            "There is no coefficient store: neither your own ('{}') nor one that came with the program. Give one "
+            "with --store.",
+            etc.empty() ? "no home folder is known" : etc + "/isprops.xml");
+    }
+    if (etc.empty()) {
+        return installed + "/isprops.xml";
+    }
+    platform::create_folders(etc);
+    for (const std::string_view name : kShippedFiles) {
+        const std::string from = platform::join_path(installed, name);
+        const std::string to = platform::join_path(etc, name);
+        if (platform::file_exists(from) && !platform::file_exists(to)) {
+            platform::copy_file(from, to);
+        }
+    }
+    return etc + "/isprops.xml";
+}
+
+std::string user_contact_file() {
+    const std::string etc = user_etc();
+    return etc.empty() ? "" : etc + "/contact.ini";
+}
+
+}  // namespace kestrel::cli
