@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <fmt/format.h>
+
+#include <string>
+
+#include "platform/contracts/interaction.h"
+
+/// \file
+/// What the writer and the reader of the model parameter file say to the user.
+namespace kestrel::parameter_file_texts {
+
+inline platform::MessageBox missing_folder(const std::string& folder) {
+    return {fmt::format("Working directory ({}) defined in ArcView project does not exist.", folder)};
+}
+
+// The folder stands before "\temp" as it is, whatever its separators.
+inline platform::MessageBox missing_file(const std::string& extension_folder, const std::string& file_name) {
+    return {fmt::format(
+                "A '{}' does not exist in {}\\temp. \r This file is required to perform an Kestrel analysis.",  // sic
+                file_name, extension_folder),
+            "Missing: Model_Params File", platform::Icon::critical, platform::Buttons::ok};
+}
+
+}  // namespace kestrel::parameter_file_texts
