@@ -1,2 +1,412 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
+#include "engine/clsISExecuteModel.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "engine/basUtil.h"
+#include "engine/clsISTableFunctions.h"
+#include "engine/clsPopulationDensity.h"
+#include "engine/engine_texts.h"
+#include "engine/model_run.h"
+#include "engine/stage_progress.h"
+#include "host/error_report.h"
+#include "platform/conversions.h"
+#include "platform/errors.h"
+#include "platform/files.h"
+#include "platform/geometry.h"
+#include "platform/layer_file.h"
+#include "platform/output_files.h"
+#include "records/metadata.h"
+#include "records/run_report.h"
+
+namespace kestrel {
+
+using platform::Field;
+using platform::FieldType;
+using platform::Table;
+
+namespace {
+
+constexpr const char* kModule = "clsISExecuteModel";
+
+// The share of a run that joining the polygons takes.
+constexpr double kDissolveBegins = 0.7;
+constexpr double kDissolveEnds = 0.9;
+
+/// An area table as it was after a stage, under the name of that stage's working table.
+Table snapshot(const Table& table, const std::string& name) {
+    Table copy = table;
+    copy.rename(name);
+    return copy;
+}
+
+/// The analysis field as the output holds it: the source's type and width, wide enough for every value.
+Field output_analysis_field(const ModelRun& run) {
+    Field field = run.analysis.field;
+    field.alias = field.name;
+    std::size_t widest = 1;
+    for (std::size_t i = 0; i < run.groups.count(); ++i) {
+        widest = std::max(widest, run.groups.text(i).size());
+    }
+    if (field.type == FieldType::text) {
+        field.length = std::clamp(std::max(field.length, static_cast<int>(widest)), 1, 254);
+    } else {
+        const int usual = field.type == FieldType::big_integer ? 18 : 9;
+        field.length =
+            std::max(field.length > 0 && field.length <= 18 ? field.length : usual, static_cast<int>(widest));
+        field.precision = field.length;
+        field.scale = 0;
+    }
+    return field;
+}
+
+std::vector<Field> area_fields(const std::string& units) {
+    const bool feet = units == "Feet";
+    const auto create = basUtil::CreateFields;
+    return {
+        create(feet ? "TotAcres" : "TotHects", feet ? "TotalAcres" : "TotalHectares", FieldType::real, 18, 18, 6),
+        create(feet ? "TotISAcr" : "TotISHec", feet ? "TotalISAcres" : "TotalISHectares", FieldType::real, 18, 18, 6),
+        create("pctIS", "pctIS", FieldType::real, 10, 10, 2), create("Complete", "Complete", FieldType::text, 1, 0, 0)};
+}
+
+/// Whether the output has a field of its own that a shapefile could not tell from `name`.
+bool taken_by_output(const std::string& name, const std::string& units) {
+    const auto lower = [](std::string text) {
+        std::transform(text.begin(), text.end(), text.begin(),
+                       [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+        return text;
+    };
+    const std::vector<Field> own = area_fields(units);
+    return std::any_of(own.begin(), own.end(), [&](const Field& field) { return lower(field.name) == lower(name); });
+}
+
+RunRecord record_of(const ModelRun& run, const platform::LocalTime& time) {
+    RunRecord record{.time = time,
+                     .output_layer = run.out_theme_name,
+                     .land_cover_layer = run.land_cover_theme,
+                     .land_cover_units = run.units,
+                     .analysis_layer = run.analysis_theme,
+                     .analysis_field = run.analysis_field,
+                     .coefficient_option = run.option,
+                     .density_layer = run.density_theme,
+                     .density_field = run.density_field,
+                     .density_high = run.density_high,
+                     .density_low = run.density_low,
+                     .classes = {},
+                     .scenarios = {}};
+    for (const auto& [code, entry] : *run.classes) {
+        record.classes.push_back({code, entry.Item(1), entry.Item(2), entry.Item(3), entry.Item(4)});
+    }
+    for (const auto& [number, entry] : *run.scenario_choices) {
+        record.scenarios.push_back({entry.Item(1), entry.Item(2)});
+    }
+    return record;
+}
+
+OutputRecord output_record_of(const ModelRun& run) {
+    OutputRecord record{.extent = run.output.polygons.envelope(),
+                        .decimal_degrees = run.map().distance_units() == platform::kDecimalDegrees,
+                        .field_names = run.output.field_names(),
+                        .analysis_values = {}};
+    for (std::size_t i = 0; i < run.groups.count(); ++i) {
+        record.analysis_values.push_back(run.groups.text(i));
+    }
+    return record;
+}
+
+}  // namespace
+
+/// Ends a run on every exit: working data is removed and the result handed over, whatever happened before.
+class clsISExecuteModel::RunEnd {
+  public:
+    explicit RunEnd(clsISExecuteModel& model) : m_model(model) {}
+    ~RunEnd() {
+        m_model.hand_over();
+        m_model.m_run.reset();
+    }
+    RunEnd(const RunEnd&) = delete;
+    RunEnd& operator=(const RunEnd&) = delete;
+
+  private:
+    clsISExecuteModel& m_model;
+};
+
+clsISExecuteModel::clsISExecuteModel(RunOptions options) : m_options(std::move(options)) {}
+clsISExecuteModel::~clsISExecuteModel() = default;
+
+void clsISExecuteModel::ExecuteModel(platform::Application* pApp, const std::string& pWorkPath,
+                                     const std::string& pFileName, const std::string& shpPath,
+                                     const std::string& shpName, const std::string& LayerName) try {
+    if (pApp == nullptr) {
+        throw platform::RuntimeError(platform::kObjectVariableNotSet, "There is no application to run in");
+    }
+    m_run = std::make_unique<ModelRun>(*pApp, pWorkPath);
+    const RunEnd end(*this);
+    run_stages(pFileName, shpPath, shpName, LayerName);
+} catch (...) {
+    report_current({"ExecuteModel", kModule});
+}
+
+/// A run, stage by stage. A stage that fails, or finds the run cancelled, ends it; it has told what there was to tell.
+void clsISExecuteModel::run_stages(const std::string& pFileName, const std::string& shpPath, const std::string& shpName,
+                                   const std::string& LayerName) {
+    if (!prepare(pFileName) || !calculate_areas() || !adjust_for_scenarios() || !sum_by_analysis_value()) {
+        return;
+    }
+    if (!DissolveAnalysisLayer(shpPath, shpName, LayerName) || !isCalPctIS() || !isSetCompleteArea()) {
+        return;
+    }
+    describe_result(*m_run);
+    if (!publish(shpPath, shpName, LayerName)) {
+        return;
+    }
+    isUpdateLegend(*m_run->output_layer, shpPath);
+    if (m_run->incomplete > 0) {
+        platform::interaction().message_box(engine_texts::nodata_cells());
+    }
+    m_run->map().refresh();
+    isWriteMetadata(shpPath, LayerName);
+    m_run->reader.FlushParameters();
+    m_run->app.progress().report(1, "Finished");
+}
+
+/// Reads the settings and the layers, and lays out what the pass over the land cover looks at.
+bool clsISExecuteModel::prepare(const std::string& pFileName) {
+    ModelRun& run = *m_run;
+    run.app.progress().report(0, "Reading the layers");
+    if (!read_settings(run, pFileName) || !read_analysis_layer(run)) {
+        return false;
+    }
+    inspect_land_cover(run);
+    run.areas.Initialise(&run.app, run.option, m_options.threads);
+    const PolygonLayer* density = nullptr;
+    std::optional<clsPopulationDensity> density_stage;
+    if (run.option == "3") {
+        density_stage.emplace(run.map(), run.analysis, run.analysis_fields, run.density_theme, run.density_field,
+                              run.density_high, run.density_low);
+        if (!density_stage->DensityCalculation()) {
+            if (!run.cancelled()) {
+                platform::interaction().message_box(engine_texts::density_failed());
+            }
+            return false;
+        }
+        density = &density_stage->NewAnalysisTheme().density;
+        run.density_digits = density_stage->NewAnalysisTheme().class_digits;
+        run.zone_field = density_stage->NewAnalysisFieldName();
+    } else {
+        run.zone_field = run.analysis_field;
+    }
+    lay_out_zones(run, density);
+    return !run.cancelled();
+}
+
+bool clsISExecuteModel::calculate_areas() {
+    ModelRun& run = *m_run;
+    run.summary = run.areas.isGetLCArea(run.work_path, area_theme(run), *run.land_cover, "Value", run.zone_field,
+                                        run.option == "3", run.units, *run.classes, "tmpZone", "areaTemp");
+    run.result.unknown_classes = run.areas.unknown_classes();
+    if (!run.summary || run.cancelled()) {
+        return false;
+    }
+    run.result.zone_tables.push_back(*run.summary);
+    return true;
+}
+
+bool clsISExecuteModel::adjust_for_scenarios() {
+    ModelRun& run = *m_run;
+    int number = 2;  // the first scenario's names begin with 2, not with 0 or 1
+    for (std::size_t i = 0; i < run.scenarios.size(); ++i, ++number) {
+        const TextList& choice = std::next(run.scenario_choices->begin(), static_cast<std::ptrdiff_t>(i))->second;
+        clsISDSAdjustment adjustment({.working_folder = run.work_path,
+                                      .analysis = area_theme(run),
+                                      .land_cover = run.land_cover.get(),
+                                      .units = run.units,
+                                      .option = run.option,
+                                      .by_density = run.option == "3",
+                                      .areas = &run.areas});
+        run.summary = adjustment.isDSAdjustment(
+            std::move(*run.summary), run.scenarios[i], run.zone_field, choice.Item(3), fmt::format("{}dsZone", number),
+            fmt::format("{}dsarea", number), fmt::format("{}dsInt", number), *run.classes);
+        if (!run.summary || run.cancelled()) {
+            return false;
+        }
+        run.result.zone_tables.push_back(snapshot(*run.summary, fmt::format("{}dsarea", number)));
+    }
+    return true;
+}
+
+/// Sums the density classes of each zone, so that the table's keys are analysis values again.
+bool clsISExecuteModel::sum_by_analysis_value() {
+    ModelRun& run = *m_run;
+    if (run.option == "3") {
+        run.summary = clsISTableFunctions(run.work_path)
+                          .SumTable(*run.summary, run.analysis_field, run.summary->fields().at(1).name);
+        if (run.summary) {
+            run.result.zone_tables.push_back(*run.summary);
+        }
+    }
+    return run.summary.has_value() && !run.cancelled();
+}
+
+bool clsISExecuteModel::DissolveAnalysisLayer(const std::string& shpPath, const std::string& shpName,
+                                              const std::string& LayerName) try {
+    (void)shpPath;  // the output stays in memory until it is whole: publish() writes it
+    (void)shpName;
+    ModelRun& run = *m_run;
+    run.result.layer_name = LayerName;
+    if (run.analysis.field.name.empty()) {
+        platform::interaction().message_box(engine_texts::analysis_field_missing());
+        return false;
+    }
+    StageProgress progress(run.app.progress(), kDissolveBegins, kDissolveEnds);
+    run.output.polygons =
+        platform::dissolve(run.analysis.polygons, run.groups.group_of(), run.groups.count(), progress);
+    if (run.cancelled()) {
+        return false;
+    }
+    run.output.reference = run.analysis.reference;
+    run.output.groups = &run.groups;
+    Field field = output_analysis_field(run);
+    field.name = basUtil::stored_field_name(field.name, run.analysis_fields);
+    if (taken_by_output(field.name, run.units)) {
+        field.name = field.name.substr(0, 8) + "_0";
+    }
+    if (field.name != run.analysis_field) {
+        run.notices.notice(engine_texts::renamed_output_field(run.analysis_field, field.name));
+    }
+    run.output.fields = {std::move(field)};
+    const bool only_analysis_field = OutputLayer::kFirstField + run.output.fields.size() <= 3;
+    return !only_analysis_field || AddNewFields();
+} catch (...) {
+    return reported<bool>({"DissolveAnalysisLayer", kModule});
+}
+
+bool clsISExecuteModel::AddNewFields() try {
+    for (Field& field : area_fields(m_run->units)) {
+        m_run->output.fields.push_back(std::move(field));
+    }
+    return true;
+} catch (...) {
+    return reported<bool>({"AddNewFields", kModule});
+}
+
+bool clsISExecuteModel::isCalPctIS() try {
+    ModelRun& run = *m_run;
+    const Table& table = *run.summary;
+    for (std::size_t i = 0; i < run.groups.count(); ++i) {
+        double area = 0;
+        double impervious = 0;
+        if (const std::optional<std::size_t> row = table.find_row(run.groups.text(i))) {
+            for (int field = 2; field < static_cast<int>(table.fields().size()); ++field) {
+                const Field& column = table.fields()[static_cast<std::size_t>(field)];
+                area += is_area_column(column) ? table.number(*row, field) : 0;
+                impervious += is_impervious_column(column) ? table.number(*row, field) : 0;
+            }
+        }
+        run.output.total_area.push_back(platform::round_to_scale(area, 6));
+        run.output.impervious_area.push_back(platform::round_to_scale(impervious, 6));
+        run.output.percent.push_back(area == 0 ? 0 : platform::round_to_scale(impervious / area * 100, 2));
+        run.output.complete.push_back(true);
+    }
+    return true;
+} catch (...) {
+    return reported<bool>({"isCalPctIS", kModule});
+}
+
+/// Marks the features that touch NODATA cells, before the output is written; what they are is known from the pass.
+bool clsISExecuteModel::isSetCompleteArea() try {
+    ModelRun& run = *m_run;
+    const auto& touches = run.areas.counts()->counts().touches_nodata;
+    for (std::size_t i = 0; i < touches.size(); ++i) {
+        const std::uint32_t group = run.groups.group_of()[i];
+        if (touches[i] != 0 && run.output.complete[group]) {
+            run.output.complete[group] = false;
+            ++run.incomplete;
+        }
+    }
+    return true;
+} catch (...) {
+    return reported<bool>({"isSetCompleteArea", kModule});
+}
+
+/// Writes the output beside its place, moves it there, and puts its layer into the map. After this the run cannot be
+/// cancelled any more.
+bool clsISExecuteModel::publish(const std::string& shpPath, const std::string& shpName, const std::string& LayerName) {
+    ModelRun& run = *m_run;
+    if (!run.app.progress().report(kDissolveEnds, "Writing the output")) {
+        return false;
+    }
+    platform::StagedOutput stage(shpPath);
+    run.output.write(stage.path(shpName));
+    if (run.cancelled()) {
+        return false;
+    }
+    run.result.files = stage.publish();
+    run.result.finished = true;
+    run.output_layer = run.app.make_feature_layer(platform::join_path(shpPath, shpName), LayerName);
+    if (const auto earlier = basUtil::FindLayer(LayerName, run.map())) {
+        run.map().remove_layer(earlier);
+    }
+    run.map().add_layer(run.output_layer);
+    return true;
+}
+
+void clsISExecuteModel::isUpdateLegend(platform::FeatureLayer& outputLayer, const std::string& shpPath) try {
+    ModelRun& run = *m_run;
+    const platform::ClassBreaksRenderer legend = output_legend();
+    outputLayer.set_renderer(legend);
+    run.map().refresh();
+    const std::string shapefile = run.result.files.front();
+    const std::string layer_file = platform::join_path(shpPath, outputLayer.name() + ".lyr");
+    platform::write_layer_file(layer_file, {.layer_name = outputLayer.name(),
+                                            .shapefile_name = platform::file_name_of(shapefile),
+                                            .reference = run.output.reference,
+                                            .renderer = legend});
+    run.result.files.push_back(layer_file);
+    const std::string style_file = platform::join_path(shpPath, platform::base_name_of(shapefile) + ".qml");
+    platform::write_style_file(style_file, legend);
+    run.result.files.push_back(style_file);
+} catch (...) {
+    report_current({"isUpdateLegend", kModule});
+}
+
+void clsISExecuteModel::isWriteMetadata(const std::string& folder, const std::string& name) try {
+    ModelRun& run = *m_run;
+    const platform::SystemClock system_clock;
+    const platform::Clock& clock = m_options.clock != nullptr ? *m_options.clock : system_clock;
+    const RunRecord record = record_of(run, clock.now());
+    const std::string report = platform::join_path(folder, name + ".prm");
+    write_run_report(report, record);
+    run.result.files.push_back(report);
+    const std::string metadata = platform::join_path(folder, name + ".met");
+    write_metadata(metadata, record, output_record_of(run), read_contact(run.work_path));
+    run.result.files.push_back(metadata);
+} catch (...) {
+    report_current({"isWriteMetadata", kModule});
+}
+
+void clsISExecuteModel::isCleanUp(const std::string& extension_folder) try {
+    platform::empty_folder(platform::join_path(extension_folder, "temp"));
+} catch (...) {
+    report_current({"isCleanUp", kModule});
+}
+
+/// Cleans up and hands the result to the application; the end of every run.
+void clsISExecuteModel::hand_over() try {
+    ModelRun& run = *m_run;
+    if (!m_options.keep_temp_folder.empty()) {
+        keep_working_data(run, m_options.keep_temp_folder);
+    }
+    run.areas.Reset();
+    isCleanUp(run.work_path);
+    run.result.cancelled = !run.result.finished && run.cancelled();
+    run.result.notices = run.notices.take_notices();
+    run.app.run_ended(std::move(run.result));
+} catch (...) {
+    report_current({"ExecuteModel", kModule});
+}
+
+}  // namespace kestrel

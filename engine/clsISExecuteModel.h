@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "platform/clock.h"
@@ -9,13 +10,15 @@
 
 namespace kestrel {
 
+struct ModelRun;
+
 /// What a host may choose about how a run is carried out; nothing here changes a figure.
 struct RunOptions {
     /// Threads that the raster pass may use; 0 for as many as there are cores.
     int threads = 0;
     /// Writes the run's tables and working shapefiles into this folder for inspection; nothing when empty.
     std::string keep_temp_folder{};
-    /// Source of the time stamps; the system's clock when nothing.
+    /// Source of the time stamps, which outlives the run; the system's clock when nothing.
     const platform::Clock* clock = nullptr;
 };
 
@@ -23,6 +26,9 @@ struct RunOptions {
 class clsISExecuteModel {
   public:
     explicit clsISExecuteModel(RunOptions options = {});
+    ~clsISExecuteModel();
+    clsISExecuteModel(const clsISExecuteModel&) = delete;
+    clsISExecuteModel& operator=(const clsISExecuteModel&) = delete;
 
     /// Runs the model and returns nothing: whatever happened is told to the user through the interaction, and handed to
     /// `pApp` as a RunResult.
@@ -36,7 +42,27 @@ class clsISExecuteModel {
                       const std::string& shpPath, const std::string& shpName, const std::string& LayerName);
 
   private:
+    class RunEnd;
+
+    void run_stages(const std::string& pFileName, const std::string& shpPath, const std::string& shpName,
+                    const std::string& LayerName);
+    bool prepare(const std::string& pFileName);
+    bool calculate_areas();
+    bool adjust_for_scenarios();
+    bool sum_by_analysis_value();
+    bool publish(const std::string& shpPath, const std::string& shpName, const std::string& LayerName);
+
+    void isWriteMetadata(const std::string& folder, const std::string& name);
+    void isCleanUp(const std::string& extension_folder);
+    bool isSetCompleteArea();
+    void isUpdateLegend(platform::FeatureLayer& outputLayer, const std::string& shpPath);
+    bool DissolveAnalysisLayer(const std::string& shpPath, const std::string& shpName, const std::string& LayerName);
+    bool AddNewFields();
+    bool isCalPctIS();
+    void hand_over();
+
     RunOptions m_options;
+    std::unique_ptr<ModelRun> m_run;
 };
 
 }  // namespace kestrel

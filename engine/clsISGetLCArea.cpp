@@ -1,2 +1,204 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
+#include "engine/clsISGetLCArea.h"
+
+#include <map>
+
+#include "engine/basUtil.h"
+#include "engine/clsISTableFunctions.h"
+#include "engine/engine_texts.h"
+#include "engine/stage_progress.h"
+#include "host/error_report.h"
+#include "platform/contracts/interaction.h"
+#include "platform/conversions.h"
+#include "platform/errors.h"
+#include "platform/zonal_tabulation.h"
+
+namespace kestrel {
+
+using platform::Table;
+
+namespace {
+
+constexpr const char* kModule = "clsISGetLCArea";
+
+// The share of a run that the pass over the land cover takes.
+constexpr double kPassBegins = 0.1;
+constexpr double kPassEnds = 0.7;
+
+/// The coefficients of all class columns in a zone, looked up once for each density class.
+class ColumnCoefficients {
+  public:
+    ColumnCoefficients(const CoefficientLookup& lookup, const Tabulation& tabulation, bool by_zone)
+        : m_lookup(lookup), m_tabulation(tabulation), m_by_zone(by_zone) {}
+
+    const std::vector<double>& of(const std::string& key) {
+        const char density_class = m_by_zone && !key.empty() ? key.back() : '\0';
+        std::vector<double>& coefficients = m_known[density_class];
+        if (coefficients.empty()) {
+            for (const std::int32_t code : m_tabulation.classes) {
+                coefficients.push_back(m_lookup.coefficient(platform::text_of(code), key));
+            }
+        }
+        return coefficients;
+    }
+
+  private:
+    const CoefficientLookup& m_lookup;
+    const Tabulation& m_tabulation;
+    bool m_by_zone;
+    std::map<char, std::vector<double>> m_known;
+};
+
+}  // namespace
+
+double area_factor(const std::string& units) {
+    if (units == "Feet") {
+        return 2.2956e-05;  // Intended; not 1/43560.
+    }
+    return units == "Meters" ? 0.0001 : 0;
+}
+
+void clsISGetLCArea::Initialise(platform::Application* pApp, const std::string& option, int threads) {
+    Reset();
+    m_application = pApp;
+    m_option = option;
+    m_threads = threads;
+}
+
+void clsISGetLCArea::Reset() {
+    m_application = nullptr;
+    m_counts.reset();
+    m_unknown_classes.clear();
+}
+
+std::optional<Table> clsISGetLCArea::isGetLCArea(const std::string& pWorkspace, const AreaTheme& AnalysisTheme,
+                                                 const platform::RasterLayer& lcTheme, const std::string& ValueField,
+                                                 const std::string& ZoneField, bool popDS, const std::string& LCUnits,
+                                                 const LandClassDictionary& dictCL, const std::string& tmpZone,
+                                                 const std::string& areaTemp) try {
+    (void)ValueField;  // the cell value itself; the zone grid and its name exist only while rows are swept
+    (void)tmpZone;
+    (void)popDS;  // the keys of the zones already end in their density class
+    const std::string zone_field = basUtil::stored_field_name(ZoneField, AnalysisTheme.fields);
+    if (!SwitchOnRasterAnalysis()) {
+        platform::interaction().message_box(engine_texts::raster_analysis_missing());
+        return std::nullopt;
+    }
+    const std::optional<Tabulation> tabulation = TabulateAreas(AnalysisTheme, lcTheme);
+    if (!tabulation || m_application->progress().cancelled()) {
+        return std::nullopt;
+    }
+    if (tabulation->rows.empty()) {
+        platform::interaction().message_box(engine_texts::no_zone_has_cells(AnalysisTheme.name, lcTheme.name()));
+        return std::nullopt;
+    }
+    std::optional<Table> table =
+        clsISTableFunctions(pWorkspace).createDBF(areaTemp, zone_field, 2 * tabulation->field_count() - 2, *tabulation);
+    if (!table || !CalculateAreas(*tabulation, area_factor(LCUnits), dictCL, *table)) {
+        return std::nullopt;
+    }
+    return table;
+} catch (...) {
+    return reported<std::optional<Table>>({"isGetLCArea", kModule});
+}
+
+/// Enables the host's raster analysis; a host without it cannot count.
+bool clsISGetLCArea::SwitchOnRasterAnalysis() {
+    platform::IExtensionConfig* extension = m_application->find_extension(platform::kRasterAnalysisExtension);
+    if (extension == nullptr) {
+        return false;
+    }
+    try {
+        extension->IExtensionConfig_State(platform::kExtensionEnabled);
+        return extension->IExtensionConfig_State() == platform::kExtensionEnabled;
+    } catch (const std::exception&) {
+        return false;  // a host that cannot switch it on says so in the caller's message
+    }
+}
+
+/// \return nothing after an error, which is told.
+std::optional<Tabulation> clsISGetLCArea::TabulateAreas(const AreaTheme& AnalysisTheme,
+                                                        const platform::RasterLayer& lcTheme) {
+    try {
+        if (!m_counts) {
+            ConvertShapeToRaster(AnalysisTheme, lcTheme.source());
+        }
+    } catch (const platform::RuntimeError& error) {
+        platform::interaction().message_box(engine_texts::area_calculation_failed());
+        platform::interaction().notice(error.description());
+        return std::nullopt;
+    }
+    return AnalysisTheme.scenario ? m_counts->inside(*AnalysisTheme.scenario) : m_counts->whole();
+}
+
+platform::RasterDataset clsISGetLCArea::OpenRasterDataset(const std::string& source) {
+    return platform::RasterDataset::open(source);
+}
+
+/// Lays the polygons over the land cover's grid and counts, in the same pass: the grid of zones is never written out.
+void clsISGetLCArea::ConvertShapeToRaster(const AreaTheme& AnalysisTheme, const std::string& source) {
+    const platform::RasterDataset raster = OpenRasterDataset(source);
+    const RunZones& zones = *AnalysisTheme.zones;
+    platform::TabulationInput input{.zones = &zones.zones};
+    if (zones.by_density) {
+        input.overlay = &zones.density;
+    }
+    for (const platform::PolygonSet& scenario : zones.scenarios) {
+        input.scenarios.push_back(&scenario);
+    }
+    StageProgress progress(m_application->progress(), kPassBegins, kPassEnds);
+    m_counts.emplace(platform::tabulate(raster, input, m_threads, progress), zones.keys, raster.grid().cell_area());
+}
+
+std::string clsISGetLCArea::AnalysisFieldValues(const Tabulation& table, std::size_t id) try {
+    return table.rows.at(id).key;
+} catch (...) {
+    return reported<std::string>({"AnalysisFieldValues", kModule});
+}
+
+bool clsISGetLCArea::CalculateAreas(const Tabulation& tabulation, double factor, const LandClassDictionary& dictCL,
+                                    Table& table) try {
+    const CoefficientLookup lookup(m_option, dictCL);
+    ColumnCoefficients known(lookup, tabulation, !(m_option < "3"));
+    for (std::size_t id = 0; id < tabulation.rows.size(); ++id) {
+        const std::string zone = AnalysisFieldValues(tabulation, id);
+        const std::vector<double>& coefficients = known.of(zone);
+        for (std::size_t column = 0; column < coefficients.size(); ++column) {
+            if (coefficients[column] == CoefficientLookup::kNoCoefficient) {
+                list_unknown_classes(tabulation, lookup, zone);
+                platform::interaction().message_box(
+                    engine_texts::no_coefficients(platform::text_of(tabulation.classes[column])));
+                return false;
+            }
+        }
+        const std::size_t row = table.add_row(zone);
+        for (const Tabulation::Cell& cell : tabulation.rows[id].cells) {
+            const double area = static_cast<double>(cell.cells) * tabulation.cell_area;
+            const int field = 2 + 2 * static_cast<int>(cell.column);
+            table.set_number(row, field, area * factor);
+            table.set_number(row, field + 1, area * factor * coefficients[cell.column] / 100);
+        }
+    }
+    return true;
+} catch (...) {
+    return reported<bool>({"CalculateAreas", kModule});
+}
+
+void clsISGetLCArea::list_unknown_classes(const Tabulation& tabulation, const CoefficientLookup& lookup,
+                                          const std::string& key) {
+    std::vector<std::uint64_t> cells(tabulation.classes.size(), 0);
+    for (const Tabulation::Row& row : tabulation.rows) {
+        for (const Tabulation::Cell& cell : row.cells) {
+            cells[cell.column] += cell.cells;
+        }
+    }
+    for (std::size_t column = 0; column < cells.size(); ++column) {
+        const std::int32_t code = tabulation.classes[column];
+        if (lookup.coefficient(platform::text_of(code), key) == CoefficientLookup::kNoCoefficient) {
+            m_unknown_classes.push_back({code, cells[column]});
+        }
+    }
+}
+
+}  // namespace kestrel

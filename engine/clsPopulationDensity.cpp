@@ -1,2 +1,123 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
+#include "engine/clsPopulationDensity.h"
+
+#include <fmt/format.h>
+
+#include "engine/basUtil.h"
+#include "engine/engine_texts.h"
+#include "host/error_report.h"
+#include "platform/contracts/interaction.h"
+#include "platform/conversions.h"
+#include "platform/errors.h"
+#include "platform/geometry.h"
+
+namespace kestrel {
+
+using platform::FeatureClass;
+using platform::Field;
+using platform::Value;
+
+namespace {
+
+constexpr const char* kModule = "clsPopulationDensity";
+
+FeatureClass density_source(const platform::Map& map, const std::string& name) {
+    const auto layer = std::dynamic_pointer_cast<platform::FeatureLayer>(basUtil::FindLayer(name, map));
+    if (!layer) {
+        throw platform::RuntimeError(platform::kObjectVariableNotSet,
+                                     fmt::format("The map has no polygon layer \"{}\"", name));
+    }
+    return layer->feature_class();
+}
+
+/// The field of the intersection that holds the density: the name with "_1", which a field gets whose name both layers
+/// have, before the plain name.
+const basUtil::IntersectedField* density_field(const std::vector<basUtil::IntersectedField>& fields,
+                                               const std::string& name) {
+    const basUtil::IntersectedField* plain = nullptr;
+    for (const auto& field : fields) {
+        if (field.from_overlay && field.field.name == name + "_1") {
+            return &field;
+        }
+        if (field.field.name == name && (plain == nullptr || field.from_overlay)) {
+            plain = &field;
+        }
+    }
+    return plain;
+}
+
+}  // namespace
+
+std::uint8_t density_class(double density, const std::string& high, const std::string& low) {
+    if (density >= platform::to_double(high)) {
+        return 1;
+    }
+    return density > platform::to_double(low) ? 2 : 3;
+}
+
+std::string density_zone_key(const std::string& analysis_value, std::uint8_t digit) {
+    return fmt::format("{}#{}", analysis_value, digit);
+}
+
+clsPopulationDensity::clsPopulationDensity(const platform::Map& pMap, const PolygonLayer& analysis,
+                                           std::vector<Field> analysis_fields, std::string PopDensityTheme,
+                                           std::string PopDensityFldName, std::string PopDensityHigh,
+                                           std::string PopDensityLow)
+    : m_map(pMap),
+      m_analysis(analysis),
+      m_analysis_fields(std::move(analysis_fields)),
+      m_density_layer(std::move(PopDensityTheme)),
+      m_density_field(std::move(PopDensityFldName)),
+      m_high(std::move(PopDensityHigh)),
+      m_low(std::move(PopDensityLow)) {}
+
+bool clsPopulationDensity::DensityCalculation() try {
+    const FeatureClass density = density_source(m_map, m_density_layer);
+    const platform::SpatialReference& reference = density.spatial_reference();
+    if (reference.known() && m_analysis.reference.known() && !reference.same_name(m_analysis.reference)) {
+        return false;
+    }
+    m_intersection.density = read_polygon_layer(density, m_density_layer, {});
+    if (!overlaps()) {
+        return false;
+    }
+    for (const Value& value : density_values(density)) {
+        m_intersection.class_digits.push_back(density_class(platform::number_of(value), m_high, m_low));
+    }
+    const std::string& name = m_analysis.field.name;
+    m_new_field = basUtil::CreateFields("new_" + name.substr(0, 6), "new_" + name.substr(0, 6),
+                                        platform::FieldType::text, m_analysis.field.length + 8, 0, 0);
+    return true;
+} catch (...) {
+    return reported<bool>({"DensityCalculation", kModule});
+}
+
+/// The density of every density polygon.
+std::vector<Value> clsPopulationDensity::density_values(const FeatureClass& density) {
+    const auto fields = basUtil::intersected_fields(m_analysis_fields, density.fields());
+    const basUtil::IntersectedField* field = density_field(fields, m_density_field);
+    if (field == nullptr || !field->from_overlay) {
+        throw platform::RuntimeError(
+            platform::kInvalidProcedureCall,
+            fmt::format("The population density layer \"{}\" has no field \"{}\"", m_density_layer, m_density_field));
+    }
+    const std::string name = density.fields()[static_cast<std::size_t>(field->position)].name;
+    return std::move(density.read_columns(std::vector{name}).front());
+}
+
+bool clsPopulationDensity::overlaps() const {
+    bool any = false;
+    platform::intersect(m_analysis.polygons, m_intersection.density.polygons,
+                        [&](std::size_t, std::size_t, const platform::PolygonSet&) {
+                            any = true;
+                            return false;  // one piece is enough
+                        });
+    return any;
+}
+
+std::string clsPopulationDensity::SetFieldName(const std::string& name, std::span<const Field> table) {
+    return basUtil::SetFieldName(name, table);
+}
+
+}  // namespace kestrel

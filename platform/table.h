@@ -28,6 +28,7 @@ class Table {
     Table(std::string name, std::vector<Field> fields, int line = __builtin_LINE());
 
     const std::string& name() const noexcept { return m_name; }
+    void rename(std::string name) { m_name = std::move(name); }
     const std::vector<Field>& fields() const noexcept { return m_fields; }
     /// Position of the field, compared exactly; -1 when there is none.
     int find_field(std::string_view name) const noexcept;

@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "engine/coefficient_lookup.h"
+
+#include "platform/conversions.h"
+#include "platform/errors.h"
+
+namespace kestrel {
+
+double CoefficientLookup::coefficient(const std::string& class_code, std::string_view zone_key) const {
+    try {
+        return look_up(class_code, zone_key);
+    } catch (const platform::RuntimeError&) {
+        // Any failure means the same: the set defines nothing for this class. It is told by who asked.
+        return kNoCoefficient;
+    }
+}
+
+double CoefficientLookup::look_up(const std::string& class_code, std::string_view zone_key) const {
+    const TextList* entry = m_classes.find(class_code);
+    if (entry == nullptr) {
+        return kNoCoefficient;
+    }
+    std::int32_t position = 0;
+    if (m_option < "3") {  // a comparison of texts
+        position = platform::to_integer(m_option) + 2;
+    } else {
+        position = platform::to_integer(zone_key.substr(zone_key.empty() ? 0 : zone_key.size() - 1)) + 1;
+    }
+    return platform::to_double(entry->Item(position));
+}
+
+}  // namespace kestrel

@@ -1,0 +1,104 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "engine/clsISDSAdjustment.h"
+#include "engine/clsISGetLCArea.h"
+#include "engine/notice_recorder.h"
+#include "engine/output_layer.h"
+#include "engine/polygon_layer.h"
+#include "engine/run_zones.h"
+#include "engine/zone_keys.h"
+#include "parameters/clsReadParams.h"
+#include "platform/contracts/application.h"
+#include "platform/raster.h"
+
+namespace kestrel {
+
+/// What one run holds while it lasts.
+struct ModelRun {
+    ModelRun(platform::Application& application, std::string extension_folder)
+        : app(application), work_path(std::move(extension_folder)) {}
+
+    platform::Map& map() const { return app.document().focus_map(); }
+    bool cancelled() const { return app.progress().cancelled(); }
+    /// A folder of the run's own below "temp", made when it is first needed.
+    const std::string& working_folder();
+
+    platform::Application& app;
+    std::string work_path;
+    NoticeRecorder notices;
+
+    // The settings, as read.
+    clsReadParams reader;
+    std::string analysis_theme;
+    std::string analysis_field;
+    std::string land_cover_theme;
+    std::string units;
+    std::string option;
+    std::string out_theme_name;
+    std::string density_theme;
+    std::string density_field;
+    std::string density_high;
+    std::string density_low;
+    std::shared_ptr<LandClassDictionary> classes;
+    std::shared_ptr<ScenarioDictionary> scenario_choices;
+
+    // The layers.
+    std::shared_ptr<platform::FeatureLayer> analysis_layer;
+    std::shared_ptr<platform::RasterLayer> land_cover;
+    /// The land cover's data; nothing when it cannot be opened, which the area stage tells.
+    std::optional<platform::RasterDataset> raster;
+    PolygonLayer analysis;
+    /// The working copy of the selected analysis features; nothing when all are used.
+    std::optional<platform::FeatureClass> selected;
+    /// All fields of the analysis layer, as its source defines them.
+    std::vector<platform::Field> analysis_fields;
+    ZoneGroups groups;
+    /// The field that holds the zone keys: the analysis field, or the one that the density stage makes of it.
+    std::string zone_field;
+    std::vector<std::uint8_t> density_digits;
+    std::vector<ScenarioTheme> scenarios;
+    std::optional<RunZones> zones;
+
+    // What is made.
+    clsISGetLCArea areas;
+    std::optional<platform::Table> summary;
+    OutputLayer output;
+    std::shared_ptr<platform::FeatureLayer> output_layer;
+    std::size_t incomplete = 0;
+    platform::RunResult result;
+
+  private:
+    std::string m_working_folder;
+};
+
+/// Fills the settings from the reader. \return false when the file gave nothing, which the reader has told.
+bool read_settings(ModelRun& run, const std::string& file_name);
+
+/// Finds analysis layer and land cover in the map and reads the analysis features, the selected ones when there is a
+/// selection. \return false after a failure that was told. \throws RuntimeError 91 when the map lacks a layer.
+bool read_analysis_layer(ModelRun& run);
+
+/// Opens the land cover, and gives notice of what makes its areas doubtful.
+void inspect_land_cover(ModelRun& run);
+
+/// Prepares the scenarios and lays everything that the pass looks at into the land cover's coordinate system.
+/// \param density the density polygons under the per-zone option.
+void lay_out_zones(ModelRun& run, const PolygonLayer* density);
+
+/// What the area stage is asked for.
+AreaTheme area_theme(const ModelRun& run);
+
+/// Fills the run's result: zones, legend, tables and counts.
+void describe_result(ModelRun& run);
+
+/// Writes the run's tables and working shapefiles into `folder`.
+void keep_working_data(ModelRun& run, const std::string& folder);
+
+}  // namespace kestrel

@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "engine/polygon_layer.h"
+
+#include <fmt/format.h>
+
+#include "engine/engine_texts.h"
+#include "platform/contracts/interaction.h"
+#include "platform/errors.h"
+#include "platform/geometry.h"
+
+namespace kestrel {
+
+using platform::FeatureClass;
+using platform::PolygonSet;
+using platform::SpatialReference;
+
+PolygonLayer read_polygon_layer(const FeatureClass& source, const std::string& layer_name,
+                                const std::string& field_name) {
+    PolygonLayer layer;
+    layer.name = layer_name;
+    layer.reference = source.spatial_reference();
+    std::vector<std::string> wanted;
+    if (!field_name.empty()) {
+        const int position = source.find_field(field_name);
+        if (position < 0) {
+            throw platform::RuntimeError(platform::kInvalidProcedureCall,
+                                         fmt::format("The layer \"{}\" has no field \"{}\"", layer_name, field_name));
+        }
+        layer.field = source.fields()[static_cast<std::size_t>(position)];
+        wanted.push_back(field_name);
+    }
+    platform::PolygonFeatures features = source.read_polygons(wanted);
+    layer.polygons = std::move(features.polygons);
+    if (!features.columns.empty()) {
+        layer.values = std::move(features.columns.front());
+    }
+    const std::size_t repaired = platform::repair(layer.polygons);
+    if (repaired > 0) {
+        platform::interaction().notice(engine_texts::repaired_polygons(repaired, layer_name));
+    }
+    return layer;
+}
+
+PolygonSet polygons_in(const PolygonLayer& layer, const SpatialReference& target, const std::string& target_name) {
+    PolygonSet polygons = layer.polygons;
+    if (layer.reference.known() != target.known()) {
+        platform::interaction().notice(engine_texts::missing_system(layer.name, layer.reference.known(), target_name));
+    } else if (layer.reference.known() && !layer.reference.same(target)) {
+        project(polygons, layer.reference, target);
+    }
+    return polygons;
+}
+
+}  // namespace kestrel

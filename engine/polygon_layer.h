@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "platform/contracts/layer.h"
+#include "platform/feature_class.h"
+#include "platform/field.h"
+#include "platform/polygons.h"
+#include "platform/spatial_reference.h"
+
+namespace kestrel {
+
+/// A polygon layer of the map as a run works with it: read once, repaired, in its own coordinate system.
+struct PolygonLayer {
+    /// The name that the user knows.
+    std::string name;
+    platform::SpatialReference reference;
+    platform::PolygonSet polygons;
+    /// The field that was asked for, as the source defines it; without a name when none was.
+    platform::Field field;
+    /// Its value for every feature; empty when no field was asked for.
+    std::vector<platform::Value> values;
+};
+
+/// Reads all features of a feature class. Invalid polygons are repaired, which draws a notice with their count.
+/// \param layer_name for messages.
+/// \param field_name a field of the class, or empty for none.
+/// \throws RuntimeError when the class has no such field or cannot be read.
+PolygonLayer read_polygon_layer(const platform::FeatureClass& source, const std::string& layer_name,
+                                const std::string& field_name);
+
+/// The polygons of `layer` in the coordinate system `target`. A coordinate system that is missing on one side is taken
+/// as the other's, which draws a notice.
+/// \param target_name what the notice calls the other side.
+platform::PolygonSet polygons_in(const PolygonLayer& layer, const platform::SpatialReference& target,
+                                 const std::string& target_name);
+
+}  // namespace kestrel

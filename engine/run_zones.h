@@ -1,0 +1,23 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <vector>
+
+#include "engine/zone_keys.h"
+#include "platform/polygons.h"
+
+namespace kestrel {
+
+/// Everything that one pass over the land cover looks at, in the land cover's coordinate system.
+struct RunZones {
+    platform::PolygonSet zones;
+    /// The population density polygons; empty without the per-zone option.
+    platform::PolygonSet density;
+    bool by_density = false;
+    /// The development scenarios that can be laid over the zones.
+    std::vector<platform::PolygonSet> scenarios;
+    ZoneKeys keys;
+};
+
+}  // namespace kestrel
