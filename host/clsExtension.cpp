@@ -1,2 +1,53 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
+#include "host/clsExtension.h"
+
+#include <utility>
+
+#include "platform/files.h"
+
+namespace kestrel {
+
+clsExtension::clsExtension(std::string extension_folder) : m_extension_folder(std::move(extension_folder)) {}
+
+std::string clsExtension::IExtension_Name() const {
+    return "Kestrel";
+}
+
+void clsExtension::IExtension_Startup(platform::Application* initializationData) {
+    m_application = initializationData;
+}
+
+void clsExtension::IExtension_Shutdown() {
+    m_application = nullptr;
+}
+
+std::string clsExtension::IExtensionConfig_ProductName() const {
+    return "Kestrel Tools";
+}
+
+std::string clsExtension::IExtensionConfig_Description() const {
+    return "Extension for estimating area of imperviousness based on land cover.";
+}
+
+std::int32_t clsExtension::IExtensionConfig_State() {
+    if (m_state == platform::kExtensionEnabled) {
+        ensure_working_folders();
+    }
+    return m_state;
+}
+
+void clsExtension::IExtensionConfig_State(std::int32_t state) {
+    m_state = state;
+}
+
+void clsExtension::ensure_working_folders() const {
+    for (const char* name : {"temp", "output"}) {
+        const std::string folder = platform::join_path(m_extension_folder, name);
+        if (!platform::folder_exists(folder)) {
+            platform::create_folder(folder);
+        }
+    }
+}
+
+}  // namespace kestrel

@@ -25,7 +25,7 @@ void show_in_message_box(std::string_view entry, std::string_view description) {
     platform::interaction().beep();
     platform::interaction().message_box(
         {fmt::format(
-             "An error has occured in the application.   Record the call stack sequence\r\nand the description of the error.\r\n\r\nError Call Stack Sequence \r\n\t{}\r\n{}",
+             "An error has occured in the application.   Record the call stack sequence\r\nand the description of the error.\r\n\r\nError Call Stack Sequence \r\n\t{}\r\n{}",  // sic
              entry, description),
          "Unexpected Program Error", platform::Icon::exclamation, platform::Buttons::ok});
 }

@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+#include "platform/contracts/extension.h"
+
+namespace kestrel {
+
+/// The program as its host knows it: what it is called, whether it is switched on, and its working folders.
+///
+/// It has no error handlers: what goes wrong in a state read passes to the host.
+class clsExtension final : public platform::IExtension, public platform::IExtensionConfig {
+  public:
+    /// \param extension_folder in which `temp` and `output` are made. Nothing is done there before the state is read.
+    explicit clsExtension(std::string extension_folder);
+
+    std::string IExtension_Name() const override;
+    void IExtension_Startup(platform::Application* initializationData) override;
+    void IExtension_Shutdown() override;
+
+    std::string IExtensionConfig_ProductName() const override;
+    std::string IExtensionConfig_Description() const override;
+    /// While the state is enabled, every read makes `temp` and `output` where they are missing, so that a user who
+    /// deletes one gets it back.
+    /// \throws RuntimeError when one of them cannot be made.
+    std::int32_t IExtensionConfig_State() override;
+    void IExtensionConfig_State(std::int32_t state) override;
+
+    const std::string& extension_folder() const noexcept { return m_extension_folder; }
+    /// The host application between start-up and shut-down, else nothing.
+    platform::Application* application() const noexcept { return m_application; }
+
+  private:
+    void ensure_working_folders() const;
+
+    std::string m_extension_folder;
+    platform::Application* m_application = nullptr;
+    std::int32_t m_state = 0;
+};
+
+}  // namespace kestrel

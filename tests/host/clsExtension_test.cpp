@@ -1,0 +1,132 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "host/clsExtension.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "platform/contracts/application.h"
+#include "platform/errors.h"
+#include "platform/files.h"
+#include "tests/support/scripted_interaction.h"
+#include "tests/support/test_files.h"
+
+namespace kestrel {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class clsExtensionTest : public testing::Test {
+  protected:
+    test::TemporaryFolder m_folder;
+    clsExtension m_extension{m_folder.path()};
+};
+
+/// An application that nothing is asked of.
+class IdleApplication final : public platform::Application {
+  public:
+    platform::Document& document() override { throw platform::RuntimeError(5, "not asked"); }
+    platform::IExtensionConfig* find_extension(std::string_view) override { return nullptr; }
+    std::shared_ptr<platform::FeatureLayer> make_feature_layer(const std::string&, const std::string&) override {
+        return nullptr;
+    }
+    platform::Progress& progress() override { throw platform::RuntimeError(5, "not asked"); }
+    void run_ended(platform::RunResult) override {}
+};
+
+TEST_F(clsExtensionTest, TellsItsNames) {
+    EXPECT_EQ(m_extension.IExtension_Name(), "Kestrel");
+    EXPECT_EQ(m_extension.IExtensionConfig_ProductName(), "Kestrel Tools");
+    EXPECT_EQ(m_extension.IExtensionConfig_Description(),
+              "Extension for estimating area of imperviousness based on land cover.");
+}
+
+TEST_F(clsExtensionTest, KeepsTheApplicationFromStartUpToShutDown) {
+    IdleApplication application;
+    EXPECT_EQ(m_extension.application(), nullptr);
+    m_extension.IExtension_Startup(&application);
+    EXPECT_EQ(m_extension.application(), &application);
+    m_extension.IExtension_Shutdown();
+    EXPECT_EQ(m_extension.application(), nullptr);
+}
+
+TEST_F(clsExtensionTest, StateIsZeroUntilTheHostWritesIt) {
+    EXPECT_EQ(m_extension.IExtensionConfig_State(), 0);
+    EXPECT_THAT(test::names_in(m_folder.path()), IsEmpty());
+}
+
+TEST_F(clsExtensionTest, StateIsTheOneLastWritten) {
+    for (const std::int32_t state : {1, 2, 3, -1, 0}) {
+        m_extension.IExtensionConfig_State(state);
+        EXPECT_EQ(m_extension.IExtensionConfig_State(), state);
+    }
+}
+
+TEST_F(clsExtensionTest, WritingTheStateCreatesNothing) {
+    m_extension.IExtensionConfig_State(1);
+    EXPECT_THAT(test::names_in(m_folder.path()), IsEmpty());
+}
+
+TEST_F(clsExtensionTest, ReadingTheEnabledStateMakesTempAndOutputOnly) {
+    m_extension.IExtensionConfig_State(1);
+    EXPECT_EQ(m_extension.IExtensionConfig_State(), 1);
+    EXPECT_THAT(test::names_in(m_folder.path()), ElementsAre("output", "temp"));
+}
+
+TEST_F(clsExtensionTest, ReadingAnyOtherStateCreatesNothing) {
+    for (const std::int32_t state : {2, 0, 3, -1}) {
+        m_extension.IExtensionConfig_State(state);
+        m_extension.IExtensionConfig_State();
+    }
+    EXPECT_THAT(test::names_in(m_folder.path()), IsEmpty());
+}
+
+TEST_F(clsExtensionTest, ReadingWithBothFoldersPresentChangesNothing) {
+    platform::create_folder(m_folder / "temp");
+    platform::create_folder(m_folder / "output");
+    platform::write_file(m_folder / "temp/model_params.txt", "VIEW#\r\n");
+    const auto time_before = std::filesystem::last_write_time(m_folder.path());
+    m_extension.IExtensionConfig_State(1);
+    m_extension.IExtensionConfig_State();
+    EXPECT_EQ(std::filesystem::last_write_time(m_folder.path()), time_before);
+    EXPECT_THAT(test::names_in(m_folder.path()), ElementsAre("output", "temp"));
+    EXPECT_EQ(platform::read_file(m_folder / "temp/model_params.txt"), "VIEW#\r\n");
+}
+
+TEST_F(clsExtensionTest, FolderDeletedWhileEnabledComesBackEmptyWithTheNextRead) {
+    m_extension.IExtensionConfig_State(1);
+    m_extension.IExtensionConfig_State();
+    platform::write_file(m_folder / "output/old.shp", "x");
+    platform::remove_folder(m_folder / "output");
+    m_extension.IExtensionConfig_State();
+    EXPECT_THAT(test::names_in(m_folder / "output"), IsEmpty());
+}
+
+TEST(clsExtension, MissingExtensionFolderIsNotMadeAndTheErrorPassesOutUnreported) {
+    const test::TemporaryFolder folder;
+    test::ScriptedInteraction user;
+    clsExtension extension(folder / "missing");
+    extension.IExtensionConfig_State(1);
+    try {
+        extension.IExtensionConfig_State();
+        FAIL();
+    } catch (const platform::RuntimeError& error) {
+        EXPECT_EQ(error.number(), 76);
+    }
+    EXPECT_THAT(test::names_in(folder.path()), IsEmpty());
+    EXPECT_TRUE(user.call_stacks.empty());
+    EXPECT_TRUE(user.boxes.empty());
+}
+
+TEST_F(clsExtensionTest, FileInTheWayOfAFolderIsAnErrorThatPassesOut) {
+    platform::write_file(m_folder / "temp", "");
+    m_extension.IExtensionConfig_State(1);
+    EXPECT_THROW(m_extension.IExtensionConfig_State(), platform::RuntimeError);
+    EXPECT_THAT(test::names_in(m_folder.path()), ElementsAre("temp"));
+}
+
+}  // namespace
+}  // namespace kestrel
