@@ -16,40 +16,45 @@ FeatureClass HeadlessFeatureLayer::feature_class() const {
 
 void HeadlessMap::add_layer(std::shared_ptr<Layer> layer) {
     m_layers.insert(m_layers.begin(), std::move(layer));
-    for (MapEvents* listener : m_listeners) {
-        listener->layer_added();
-    }
+    tell(&MapEvents::layer_added);
 }
 
 void HeadlessMap::append_layer(std::shared_ptr<Layer> layer) {
     m_layers.push_back(std::move(layer));
-    for (MapEvents* listener : m_listeners) {
-        listener->layer_added();
-    }
+    tell(&MapEvents::layer_added);
 }
 
 void HeadlessMap::remove_layer(const std::shared_ptr<Layer>& layer) {
-    const auto found = std::find(m_layers.begin(), m_layers.end(), layer);
-    if (found == m_layers.end()) {
-        return;
-    }
-    m_layers.erase(found);
-    for (MapEvents* listener : m_listeners) {
-        listener->layer_deleted();
+    if (std::erase(m_layers, layer) > 0) {
+        tell(&MapEvents::layer_deleted);
     }
 }
 
 void HeadlessMap::move_layer(std::size_t from, std::size_t to) {
     std::shared_ptr<Layer> moved = m_layers.at(from);
     m_layers.erase(m_layers.begin() + static_cast<std::ptrdiff_t>(from));
+    to = std::min(to, m_layers.size());
     m_layers.insert(m_layers.begin() + static_cast<std::ptrdiff_t>(to), std::move(moved));
-    for (MapEvents* listener : m_listeners) {
-        listener->layers_reordered();
-    }
+    tell(&MapEvents::layers_reordered);
+}
+
+void HeadlessMap::open_document(std::vector<std::shared_ptr<Layer>> layers) {
+    m_layers = std::move(layers);
+    tell(&MapEvents::document_opened);
 }
 
 void HeadlessMap::remove_listener(MapEvents& listener) {
     std::erase(m_listeners, &listener);
+}
+
+void HeadlessMap::tell(void (MapEvents::*event)()) {
+    // A listener may leave, or make another one leave, while it is told.
+    const std::vector<MapEvents*> listeners = m_listeners;
+    for (MapEvents* listener : listeners) {
+        if (std::find(m_listeners.begin(), m_listeners.end(), listener) != m_listeners.end()) {
+            (listener->*event)();
+        }
+    }
 }
 
 DistanceUnits distance_units_of(const SpatialReference& reference) {

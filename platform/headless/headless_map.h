@@ -78,10 +78,14 @@ class HeadlessMap final : public Map {
     void append_layer(std::shared_ptr<Layer> layer);
     /// Moves the layer at one position to another and tells the listeners.
     void move_layer(std::size_t from, std::size_t to);
+    /// Puts these layers in the place of all others, as opening another document does, and tells the listeners.
+    void open_document(std::vector<std::shared_ptr<Layer>> layers);
     void set_distance_units(DistanceUnits units) { m_units = units; }
     int refresh_count() const noexcept { return m_refresh_count; }
 
   private:
+    void tell(void (MapEvents::*event)());
+
     std::vector<std::shared_ptr<Layer>> m_layers;
     std::vector<MapEvents*> m_listeners;
     DistanceUnits m_units = kUnknownUnits;

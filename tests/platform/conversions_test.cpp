@@ -3,7 +3,6 @@
 #include "platform/conversions.h"
 
 #include "platform/errors.h"
-#include "platform/field.h"
 #include "tests/support/error_of.h"
 
 #include <gtest/gtest.h>
@@ -97,25 +96,6 @@ TEST(TextOfDouble, KeepsEveryDecimalOfUpToFifteenDigits) {
 
 TEST(TextOfDouble, ZeroHasNoSign) {
     EXPECT_EQ(text_of(-0.0), "0");
-}
-
-TEST(TextOfValue, NullIsEmptyAndNumbersAreConverted) {
-    EXPECT_EQ(text_of(Value{}), "");
-    EXPECT_EQ(text_of(Value{std::int64_t{12}}), "12");
-    EXPECT_EQ(text_of(Value{12.0}), "12");
-    EXPECT_EQ(text_of(Value{std::string(" a'b%_ ")}), " a'b%_ ");
-}
-
-TEST(NumberOfValue, NullCountsAsZero) {
-    EXPECT_EQ(number_of(Value{}), 0);
-    EXPECT_EQ(number_of(Value{std::int64_t{-7}}), -7);
-    EXPECT_EQ(number_of(Value{2.5}), 2.5);
-    EXPECT_EQ(number_of(Value{std::string("2.5")}), 2.5);
-}
-
-TEST(NumberOfValue, TextThatIsNotNumericIsATypeMismatch) {
-    EXPECT_EQ(error_of([] { number_of(Value{std::string("high")}); }).number(), 13);
-    EXPECT_EQ(error_of([] { number_of(Value{std::string()}); }).number(), 13);
 }
 
 TEST(Numeric, TakesSignPointExponentAndSurroundingBlanks) {
