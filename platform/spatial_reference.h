@@ -5,13 +5,13 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "platform/polygons.h"
 
 namespace kestrel::platform {
 
-/// A coordinate system, or the lack of one. Copies share the immutable definition.
+/// A coordinate system of the plane, or the lack of one: a vertical part that the definition may have is left out.
+/// Copies share the definition, and may be used on several threads.
 class SpatialReference {
   public:
     /// No coordinate system.
@@ -24,9 +24,10 @@ class SpatialReference {
     bool known() const noexcept;
     /// The system's own name, such as "NAD83 / UTM zone 12N"; empty when unknown.
     std::string name() const;
-    /// "EPSG:26912" when an authority code can be identified, else empty.
+    /// "EPSG:26912" when an authority code can be identified, else empty. Slow at the first call.
     std::string authority_code() const;
     /// WKT in the dialect of a .prj file; empty when unknown.
+    /// \throws RuntimeError (library failure) when that dialect cannot express the system.
     std::string esri_wkt() const;
     /// WKT 2; empty when unknown.
     std::string wkt() const;
@@ -41,24 +42,21 @@ class SpatialReference {
     /// Same by name: the same identified authority code; where a code is missing on either side, the same name without
     /// regard to letter case, blanks and punctuation. Unknown equals only unknown.
     bool same_name(const SpatialReference& other) const;
-    /// The same system: datum, projection, parameters and units.
+    /// The same system: datum, projection, parameters and units. Unknown equals only unknown.
     bool same(const SpatialReference& other) const;
     /// The same projection method, parameters and unit, the datum left aside. Geographic systems agree with one
-    /// another in their unit; geographic against projected differs.
+    /// another in their unit; geographic against projected differs. Unknown equals only unknown.
     bool same_projection(const SpatialReference& other) const;
 
-    /// The opaque definition, for this folder's own sources.
-    struct Definition;
-    const Definition* definition() const noexcept { return m_definition.get(); }
-
   private:
+    struct Definition;
     std::shared_ptr<const Definition> m_definition;
-    friend SpatialReference spatial_reference_of(std::shared_ptr<const Definition> definition);
 };
 
 /// Moves every vertex of `polygons` from `from` to `to`, both known; x is east or longitude, y north or latitude.
+/// Vertices that are equal before are equal after.
 /// \throws RuntimeError (library failure) when the systems cannot be connected or a vertex cannot be projected; the
-///         description names the vertex.
+///         description names the vertex. Then the polygons are as they were.
 void project(PolygonSet& polygons, const SpatialReference& from, const SpatialReference& to);
 
 }  // namespace kestrel::platform
