@@ -57,7 +57,12 @@ class PolygonSet {
     void begin_polygon() { m_polygons.push_back(m_rings.size()); }
     void begin_ring() { m_rings.push_back(m_points.size()); }
     void add(Point p) { m_points.push_back(p); }
-    /// Appends feature `feature` of `other` as a new feature.
+    /// Adds `count` points to the ring, to be filled in at once.
+    std::span<Point> add_points(std::size_t count) {
+        m_points.resize(m_points.size() + count);
+        return std::span(m_points).last(count);
+    }
+    /// Appends feature `feature` of `other`, which is another set, as a new feature.
     void append(const PolygonSet& other, std::size_t feature);
     void reserve_points(std::size_t count) { m_points.reserve(count); }
     void shrink_to_fit();
