@@ -25,7 +25,9 @@ struct FeatureSource {
     /// Attribute filter in OGR's SQL; all features when empty.
     std::string subset{};
 
-    /// A source as QGIS writes it: `path`, `path|layername=NAME`, `path|layername=NAME|subset=FILTER`.
+    /// A source as QGIS writes it: `path`, `path|layername=NAME`, `path|layername=NAME|subset=FILTER`. The filter goes
+    /// to the end of the text; `geometrytype` and `option:` parts are passed over. \throws RuntimeError 5 for a layer
+    /// given by its number.
     static FeatureSource parse(std::string_view text);
     friend bool operator==(const FeatureSource&, const FeatureSource&) = default;
 };
@@ -42,8 +44,8 @@ struct PolygonFeatures {
 /// used on one thread.
 class FeatureClass {
   public:
-    /// \throws RuntimeError 53 when the file is missing, library failure when it cannot be opened or has no such layer;
-    ///         the description names path and layer, and lists the layers that there are.
+    /// \throws RuntimeError 53 when the file is missing, 70 when it may not be read, library failure when it cannot be
+    ///         opened, has no such layer (the description lists the layers that there are) or the filter is wrong.
     static FeatureClass open(const FeatureSource& source);
 
     const FeatureSource& source() const noexcept;
@@ -54,10 +56,12 @@ class FeatureClass {
     /// Position in fields(), compared exactly; -1 when there is none.
     int find_field(std::string_view name) const noexcept;
     const SpatialReference& spatial_reference() const noexcept;
-    /// Whether the geometry type is polygon or multipolygon, curved ones included.
+    /// Whether the geometry type is polygon or multipolygon, curved ones included, or any: a layer that may hold
+    /// everything is taken, and what is no polygon refused when it is read.
     bool polygonal() const noexcept;
     /// Features that pass the subset filter.
     std::int64_t feature_count() const;
+    /// Of the whole layer, without regard to the subset filter; empty when the layer is.
     Envelope extent() const;
 
     /// Ids of the features that pass `where` (OGR SQL) as well as the subset, ascending.
@@ -65,14 +69,16 @@ class FeatureClass {
     std::vector<std::int64_t> ids_where(const std::string& where) const;
 
     /// Reads features in source order. Curves become line strings; features without geometry have empty polygons;
-    /// measures and heights are dropped.
+    /// measures and heights are dropped; open rings are closed, rings of fewer than four points left out; of a
+    /// collection the polygons are taken.
     /// \param field_names fields to read; each must exist (error 5 otherwise).
     /// \param only ids to read, ascending; all features when not given.
-    /// \throws RuntimeError when the layer is not polygonal or a feature cannot be read.
+    /// \throws RuntimeError 5 when the layer is not polygonal, a feature is no polygon or has a coordinate that is no
+    ///         finite number, or one of `only` does not exist; library failure when a feature cannot be read.
     PolygonFeatures read_polygons(std::span<const std::string> field_names,
                                   std::optional<std::span<const std::int64_t>> only = std::nullopt) const;
 
-    /// Reads the attributes alone, as read_polygons() would.
+    /// Reads the attributes alone, as read_polygons() would; of layers of any geometry type.
     std::vector<std::vector<Value>> read_columns(std::span<const std::string> field_names) const;
 
   private:
