@@ -1,2 +1,34 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
+#include "coefficients/clsLCClass.h"
+
+#include "platform/conversions.h"
+
+namespace kestrel {
+
+using platform::text_of;
+
+void clsLCClass::write_into(platform::XmlElement& element) const {
+    element.set_attribute("ID", text_of(ID));
+    element.append("LCName", LCName);
+    element.append("LCHigh", text_of(LCHigh));
+    element.append("LCMed", text_of(LCMed));
+    element.append("LCLow", text_of(LCLow));
+}
+
+void clsLCClass::LoadNode(const platform::XmlElement& element) {
+    if (!element) {
+        return;
+    }
+    const std::int32_t id = platform::to_integer(GetNodeText(element, "@ID"));
+    const float high = platform::to_single(GetNodeText(element, "LCHigh"));
+    const float medium = platform::to_single(GetNodeText(element, "LCMed"));
+    const float low = platform::to_single(GetNodeText(element, "LCLow"));
+    LCName = GetNodeText(element, "LCName");
+    ID = id;
+    LCHigh = high;
+    LCMed = medium;
+    LCLow = low;
+}
+
+}  // namespace kestrel

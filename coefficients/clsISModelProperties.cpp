@@ -1,2 +1,0 @@
-// SPDX-FileCopyrightText: The Kestrel developers
-// SPDX-License-Identifier: MIT
