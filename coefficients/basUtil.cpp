@@ -1,2 +1,91 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
+#include "coefficients/basUtil.h"
+
+#include <fmt/format.h>
+
+#include <optional>
+
+#include "coefficients/indented_text.h"
+#include "host/error_report.h"
+#include "platform/contracts/interaction.h"
+#include "platform/errors.h"
+#include "platform/files.h"
+
+namespace kestrel::basUtil {
+
+namespace {
+
+constexpr const char* kModule = "basUtil";
+
+/// The sentence that names the copy of the store at `path`; empty when there is none.
+std::string where_the_copy_is(const std::string& path) {
+    const std::string copy = CoefficientStore::copy_of(path);
+    return platform::file_exists(copy) ? fmt::format(" The last good copy of the store is \"{}\".", copy)
+                                       : std::string();
+}
+
+/// Nothing when the file is missing or not well-formed: that is an answer here and no error, so it is not reported.
+std::optional<platform::XmlDocument> load_document(const std::string& path) {
+    try {
+        return platform::XmlDocument::load(path);
+    } catch (const platform::RuntimeError& error) {
+        platform::interaction().notice(error.description() + "." + where_the_copy_is(path));
+        return std::nullopt;
+    }
+}
+
+bool loads(const std::string& path) {
+    try {
+        clsISModelProperties().LoadNode(platform::XmlDocument::load(path).root());
+        return true;
+    } catch (const platform::RuntimeError&) {
+        return false;  // what is wrong with the old store does not matter to one who replaces it
+    }
+}
+
+/// A store that an overflow has cut must never take the place of a good copy.
+void keep_copy(const std::string& path) {
+    if (platform::file_exists(path) && loads(path)) {
+        platform::copy_file(path, CoefficientStore::copy_of(path));
+    }
+}
+
+}  // namespace
+
+bool GetISModelProperties(clsISModelProperties& props, const std::string& path) try {
+    const std::optional<platform::XmlDocument> document = load_document(path);
+    if (!document) {
+        return false;
+    }
+    props.XML(document->xml());
+    return true;
+} catch (...) {
+    return reported<bool>({"GetISModelProperties", kModule});
+}
+
+bool PutISModelProperties(const clsISModelProperties& props, const CoefficientStore& store) try {
+    const IndentedText layout = indented(props.XML());
+    const platform::FolderLock lock(store.lock_folder);
+    keep_copy(store.path);
+    platform::write_file(store.path, layout.text);
+    if (!layout.whole) {
+        throw platform::RuntimeError(
+            platform::kOverflow,
+            fmt::format("Overflow: the coefficient sets are longer than {} characters, so \"{}\" is cut.{}",
+                        kMaxStoreCharacters, store.path, where_the_copy_is(store.path)));
+    }
+    return true;
+} catch (...) {
+    return reported<bool>({"PutISModelProperties", kModule});
+}
+
+std::vector<std::string> set_names(const clsISModelProperties& props) {
+    std::vector<std::string> names;
+    for (const auto& set : props.ISLCDefs) {
+        names.push_back(set->LCType);
+    }
+    return names;
+}
+
+}  // namespace kestrel::basUtil
