@@ -44,17 +44,9 @@ class WrittenFile {
     WrittenFile(const WrittenFile&) = delete;
     WrittenFile& operator=(const WrittenFile&) = delete;
 
-    /// Delayed writes fail no later than here.
-    void sync() const {
-        if (::fsync(m_descriptor) != 0 && errno != EINVAL && errno != EROFS) {
-            throw system_error(errno, m_path);
-        }
-    }
-
     void expect(bool whole) const {
         if (!whole) {
-            struct statvfs device {};
-            const bool full = ::statvfs(m_path.c_str(), &device) == 0 && device.f_bavail == 0;
+            const bool full = device_full(folder_of(m_path));
             throw RuntimeError(
                 full ? kDiskFull : kDeviceInputOutputError,
                 fmt::format("{} was not written completely{}", m_path, full ? ": the device is full" : ""));
@@ -100,7 +92,6 @@ std::int64_t stated_size(const Header& bytes) {
 void check_shapes(const std::string& path) {
     const WrittenFile file(path);
     file.expect(file.size() == stated_size(file.header()));
-    file.sync();
 }
 
 void check_index(const std::string& path, std::int64_t features) {
@@ -108,7 +99,6 @@ void check_index(const std::string& path, std::int64_t features) {
     constexpr std::int64_t kEntry = 8;
     const WrittenFile file(path);
     file.expect(file.size() == stated_size(file.header()) && file.size() == kStart + kEntry * features);
-    file.sync();
 }
 
 void check_table(const std::string& path, std::int64_t features) {
@@ -118,13 +108,11 @@ void check_table(const std::string& path, std::int64_t features) {
     const std::int64_t start = little_endian(bytes, 8, 2);
     const std::int64_t length = little_endian(bytes, 10, 2);
     file.expect(records == features && file.size() >= start + length * records);
-    file.sync();
 }
 
 void check_text(const std::string& path) {
     const WrittenFile file(path);
     file.expect(file.size() > 0);
-    file.sync();
 }
 
 char lower(char c) {
@@ -139,6 +127,11 @@ bool member_extension(std::string rest) {
 }
 
 }  // namespace
+
+bool device_full(const std::string& folder) {
+    struct statvfs device {};
+    return ::statvfs(folder.empty() ? "." : folder.c_str(), &device) == 0 && device.f_bavail == 0;
+}
 
 void check_shapefile_files(const std::string& path, std::int64_t features, bool referenced) {
     const std::string stem = join_path(folder_of(path), base_name_of(path));

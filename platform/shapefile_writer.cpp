@@ -127,7 +127,9 @@ void ShapefileWriter::State::check(bool good) const {
             fmt::format("{} would become larger than the 2 GB that a shapefile may have; use fewer or simpler polygons",
                         path));
     }
-    throw gdal_error(fmt::format("{} cannot be written", path));
+    const RuntimeError error = gdal_error(fmt::format("{} cannot be written", path));
+    // Some of the library's messages leave the reason out.
+    throw device_full(folder_of(path)) ? RuntimeError(kDiskFull, error.description() + ": the device is full") : error;
 }
 
 void ShapefileWriter::State::create(const SpatialReference& reference) {
@@ -190,6 +192,9 @@ void ShapefileWriter::State::set(int position, const Value& value) {
 ShapefileWriter::ShapefileWriter(const std::string& path, std::span<const Field> fields,
                                  const SpatialReference& reference)
     : m_state(std::make_unique<State>()) {
+    if (const std::string folder = folder_of(path); !folder.empty() && !folder_exists(folder)) {
+        throw RuntimeError(kPathNotFound, fmt::format("{} cannot be written: its folder is missing", path));
+    }
     start_gdal();
     remove_members(path);
     CPLErrorReset();

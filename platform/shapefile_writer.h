@@ -39,7 +39,7 @@ class ShapefileWriter {
     void flush();
     /// How often flush() was called.
     int flush_count() const noexcept;
-    /// Writes what is buffered, closes, and checks that all bytes reached the device.
+    /// Writes what is buffered, closes, and checks that all bytes are in the files.
     /// \throws RuntimeError 61 when the device is full, 57 or library failure otherwise.
     void close();
 
