@@ -1,3 +1,283 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
+#include "platform/zonal_tabulation.h"
+
 #include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+#include <tuple>
+
+#include "platform/errors.h"
+#include "tests/support/exact_reference.h"
+#include "tests/support/raster_files.h"
+#include "tests/support/test_files.h"
+
+namespace kestrel::platform {
+namespace {
+
+using test::RasterFile;
+using Key = std::tuple<std::uint32_t, std::uint32_t, std::vector<std::uint32_t>, std::int32_t>;
+using Counts = std::map<Key, std::uint64_t>;
+
+constexpr double kNodata = 99;
+
+struct Scene {
+    RasterFile raster;
+    PolygonSet zones;
+    PolygonSet overlay;
+    bool with_overlay = false;
+    std::vector<PolygonSet> scenarios;
+};
+
+int pick(std::mt19937& random, int lowest, int highest) {
+    return std::uniform_int_distribution<int>(lowest, highest)(random);
+}
+
+/// Patches of few classes with NODATA cells alone, in blobs and along the border.
+std::vector<double> land_cover(std::mt19937& random, const Grid& grid) {
+    std::vector<double> cells(static_cast<std::size_t>(grid.columns * grid.rows), 11);
+    const double classes[] = {11, 21, 22, 41, kNodata};
+    for (int patch = 0; patch < 25; ++patch) {
+        const int column = pick(random, 0, grid.columns - 1);
+        const int row = pick(random, 0, grid.rows - 1);
+        const int size = pick(random, 1, 9);
+        const double land_class = classes[pick(random, 0, patch % 5 == 0 ? 4 : 3)];
+        for (int r = row; r < std::min(grid.rows, row + size); ++r) {
+            for (int c = column; c < std::min(grid.columns, column + 2 * size); ++c) {
+                cells[static_cast<std::size_t>(r * grid.columns + c)] = land_class;
+            }
+        }
+    }
+    return cells;
+}
+
+Scene random_scene(std::mt19937& random, int number) {
+    Scene scene;
+    const bool south_up = number % 4 == 3;
+    scene.raster.grid = {.x0 = 500, .y0 = 250, .dx = 1.5, .dy = south_up ? 1.25 : -1.25, .columns = 61, .rows = 47};
+    scene.raster.cells = land_cover(random, scene.raster.grid);
+    scene.raster.nodata = kNodata;
+    const Grid& grid = scene.raster.grid;
+    scene.zones = number % 2 == 0 ? test::coverage(random, grid, 4, 3) : test::awkward_polygons(random, grid, 8);
+    scene.with_overlay = number % 3 != 0;
+    if (scene.with_overlay) {
+        scene.overlay = test::awkward_polygons(random, grid, 5);
+    }
+    for (int s = 0; s < number % 4; ++s) {
+        scene.scenarios.push_back(test::awkward_polygons(random, grid, 2));
+    }
+    return scene;
+}
+
+TabulationInput input_of(const Scene& scene) {
+    TabulationInput input{.zones = &scene.zones};
+    input.overlay = scene.with_overlay ? &scene.overlay : nullptr;
+    for (const PolygonSet& scenario : scene.scenarios) {
+        input.scenarios.push_back(&scenario);
+    }
+    return input;
+}
+
+/// Looks at every cell by itself.
+void count_slowly(const Scene& scene, Counts& counts, Counts& nodata) {
+    const Grid& grid = scene.raster.grid;
+    for (int row = 0; row < grid.rows; ++row) {
+        for (int column = 0; column < grid.columns; ++column) {
+            const int zone = test::owner(scene.zones, grid, column, row);
+            if (zone < 0) {
+                continue;
+            }
+            const int over = scene.with_overlay ? test::owner(scene.overlay, grid, column, row) : -1;
+            std::vector<std::uint32_t> set;
+            for (std::uint32_t s = 0; s < scene.scenarios.size(); ++s) {
+                if (test::owner(scene.scenarios[s], grid, column, row) >= 0) {
+                    set.push_back(s);
+                }
+            }
+            const double value = scene.raster.cells[static_cast<std::size_t>(row * grid.columns + column)];
+            const bool is_nodata = scene.raster.nodata && value == *scene.raster.nodata;
+            const Key key{static_cast<std::uint32_t>(zone), over < 0 ? kNoOverlay : static_cast<std::uint32_t>(over),
+                          set, is_nodata ? 0 : static_cast<std::int32_t>(value)};
+            ++(is_nodata ? nodata : counts)[key];
+        }
+    }
+}
+
+Counts keyed(const ZoneCounts& counts, const std::vector<ZoneCounts::Row>& rows) {
+    Counts result;
+    for (const ZoneCounts::Row& row : rows) {
+        result[{row.zone, row.overlay, counts.scenario_sets[row.scenario_set], row.land_class}] += row.cells;
+    }
+    return result;
+}
+
+std::vector<std::uint8_t> touching_slowly(const Scene& scene) {
+    const Grid& grid = scene.raster.grid;
+    std::vector<std::uint8_t> touches(scene.zones.feature_count(), 0);
+    for (int row = 0; row < grid.rows; ++row) {
+        for (int column = 0; column < grid.columns; ++column) {
+            if (scene.raster.cells[static_cast<std::size_t>(row * grid.columns + column)] != kNodata) {
+                continue;
+            }
+            for (std::size_t zone = 0; zone < touches.size(); ++zone) {
+                if (touches[zone] == 0 && test::touches_square(scene.zones, zone, grid, column, row)) {
+                    touches[zone] = 1;
+                }
+            }
+        }
+    }
+    return touches;
+}
+
+class ZonalTabulation : public ::testing::Test {
+  protected:
+    ZoneCounts tabulated(const Scene& scene, const RasterFile& raster, int threads = 1) {
+        const std::string path = m_folder / "cells.tif";
+        test::write_raster(path, raster);
+        NoProgress progress;
+        return tabulate(RasterDataset::open(path), input_of(scene), threads, progress);
+    }
+
+    test::TemporaryFolder m_folder;
+};
+
+TEST_F(ZonalTabulation, AgreesWithLookingAtEveryCell) {
+    std::mt19937 random(11);
+    for (int number = 0; number < 60; ++number) {
+        const Scene scene = random_scene(random, number);
+        RasterFile raster = scene.raster;
+        raster.options = number % 2 == 0 ? std::vector<std::string>{"TILED=YES", "BLOCKXSIZE=16", "BLOCKYSIZE=16"}
+                                         : std::vector<std::string>{"BLOCKYSIZE=3"};
+        const ZoneCounts counts = tabulated(scene, raster, 1 + number % 3);
+        Counts expected;
+        Counts expected_nodata;
+        count_slowly(scene, expected, expected_nodata);
+        ASSERT_EQ(keyed(counts, counts.rows), expected) << "scene " << number;
+        ASSERT_EQ(keyed(counts, counts.nodata_rows), expected_nodata) << "scene " << number;
+        ASSERT_EQ(counts.touches_nodata, touching_slowly(scene)) << "scene " << number;
+    }
+}
+
+TEST_F(ZonalTabulation, TheStoredTypeTheBlocksAndTheThreadsDoNotShow) {
+    std::mt19937 random(12);
+    const Scene scene = random_scene(random, 10);
+    const ZoneCounts plain = tabulated(scene, scene.raster);
+    ASSERT_GT(plain.rows.size(), 20U);
+    ASSERT_GT(plain.nodata_rows.size(), 0U);
+    struct Variant {
+        const char* type;
+        std::vector<std::string> options;
+        bool masked;
+    };
+    const Variant variants[] = {{"Byte", {"TILED=YES", "BLOCKXSIZE=16", "BLOCKYSIZE=16", "COMPRESS=DEFLATE"}, false},
+                                {"Byte", {"BLOCKYSIZE=1", "COMPRESS=LZW"}, false},
+                                {"Byte", {"BLOCKYSIZE=47"}, true},
+                                {"Int16", {"TILED=YES", "BLOCKXSIZE=32", "BLOCKYSIZE=16"}, false},
+                                {"UInt16", {"BLOCKYSIZE=5"}, false},
+                                {"Int32", {}, false},
+                                {"UInt32", {}, false},
+                                {"Int64", {}, false},
+                                {"Float32", {"BLOCKYSIZE=7"}, false},
+                                {"Float64", {"TILED=YES", "BLOCKXSIZE=16", "BLOCKYSIZE=16"}, true}};
+    for (const Variant& variant : variants) {
+        RasterFile raster = scene.raster;
+        raster.type = variant.type;
+        raster.options = variant.options;
+        if (variant.masked) {
+            raster.nodata.reset();
+            for (double& cell : raster.cells) {
+                raster.hidden.push_back(cell == kNodata ? 1 : 0);
+                cell = cell == kNodata ? 21 : cell;  // what lies below the mask must not matter
+            }
+        }
+        for (const int threads : {1, 2, 5}) {
+            const ZoneCounts counts = tabulated(scene, raster, threads);
+            EXPECT_EQ(counts.rows, plain.rows) << variant.type << ", " << threads << " threads";
+            EXPECT_EQ(counts.nodata_rows, plain.nodata_rows) << variant.type;
+            EXPECT_EQ(counts.scenario_sets, plain.scenario_sets) << variant.type;
+            EXPECT_EQ(counts.touches_nodata, plain.touches_nodata) << variant.type;
+        }
+    }
+}
+
+TEST_F(ZonalTabulation, ARasterThatDeclaresNoNodataHasNone) {
+    std::mt19937 random(13);
+    Scene scene = random_scene(random, 4);
+    scene.raster.nodata.reset();
+    const ZoneCounts counts = tabulated(scene, scene.raster);
+    Counts expected;
+    Counts none;
+    count_slowly(scene, expected, none);
+    EXPECT_EQ(keyed(counts, counts.rows), expected);
+    EXPECT_TRUE(counts.nodata_rows.empty());
+    EXPECT_EQ(counts.touches_nodata, std::vector<std::uint8_t>(scene.zones.feature_count(), 0));
+}
+
+TEST_F(ZonalTabulation, NegativeAndLargeCodesAreClassesLikeOthers) {
+    Scene scene;
+    scene.raster.grid = {.x0 = 0, .y0 = 2, .dx = 1, .dy = -1, .columns = 2, .rows = 2};
+    scene.raster.cells = {-2147483648.0, 2147483647.0, -1, 300};
+    scene.raster.type = "Int32";
+    scene.zones.begin_feature();
+    scene.zones.begin_polygon();
+    scene.zones.begin_ring();
+    for (const Point p : {Point{0, 0}, Point{2, 0}, Point{2, 2}, Point{0, 2}, Point{0, 0}}) {
+        scene.zones.add(p);
+    }
+    const ZoneCounts counts = tabulated(scene, scene.raster);
+    EXPECT_EQ(counts.rows, (std::vector<ZoneCounts::Row>{{0, kNoOverlay, 0, -2147483647 - 1, 1},
+                                                         {0, kNoOverlay, 0, -1, 1},
+                                                         {0, kNoOverlay, 0, 300, 1},
+                                                         {0, kNoOverlay, 0, 2147483647, 1}}));
+}
+
+TEST_F(ZonalTabulation, ZonesOutsideOfTheRasterHaveNoRows) {
+    std::mt19937 random(14);
+    Scene scene = random_scene(random, 0);
+    for (Point& point : scene.zones.points()) {
+        point.x += 1000;
+    }
+    scene.with_overlay = false;
+    const ZoneCounts counts = tabulated(scene, scene.raster);
+    EXPECT_TRUE(counts.rows.empty());
+    EXPECT_TRUE(counts.nodata_rows.empty());
+    EXPECT_EQ(counts.touches_nodata, std::vector<std::uint8_t>(scene.zones.feature_count(), 0));
+}
+
+TEST_F(ZonalTabulation, TheFirstValueThatIsNoCodeIsNamedWhateverTheThreads) {
+    std::mt19937 random(15);
+    Scene scene = random_scene(random, 0);
+    scene.raster.type = "Float32";
+    scene.raster.options = {"BLOCKYSIZE=1"};
+    scene.raster.cells[20 * 61 + 7] = 21.5;
+    scene.raster.cells[40 * 61 + 3] = 3e10;
+    for (const int threads : {1, 2, 4}) {
+        try {
+            tabulated(scene, scene.raster, threads);
+            FAIL() << "accepted";
+        } catch (const RuntimeError& error) {
+            EXPECT_EQ(error.number(), kInvalidProcedureCall);
+            EXPECT_NE(error.description().find("holds 21.5 at row 21, column 8"), std::string::npos)
+                << error.description();
+        }
+    }
+}
+
+TEST_F(ZonalTabulation, StoppingEndsTheWorkSoon) {
+    class Stop final : public Progress {
+      public:
+        bool report(double, std::string_view) override { return false; }
+        bool cancelled() const override { return true; }
+    };
+    std::mt19937 random(16);
+    const Scene scene = random_scene(random, 0);
+    const std::string path = m_folder / "cells.tif";
+    test::write_raster(path, scene.raster);
+    Stop stop;
+    // Nothing may be concluded from the counts; what matters is that the call returns.
+    EXPECT_NO_THROW(tabulate(RasterDataset::open(path), input_of(scene), 2, stop));
+}
+
+}  // namespace
+}  // namespace kestrel::platform

@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "platform/cell_runs.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <utility>
+#include <vector>
+
+namespace kestrel::platform {
+namespace {
+
+template <typename Cell>
+void compare_with_counting(int highest) {
+    std::mt19937 random(6);
+    for (int i = 0; i < 2000; ++i) {
+        std::vector<Cell> cells;
+        while (cells.size() < 200) {
+            const auto value = static_cast<Cell>(std::uniform_int_distribution<int>(0, highest)(random));
+            cells.insert(cells.end(), std::uniform_int_distribution<std::size_t>(1, 40)(random), value);
+        }
+        const auto begin = std::uniform_int_distribution<std::size_t>(0, 20)(random);
+        const auto end = std::uniform_int_distribution<std::size_t>(begin, cells.size())(random);
+        std::size_t position = begin;
+        for_each_run(cells.data(), begin, end, [&](Cell value, std::size_t count) {
+            ASSERT_GT(count, 0U);
+            for (std::size_t k = 0; k < count; ++k) {
+                ASSERT_EQ(cells[position + k], value);
+            }
+            position += count;
+            ASSERT_TRUE(position == end || cells[position] != value) << "runs are as long as they can be";
+        });
+        ASSERT_EQ(position, end);
+    }
+}
+
+TEST(CellRuns, RunsOfBytesAreWholeAndNeverPassTheEnd) {
+    compare_with_counting<std::uint8_t>(255);
+}
+
+TEST(CellRuns, RunsOfFewByteValuesAreJoined) {
+    compare_with_counting<std::uint8_t>(1);
+}
+
+TEST(CellRuns, RunsOfIntegersAreWholeAndNeverPassTheEnd) {
+    compare_with_counting<std::int32_t>(3);
+}
+
+TEST(CellRuns, RunsOfWideCellsAreWholeAndNeverPassTheEnd) {
+    compare_with_counting<std::int64_t>(3);
+}
+
+}  // namespace
+}  // namespace kestrel::platform
