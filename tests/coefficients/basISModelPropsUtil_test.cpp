@@ -216,12 +216,11 @@ TEST_F(MergeTest, MergeBeyondTheLimitOfTheStoreFailsToSave) {
 
 TEST_F(MergeTest, ErrorInTheListOfTheEditorIsReportedByTheMerge) {
     EXPECT_FALSE(MergeCoeffsFromFile(m_props, file_of({"A"}), m_store,
-                                     [](const std::string&) { throw std::runtime_error("the list is gone"); }));
-    EXPECT_THAT(
-        m_user.call_stacks,
-        ElementsAre("Record Call Stack Sequence - Bottom line is error line.\r\n\r\n\tMergeCoeffsFromFile "
-                    "basISModelPropsUtil \r\n\r\nError Number \r\n\t-2147467259\r\nDescription\r\n\tthe list is "
-                    "gone\r\n\r\n"));
+                                     [](const std::string&) { throw std::runtime_error("list is gone"); }));
+    EXPECT_THAT(m_user.call_stacks,
+                ElementsAre("Record Call Stack Sequence - Bottom line is error line.\r\n\r\n\tMergeCoeffsFromFile "
+                            "basISModelPropsUtil \r\n\r\nError Number \r\n\t-2147467259\r\nDescription\r\n\tlist is "
+                            "gone\r\n\r\n"));
 }
 
 TEST_F(MergeTest, ListOfTheEditorMayBeMissing) {
