@@ -194,8 +194,8 @@ void add_coefficients_command(CLI::App& app, Action& action) {
     command->footer("Example:\n  kestrel coefficients list");
     add_action(*command, "list", "Lists the sets of a store",
                "Example:\n  kestrel coefficients list --store isprops.xml", list, action);
-    add_action(*command, "show", "Prints the coefficients of a set", "Example:\n  kestrel coefficients show --set NLCD",
-               show, action);
+    add_action(*command, "show", "Prints the coefficients of a set",
+               "Example:\n  kestrel coefficients show --set 'NLCD legend'", show, action);
     add_action(*command, "check", "Looks for what would break a run; exit status 1 when something would",
                "Example:\n  kestrel coefficients check --store isprops.xml", check, action);
 }

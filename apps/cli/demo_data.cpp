@@ -260,13 +260,13 @@ void write_demo_scenarios(const std::string& folder, const DemoSize& size) {
     };
 
     PolygonSet mall;
-    site(mall, from_centre(-310.4, 62.7), {{0, 0}, {38, 4}, {37, 20}, {21, 19}, {20, 34}, {-3, 31}});
+    site(mall, from_centre(-255.4, 52.7), {{0, 0}, {38, 4}, {37, 20}, {21, 19}, {20, 34}, {-3, 31}});
     write_polygons(platform::join_path(folder, kDemoMall), {text_field("PROJECT", 30)}, mall,
                    [](std::size_t) { return std::vector<Value>{std::string("Mall with car park")}; });
 
     PolygonSet subdivision;
-    site(subdivision, from_centre(95.3, 290.6), {{0, 0}, {52, -6}, {60, 30}, {24, 44}, {2, 36}});
-    site(subdivision, from_centre(168.8, 300.2), {{0, 0}, {31, 3}, {33, 27}, {4, 29}});
+    site(subdivision, from_centre(75.3, 236.6), {{0, 0}, {52, -6}, {60, 30}, {24, 44}, {2, 36}});
+    site(subdivision, from_centre(148.8, 246.2), {{0, 0}, {31, 3}, {33, 27}, {4, 29}});
     write_polygons(platform::join_path(folder, kDemoSubdivision), {text_field("PROJECT", 30)}, subdivision,
                    [](std::size_t i) {
                        return std::vector<Value>{std::string(i == 0 ? "Subdivision, phase 1" : "Subdivision, phase 2")};

@@ -86,7 +86,7 @@ DemoLand::DemoLand(int columns, int rows, std::uint64_t seed)
         m_towns.push_back(
             {m_columns * (x + shifted(town, 0)), m_rows * (y + shifted(town, 1)), m_size * radius, weight});
     };
-    add(0.42, 0.50, 0.15, 1.0);
+    add(0.42, 0.50, 0.12, 1.0);
     add(0.80, 0.70, 0.07, 0.75);
     add(0.17, 0.20, 0.055, 0.7);
     add(0.20, 0.82, 0.04, 0.6);
@@ -138,7 +138,10 @@ std::uint8_t DemoLand::road_at(int column, int row, double intensity) const {
         }
     }
     if (intensity > kTownEdge && (column % kStreetSpacing == 0 || row % kStreetSpacing == 0)) {
-        return intensity > 0.6 ? kDevelopedHigh : kDevelopedMedium;
+        if (intensity > 0.6) {
+            return kDevelopedHigh;
+        }
+        return intensity > 0.42 ? kDevelopedMedium : kDevelopedLow;
     }
     if (column % kCountryRoadSpacing == 0 || row % kCountryRoadSpacing == 0) {
         return kDevelopedLow;

@@ -9,6 +9,7 @@
 
 #include "apps/cli/console_interaction.h"
 #include "apps/cli/console_progress.h"
+#include "apps/cli/raster_analysis.h"
 #include "apps/cli/refusal.h"
 #include "apps/cli/result_json.h"
 #include "apps/cli/result_table.h"
@@ -113,6 +114,8 @@ int run(const RunRequest& request, std::ostream& out, std::ostream& err, bool on
     HeadlessApplication application(progress);
     clsExtension extension(folder.path());
     application.register_extension(platform::kKestrelExtension, extension);
+    RasterAnalysis raster_analysis;
+    application.register_extension(platform::kRasterAnalysisExtension, raster_analysis);
     extension.IExtension_Startup(&application);
     extension.IExtensionConfig_State(platform::kExtensionEnabled);
     extension.IExtensionConfig_State();  // makes the working folders

@@ -23,7 +23,7 @@ namespace {
 constexpr const char* kExample =
     "Example:\n"
     "  kestrel run --land-cover nlcd.tif --zones watersheds.gpkg --field SHED_ID --option medium \\\n"
-    "      --set NLCD --scenario new_mall.shp:24 --output results/sheds_is.shp\n\n"
+    "      --set 'NLCD legend' --scenario new_mall.shp:24 --output results/sheds_is.shp\n\n"
     "SRC is a path, or path|layername=NAME for one layer of several.\n"
     "Exit status: 0 the output is finished, 1 there is none (the messages say why), 2 the command line is wrong,\n"
     "130 the run was cancelled.";

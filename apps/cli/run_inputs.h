@@ -21,7 +21,6 @@ struct RunInputs {
     std::string set_name;
     /// Everything but the output.
     ModelParameters parameters;
-    std::vector<std::string> notices;
 };
 
 /// Looks at everything that can be wrong with the inputs before anything is written, in the order of the options.
