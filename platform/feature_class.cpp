@@ -9,10 +9,10 @@
 
 #include <algorithm>
 
-#include "platform/conversions.h"
 #include "platform/errors.h"
 #include "platform/files.h"
 #include "platform/gdal_support.h"
+#include "platform/ogr_fields.h"
 #include "platform/ogr_polygons.h"
 
 namespace kestrel::platform {
@@ -54,50 +54,10 @@ OGRLayer* find_layer(GDALDataset& dataset, const FeatureSource& source) {
                                                     source.layer_name, layer_list(dataset)));
 }
 
-FieldType integer_type(OGRFieldSubType subtype) {
-    switch (subtype) {
-        case OFSTBoolean:
-            return FieldType::boolean;
-        case OFSTInt16:
-            return FieldType::small_integer;
-        default:
-            return FieldType::integer;
-    }
-}
-
-FieldType type_of(const OGRFieldDefn& field) {
-    switch (field.GetType()) {
-        case OFTInteger:
-            return integer_type(field.GetSubType());
-        case OFTInteger64:
-            return FieldType::big_integer;
-        case OFTReal:
-            return field.GetSubType() == OFSTFloat32 ? FieldType::single : FieldType::real;
-        case OFTString:
-            return FieldType::text;
-        default:
-            return FieldType::other;
-    }
-}
-
-std::vector<Field> fields_of(OGRFeatureDefn& definition) {
-    std::vector<Field> fields;
-    for (int i = 0; i < definition.GetFieldCount(); ++i) {
-        const OGRFieldDefn* const field = definition.GetFieldDefn(i);
-        Field& added = fields.emplace_back();
-        added.name = field->GetNameRef();
-        added.alias = field->GetAlternativeNameRef();
-        added.type = type_of(*field);
-        added.length = field->GetWidth();
-        added.precision = added.type == FieldType::text ? 0 : field->GetWidth();
-        added.scale = field->GetPrecision();
-    }
-    return fields;
-}
-
 SpatialReference reference_of(OGRLayer& layer) {
     const OGRSpatialReference* const system = layer.GetSpatialRef();
-    if (system == nullptr) {
+    // GeoPackages name the lack of a system ("Undefined Cartesian SRS", "Undefined geographic SRS").
+    if (system == nullptr || std::string_view(system->GetName()).starts_with("Undefined ")) {
         return {};
     }
     static const char* const kOptions[] = {"FORMAT=WKT2", "MULTILINE=NO", nullptr};
@@ -122,30 +82,6 @@ void set_subset(OGRLayer& layer, const std::string& subset, const std::string& l
         throw gdal_error(fmt::format("The filter {} does not suit {}", subset, label));
     }
     layer.ResetReading();
-}
-
-/// Text that a source holds in no declared encoding arrives as it is.
-std::string utf8(const char* text) {
-    return CPLIsUTF8(text, -1) != 0 ? std::string(text) : to_utf8(text);
-}
-
-Value value_of(const OGRFeature& feature, int position, FieldType type) {
-    if (!feature.IsFieldSetAndNotNull(position)) {
-        return {};
-    }
-    switch (type) {
-        case FieldType::small_integer:
-        case FieldType::integer:
-        case FieldType::boolean:
-        case FieldType::big_integer:
-            return std::int64_t{feature.GetFieldAsInteger64(position)};
-        case FieldType::single:
-            return double_of_single(static_cast<float>(feature.GetFieldAsDouble(position)));
-        case FieldType::real:
-            return feature.GetFieldAsDouble(position);
-        default:
-            return utf8(feature.GetFieldAsString(position));
-    }
 }
 
 bool may_hold_polygons(OGRwkbGeometryType type) {
@@ -328,10 +264,13 @@ std::int64_t FeatureClass::feature_count() const {
 }
 
 Envelope FeatureClass::extent() const {
+    Envelope result;
+    if (feature_count() == 0) {
+        return result;  // drivers give a point at the origin, or fail
+    }
     CPLErrorReset();
     OGREnvelope found;
-    Envelope result;
-    if (m_source->layer->GetExtent(&found, TRUE) == OGRERR_NONE && found.IsInit() != 0) {
+    if (m_source->layer->GetExtent(&found, TRUE) == OGRERR_NONE) {
         result.add({found.MinX, found.MinY});
         result.add({found.MaxX, found.MaxY});
     } else if (gdal_failed()) {

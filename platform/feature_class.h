@@ -61,7 +61,7 @@ class FeatureClass {
     bool polygonal() const noexcept;
     /// Features that pass the subset filter.
     std::int64_t feature_count() const;
-    /// Of the whole layer, without regard to the subset filter; empty when the layer is.
+    /// Of the whole layer, but empty when no feature passes the subset filter.
     Envelope extent() const;
 
     /// Ids of the features that pass `where` (OGR SQL) as well as the subset, ascending.
