@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <ranges>
 #include <utility>
 
 namespace kestrel::platform {
@@ -55,8 +56,8 @@ class Move {
     Move(std::string from, std::string to, std::string replaced)
         : m_from(std::move(from)), m_to(std::move(to)), m_replaced(std::move(replaced)) {}
     ~Move() {
-        for (auto name = m_moved.rbegin(); name != m_moved.rend(); ++name) {
-            try_move(join_path(m_to, *name), join_path(m_from, *name));
+        for (const std::string& name : std::views::reverse(m_moved)) {
+            try_move(join_path(m_to, name), join_path(m_from, name));
         }
         for (const std::string& name : m_kept) {
             try_move(join_path(m_replaced, name), join_path(m_to, name));
@@ -133,9 +134,9 @@ void SetAsideOutput::put_back() noexcept {
         return;
     }
     bool whole = true;
-    for (auto name = m_names.rbegin(); name != m_names.rend(); ++name) {
-        const std::string kept = join_path(m_aside, *name);
-        whole = (!file_exists(kept) || try_move(kept, join_path(m_folder, *name))) && whole;
+    for (const std::string& name : std::views::reverse(m_names)) {
+        const std::string kept = join_path(m_aside, name);
+        whole = (!file_exists(kept) || try_move(kept, join_path(m_folder, name))) && whole;
     }
     if (whole) {
         try_remove(m_aside);
@@ -167,8 +168,8 @@ std::vector<std::string> StagedOutput::publish() {
     std::stable_partition(names.begin(), names.end(), is_shapefile);
 
     Move move(m_stage, m_folder, path(".replaced"));
-    for (auto name = names.rbegin(); name != names.rend(); ++name) {
-        move.file(*name);
+    for (const std::string& name : std::views::reverse(names)) {
+        move.file(name);
     }
     std::vector<std::string> paths;
     for (const std::string& name : names) {
