@@ -1,0 +1,159 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "apps/cli/run_output.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <stdexcept>
+
+#include "platform/errors.h"
+#include "platform/files.h"
+#include "tests/support/test_files.h"
+
+namespace kestrel::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The message with which `act` refuses; empty when it does not.
+template <typename Act>
+std::string refusal_of(Act act) {
+    try {
+        act();
+    } catch (const platform::RuntimeError& error) {
+        return error.description();
+    }
+    return {};
+}
+
+TEST(OutputName, GetsTheEndingThatItLacks) {
+    EXPECT_EQ(output_of("/d/roads", "").file_name, "roads.shp");
+    EXPECT_EQ(output_of("/d/roads.", "").file_name, "roads.shp");
+    EXPECT_EQ(output_of("/d/roads.shp", "").file_name, "roads.shp");
+    EXPECT_EQ(output_of("/d/roads.2020", "").file_name, "roads.2020.shp");
+    EXPECT_EQ(output_of("/d/myshp", "").file_name, "myshp.shp");
+}
+
+TEST(OutputName, AnEndingInCapitalsIsKept) {
+    EXPECT_EQ(output_of("/d/ROADS.SHP", "").file_name, "ROADS.SHP");
+    EXPECT_EQ(output_of("/d/ROADS.SHP", "").layer_name, "ROADS");
+}
+
+TEST(OutputName, BlanksAroundItAreDropped) {
+    EXPECT_EQ(output_of("  /d/my roads.shp ", "").path(), "/d/my roads.shp");
+}
+
+TEST(OutputName, ABareNameLiesInThePresentFolder) {
+    EXPECT_EQ(output_of("roads", "").folder, fs::current_path().string());
+    EXPECT_EQ(output_of("sub/../roads", "").folder, fs::current_path().string());
+}
+
+TEST(OutputName, TheLayerIsNamedAfterTheFileUnlessNamed) {
+    EXPECT_EQ(output_of("/d/roads.old.shp", "").layer_name, "roads.old");
+    EXPECT_EQ(output_of("/d/roads.shp", "Roads IS").layer_name, "Roads IS");
+}
+
+TEST(OutputName, WithoutANameIsRefused) {
+    for (const char* text : {"", "  ", "/d/", "/d/.", "/d/..", "/d/.shp"}) {
+        EXPECT_THROW(output_of(text, ""), std::invalid_argument) << text;
+    }
+}
+
+TEST(OutputName, ALayerNameThatIsNoFileNameIsRefused) {
+    EXPECT_THROW(output_of("/d/roads.shp", "a/b"), std::invalid_argument);
+    EXPECT_THROW(output_of("/d/roads.shp", "a\\b"), std::invalid_argument);
+}
+
+TEST(OutputRecords, BearTheLayersNameAndTheStyleTheFiles) {
+    EXPECT_EQ(output_of("/d/roads.shp", "Roads IS").records(),
+              (std::vector<std::string>{"/d/Roads IS.prm", "/d/Roads IS.met", "/d/Roads IS.lyr", "/d/roads.qml"}));
+}
+
+class OutputPlaceTest : public testing::Test {
+  protected:
+    RunOutput output(const std::string& name) const { return output_of(m_folder / name, ""); }
+    void make(const std::string& name) const { platform::write_file(m_folder / name, "x"); }
+
+    test::TemporaryFolder m_folder;
+};
+
+TEST_F(OutputPlaceTest, AMissingFolderIsRefused) {
+    EXPECT_EQ(
+        refusal_of([&] { check_folder(output("none/roads.shp")); }),
+        "The folder of the output does not exist: '" + (m_folder / "none") + "'. Make it, or give another --output.");
+}
+
+TEST_F(OutputPlaceTest, AFolderThatCannotBeWrittenIsRefused) {
+    if (::geteuid() == 0) {
+        GTEST_SKIP() << "root may write everywhere";
+    }
+    ::chmod(m_folder.path().c_str(), 0500);
+    const std::string refusal = refusal_of([&] { check_folder(output("roads.shp")); });
+    ::chmod(m_folder.path().c_str(), 0700);
+    EXPECT_EQ(refusal,
+              "The folder of the output cannot be written to: '" + m_folder.path() + "'. Give another --output.");
+}
+
+TEST_F(OutputPlaceTest, AnExistingOutputIsRefusedUnlessItIsToBeReplaced) {
+    make("roads.shp");
+    make("roads.prm");
+    EXPECT_EQ(refusal_of([&] { check_replacement(output("roads.shp"), false); }),
+              "The output exists already: '" + (m_folder / "roads.shp") + "', '" + (m_folder / "roads.prm") +
+                  "'. Give --overwrite to replace it, or another --output.");
+    EXPECT_EQ(refusal_of([&] { check_replacement(output("roads.shp"), true); }), "");
+}
+
+TEST_F(OutputPlaceTest, ARunReportOfTheSameNameAloneIsAnExistingOutput) {
+    make("roads.prm");
+    EXPECT_NE(refusal_of([&] { check_replacement(output("roads.shp"), false); }), "");
+}
+
+TEST_F(OutputPlaceTest, AFreePlaceIsAccepted) {
+    make("other.shp");
+    EXPECT_EQ(refusal_of([&] { check_folder(output("roads.shp")); }), "");
+    EXPECT_EQ(refusal_of([&] { check_replacement(output("roads.shp"), false); }), "");
+}
+
+TEST_F(OutputPlaceTest, AnInputAsOutputIsRefused) {
+    make("sheds.shp");
+    EXPECT_EQ(refusal_of([&] { check_not_an_input(output("sheds.shp"), {m_folder / "sheds.shp"}); }),
+              "The output '" + (m_folder / "sheds.shp") + "' would replace the input '" + (m_folder / "sheds.shp") +
+                  "', or files that belong to it. Give another --output.");
+}
+
+TEST_F(OutputPlaceTest, AnInputReachedThroughALinkIsRefused) {
+    make("sheds.shp");
+    fs::create_symlink(m_folder / "sheds.shp", m_folder / "link.shp");
+    fs::create_directory_symlink(m_folder.path(), m_folder / "folder");
+    EXPECT_NE(refusal_of([&] { check_not_an_input(output("sheds.shp"), {m_folder / "link.shp"}); }), "");
+    EXPECT_NE(refusal_of([&] { check_not_an_input(output("link.shp"), {m_folder / "sheds.shp"}); }), "");
+    EXPECT_NE(refusal_of([&] { check_not_an_input(output("folder/sheds.shp"), {m_folder / "sheds.shp"}); }), "");
+    EXPECT_NE(refusal_of([&] { check_not_an_input(output("x/../sheds.shp"), {m_folder / "sheds.shp"}); }), "");
+}
+
+TEST_F(OutputPlaceTest, AHardLinkToAnInputIsRefused) {
+    make("sheds.shp");
+    fs::create_hard_link(m_folder / "sheds.shp", m_folder / "other.shp");
+    EXPECT_NE(refusal_of([&] { check_not_an_input(output("other.shp"), {m_folder / "sheds.shp"}); }), "");
+}
+
+TEST_F(OutputPlaceTest, AnOutputWhoseSideFilesBelongToAnInputIsRefused) {
+    make("lc.bil");
+    make("sheds.shp");
+    EXPECT_NE(refusal_of([&] { check_not_an_input(output("lc.shp"), {m_folder / "lc.bil"}); }), "");
+    EXPECT_NE(refusal_of([&] { check_not_an_input(output("sheds.SHP"), {m_folder / "sheds.shp"}); }), "");
+}
+
+TEST_F(OutputPlaceTest, OtherInputsAreNotInTheWay) {
+    make("sheds.shp");
+    EXPECT_EQ(refusal_of([&] {
+                  check_not_an_input(output("sheds_is.shp"), {m_folder / "sheds.shp", "GPKG:none.gpkg:lc", ""});
+              }),
+              "");
+}
+
+}  // namespace
+}  // namespace kestrel::cli
