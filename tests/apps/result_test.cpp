@@ -158,7 +158,7 @@ TEST(ResultJson, HoldsTheWholeResult) {
     {
       "label": "0 - 5 (Sensitive)",
       "zones": 2
-},
+    },
     {
       "label": "> 5",
       "zones": 1

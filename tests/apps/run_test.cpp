@@ -165,10 +165,10 @@ TEST_F(Run, FeetAreTheRastersOwnUnits) {
 }
 
 TEST_F(Run, DegreesAreTakenWhenAllowed) {
-    write_plain_raster(m_data / "degrees.tif", "EPSG:4326", 0.01);
+    write_plain_raster(m_data / "degrees.tif", "EPSG:4326", 1);
     platform::write_file(m_data / "deg.geojson",
                          R"({"type":"FeatureCollection","features":[{"type":"Feature","properties":{"NAME":"a"},)"
-                         R"("geometry":{"type":"Polygon","coordinates":[[[-80,40],[-79.9,40],[-79.9,39.9],[-80,39.9],)"
+                         R"("geometry":{"type":"Polygon","coordinates":[[[-80,40],[-70,40],[-70,30],[-80,30],)"
                          R"([-80,40]]]}}]})");
     Arguments arguments = m_data.with("--land-cover", m_data / "degrees.tif");
     *(std::find(arguments.begin(), arguments.end(), "--zones") + 1) = m_data / "deg.geojson";
