@@ -112,7 +112,7 @@ TEST(RasterWriter, AFullDeviceIsAnErrorAtTheLatestOnClosing) {
     const test::TemporaryFolder folder;
     std::vector<std::uint8_t> cells;
     for (unsigned i = 0; i < 500 * 500; ++i) {
-        cells.push_back(static_cast<std::uint8_t>((i * 2654435761U) >> 24));
+        cells.push_back(static_cast<std::uint8_t>(((i * i + 77U) * 2654435761U) >> 21));
     }
     const FileSizeLimit limit(20000);
     EXPECT_THROW(
