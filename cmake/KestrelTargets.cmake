@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: The Kestrel developers
 # SPDX-License-Identifier: MIT
 #
-# The two ways in which targets are declared here: a library per folder, a test program per folder.
+# The ways in which targets are declared here: a library per folder, one more for its windows, a test program per subject.
 
 # Flags of every target: the language level, and what the presets switch on.
 add_library(kestrel_flags INTERFACE)
@@ -27,6 +27,13 @@ function(kestrel_library name)
   target_link_libraries(${name} PUBLIC kestrel_flags ${arg_DEPENDS} PRIVATE ${arg_PRIVATE_DEPENDS})
 endfunction()
 
+# kestrel_forms_library(<name> ...) is a kestrel_library() of windows: the only kind of target that links Qt Widgets.
+function(kestrel_forms_library name)
+  kestrel_library(${name} ${ARGN})
+  set_target_properties(${name} PROPERTIES AUTOMOC ON)
+  target_link_libraries(${name} PUBLIC Qt::Widgets)
+endfunction()
+
 # kestrel_test(<name> SOURCES <file>... [DEPENDS <target>...] [LABELS <label>...] [SERIAL])
 # Every case becomes a ctest entry of its own.
 function(kestrel_test name)
@@ -37,4 +44,17 @@ function(kestrel_test name)
   target_compile_definitions(${name} PRIVATE KESTREL_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   # LABELS is a list and stays one through gtest_discover_tests only when it is quoted once more.
   gtest_discover_tests(${name} PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 300 DISCOVERY_TIMEOUT 120)
+endfunction()
+
+# kestrel_forms_test(<name> SOURCES <file>... [DEPENDS <target>...] [LABELS <label>...])
+# A kestrel_test() of windows: without a screen, with a main() of its own that makes the QApplication.
+function(kestrel_forms_test name)
+  cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS;LABELS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
+  target_link_libraries(${name} PRIVATE kestrel_flags kestrel_test_support kestrel_forms_test_support ${arg_DEPENDS}
+                                        GTest::gtest GTest::gmock Qt::Widgets Qt::Test)
+  target_compile_definitions(${name} PRIVATE KESTREL_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+  gtest_discover_tests(${name} PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 300 ENVIRONMENT QT_QPA_PLATFORM=offscreen
+                       DISCOVERY_TIMEOUT 120)
 endfunction()

@@ -1,0 +1,48 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "host/call_stack_window.h"
+
+#include <QClipboard>
+#include <QDialogButtonBox>
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace kestrel {
+
+CallStackWindow::CallStackWindow(const QString& text, QWidget* parent)
+    : QDialog(parent), m_text(text), m_view(new QPlainTextEdit) {
+    setObjectName("callStackWindow");
+    setWindowTitle("Kestrel - Unexpected Program Error");
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+
+    m_view->setObjectName("callStackText");
+    m_view->setAccessibleName("Error report");
+    m_view->setReadOnly(true);
+    // Readable by keyboard alone, too.
+    m_view->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    m_view->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    m_view->setTabStopDistance(4 * m_view->fontMetrics().horizontalAdvance(' '));
+    m_view->setPlainText(m_text);
+
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    QPushButton* copy = buttons->addButton("&Copy All", QDialogButtonBox::ActionRole);
+    copy->setObjectName("copyCallStack");
+    buttons->button(QDialogButtonBox::Close)->setDefault(true);
+    connect(copy, &QPushButton::clicked, this, &CallStackWindow::copy_all);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(m_view);
+    layout->addWidget(buttons);
+    setSizeGripEnabled(true);
+    resize(90 * m_view->fontMetrics().horizontalAdvance('x'), 24 * m_view->fontMetrics().lineSpacing());
+}
+
+void CallStackWindow::copy_all() {
+    QGuiApplication::clipboard()->setText(m_text);
+}
+
+}  // namespace kestrel

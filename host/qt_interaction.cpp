@@ -1,0 +1,137 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "host/qt_interaction.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <cstdio>
+
+#include "host/call_stack_window.h"
+#include "host/frmISProcessing.h"
+
+namespace kestrel {
+
+namespace {
+
+QString qt_text(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+}
+
+/// The title of a box that has none of its own.
+QString title_of(const std::string& title) {
+    return title.empty() ? QStringLiteral("Kestrel") : qt_text(title);
+}
+
+QMessageBox::Icon qt_icon(platform::Icon icon) {
+    switch (icon) {
+        case platform::Icon::critical:
+            return QMessageBox::Critical;
+        case platform::Icon::question:
+            return QMessageBox::Question;
+        case platform::Icon::exclamation:
+            return QMessageBox::Warning;
+        case platform::Icon::information:
+            return QMessageBox::Information;
+        case platform::Icon::none:
+            break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+QMessageBox::StandardButtons qt_buttons(platform::Buttons buttons) {
+    switch (buttons) {
+        case platform::Buttons::ok_cancel:
+            return QMessageBox::Ok | QMessageBox::Cancel;
+        case platform::Buttons::yes_no:
+            return QMessageBox::Yes | QMessageBox::No;
+        case platform::Buttons::yes_no_cancel:
+            return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+        case platform::Buttons::ok:
+            break;
+    }
+    return QMessageBox::Ok;
+}
+
+platform::Answer answer_of(int button) {
+    switch (button) {
+        case QMessageBox::Yes:
+            return platform::Answer::yes;
+        case QMessageBox::No:
+            return platform::Answer::no;
+        case QMessageBox::Ok:
+            return platform::Answer::ok;
+        default:
+            return platform::Answer::cancel;
+    }
+}
+
+}  // namespace
+
+QString qt_name_filter(std::string_view filter) {
+    const QString text = qt_text(filter);
+    const QString patterns = text.section('|', 1, 1).replace(';', ' ');
+    // Descriptions bring their patterns along in brackets; Qt would read those instead of the ones behind the bar.
+    const QString description = text.section('|', 0, 0).section('(', 0, 0).trimmed();
+    return patterns.isEmpty() ? description : QStringLiteral("%1 (%2)").arg(description, patterns);
+}
+
+platform::Answer QtInteraction::message_box(const platform::MessageBox& box) {
+    QMessageBox window(qt_icon(box.icon), title_of(box.title), qt_text(box.text).replace("\r\n", "\n"),
+                       qt_buttons(box.buttons), QApplication::activeWindow());
+    window.setTextFormat(Qt::PlainText);  // names of layers and sets may look like markup
+    return answer_of(window.exec());
+}
+
+std::string QtInteraction::input_box(const platform::InputBox& box) {
+    bool accepted = false;
+    const QString typed = QInputDialog::getText(QApplication::activeWindow(), title_of(box.title), qt_text(box.prompt),
+                                                QLineEdit::Normal, QString(), &accepted);
+    return accepted ? typed.toStdString() : std::string();
+}
+
+std::optional<std::string> QtInteraction::file_dialog(const platform::FileDialog& dialog) {
+    QFileDialog window(QApplication::activeWindow(), title_of(dialog.title));
+    window.setNameFilter(qt_name_filter(dialog.filter));
+    if (dialog.kind == platform::FileDialog::Kind::save) {
+        window.setAcceptMode(QFileDialog::AcceptSave);
+        window.setDefaultSuffix(qt_text(dialog.default_extension));
+    } else {
+        window.setFileMode(QFileDialog::ExistingFile);
+    }
+    if (window.exec() != QDialog::Accepted || window.selectedFiles().isEmpty()) {
+        return std::nullopt;
+    }
+    return QDir::toNativeSeparators(window.selectedFiles().front()).toStdString();
+}
+
+void QtInteraction::show_call_stack(std::string_view text) {
+    CallStackWindow(qt_text(text), QApplication::activeWindow()).exec();
+}
+
+std::unique_ptr<platform::WaitingWindow> QtInteraction::waiting_window(std::string_view text) {
+    return std::make_unique<ProcessingWindow>(qt_text(text));
+}
+
+void QtInteraction::show_help() {
+    if (m_hooks.show_help) {
+        m_hooks.show_help();
+    } else {
+        notice("There is no help window here.");
+    }
+}
+
+void QtInteraction::notice(std::string_view text) {
+    if (m_hooks.notice) {
+        m_hooks.notice(text);
+    } else {
+        std::fprintf(stderr, "%.*s\n", static_cast<int>(text.size()), text.data());
+    }
+}
+
+void QtInteraction::beep() {
+    QApplication::beep();
+}
+
+}  // namespace kestrel

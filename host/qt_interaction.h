@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+#include <functional>
+#include <string_view>
+
+#include "platform/contracts/interaction.h"
+
+namespace kestrel {
+
+/// How a desktop speaks with the user: message boxes, input boxes, file dialogs and windows of Qt. Needs a
+/// QApplication; everything is called on its thread. Boxes belong to the window that is active.
+class QtInteraction final : public platform::Interaction {
+  public:
+    struct Hooks {
+        /// Takes notices; without one they go to standard error.
+        std::function<void(std::string_view)> notice;
+        /// Opens the help window; without one the user is told that there is none.
+        std::function<void()> show_help;
+    };
+
+    QtInteraction() = default;
+    explicit QtInteraction(Hooks hooks) : m_hooks(std::move(hooks)) {}
+
+    platform::Answer message_box(const platform::MessageBox& box) override;
+    std::string input_box(const platform::InputBox& box) override;
+    std::optional<std::string> file_dialog(const platform::FileDialog& dialog) override;
+    void show_call_stack(std::string_view text) override;
+    std::unique_ptr<platform::WaitingWindow> waiting_window(std::string_view text) override;
+    void show_help() override;
+    void notice(std::string_view text) override;
+    void beep() override;
+
+  private:
+    Hooks m_hooks;
+};
+
+/// A filter of platform::FileDialog as Qt writes it: "Text(*.txt;*.csv)|*.txt;*.csv" gives "Text (*.txt *.csv)".
+QString qt_name_filter(std::string_view filter);
+
+}  // namespace kestrel
