@@ -12,6 +12,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <filesystem>
@@ -181,6 +182,10 @@ std::string temporary_folder() {
 }
 
 std::string read_file(const std::string& path, int line) {
+    return read_file_start(path, std::string::npos, line);
+}
+
+std::string read_file_start(const std::string& path, std::size_t limit, int line) {
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     if (!file) {
         throw path_error(errno, path, line);
@@ -188,11 +193,11 @@ std::string read_file(const std::string& path, int line) {
     std::string bytes;
     struct stat status {};
     if (::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode)) {
-        bytes.reserve(static_cast<std::size_t>(status.st_size));
+        bytes.reserve(std::min(limit, static_cast<std::size_t>(status.st_size)));
     }
     char block[65536];
     while (true) {
-        const ssize_t count = ::read(file.get(), block, sizeof block);
+        const ssize_t count = ::read(file.get(), block, std::min(sizeof block, limit - bytes.size()));
         if (count == 0) {
             return bytes;
         }

@@ -56,6 +56,8 @@ std::string temporary_folder();
 
 /// Whole content of a file, as bytes.
 std::string read_file(const std::string& path, int line = __builtin_LINE());
+/// The first `limit` bytes of a file, or all of a shorter one: for files of which nobody knows how large they are.
+std::string read_file_start(const std::string& path, std::size_t limit, int line = __builtin_LINE());
 /// Replaces or makes a file with these bytes. A file that is replaced keeps its permissions, a symbolic link stays one;
 /// when it fails the old file is as it was and no half-written new one stays.
 void write_file(const std::string& path, std::string_view bytes, int line = __builtin_LINE());

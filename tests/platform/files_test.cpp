@@ -546,6 +546,27 @@ TEST(TextWriter, AFullDeviceIsNoticedWhileWriting) {
     EXPECT_EQ(error_of([&] { writer.close(); }).number(), 0);
 }
 
+TEST(ReadFileStart, TakesNoMoreThanTheLimit) {
+    const TemporaryFolder folder;
+    const std::string bytes(100000, 'x');
+    write_file(folder / "file", bytes + "y");
+    EXPECT_EQ(read_file_start(folder / "file", 0), "");
+    EXPECT_EQ(read_file_start(folder / "file", 1), "x");
+    EXPECT_EQ(read_file_start(folder / "file", 100000), bytes);
+    EXPECT_EQ(read_file_start(folder / "file", 100001), bytes + "y");
+    EXPECT_EQ(read_file_start(folder / "file", 200000), bytes + "y");
+}
+
+TEST(ReadFileStart, AnEndlessFileEndsAtTheLimit) {
+    EXPECT_EQ(read_file_start("/dev/zero", 70000), std::string(70000, '\0'));
+}
+
+TEST(ReadFileStart, FailuresAreThoseOfReadingTheWhole) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(error_of([&] { read_file_start(folder / "missing", 1); }).number(), 53);
+    EXPECT_EQ(error_of([&] { read_file_start(folder / "none/missing", 1); }).number(), 76);
+}
+
 TEST(TextReader, ReadsLinesOfEitherKindAndBothEncodings) {
     const TemporaryFolder folder;
     write_file(folder / "file",
