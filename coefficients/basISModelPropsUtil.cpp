@@ -3,8 +3,11 @@
 #include "coefficients/basISModelPropsUtil.h"
 
 #include "coefficients/basUtil.h"
+#include "coefficients/coefficient_text.h"
+#include "coefficients/import_texts.h"
 #include "coefficients/store_texts.h"
 #include "host/error_report.h"
+#include "platform/files.h"
 
 namespace kestrel::basISModelPropsUtil {
 
@@ -27,6 +30,41 @@ void add_set(clsISModelProperties& props, const clsISLCDef& set, const std::stri
     // Intended; do not "fix".
     copy_classes(set.LCClasses, find_set(props, name)->LCClasses);
 }
+
+/// The name that the user gives to a new set, none that is taken; empty when the user gives none.
+std::string ask_new_name(const clsISModelProperties& props) {
+    while (true) {
+        std::string name = platform::interaction().input_box(import_texts::set_name());
+        if (name.empty() || find_set(props, name) == nullptr) {
+            return name;
+        }
+        platform::interaction().message_box(import_texts::name_taken());
+    }
+}
+
+/// A new set at the end of the sets, removed again unless it is kept.
+class TentativeSet {
+  public:
+    TentativeSet(clsISLCDefs& sets, const std::string& name) : m_sets(sets), m_set(std::make_shared<clsISLCDef>()) {
+        m_set->LCType = name;
+        m_sets.Add(m_set);
+    }
+    ~TentativeSet() {
+        if (!m_kept && m_sets.Count() > 0) {
+            m_sets.Remove(m_sets.Count());
+        }
+    }
+    TentativeSet(const TentativeSet&) = delete;
+    TentativeSet& operator=(const TentativeSet&) = delete;
+
+    clsISLCDef& set() noexcept { return *m_set; }
+    void keep() noexcept { m_kept = true; }
+
+  private:
+    clsISLCDefs& m_sets;
+    std::shared_ptr<clsISLCDef> m_set;
+    bool m_kept = false;
+};
 
 }  // namespace
 
@@ -67,6 +105,37 @@ bool MergeCoeffsFromFile(clsISModelProperties& props, const std::string& path, c
     return saved;
 } catch (...) {
     return reported<bool>({"MergeCoeffsFromFile", kModule});
+}
+
+bool ExportCoeffsToFile(const clsISModelProperties& props, std::string_view set_name, const std::string& path) try {
+    platform::write_file(path, coefficient_text(find_set(props, set_name).get()));
+    return true;
+} catch (...) {
+    return reported<bool>({"ExportCoeffsToFile", kModule});
+}
+
+bool ImportCoeffsFromFile(clsISModelProperties& props, const std::string& path, const CoefficientStore& store,
+                          const SetAdded& set_added) try {
+    const std::string name = ask_new_name(props);
+    if (name.empty()) {
+        return false;
+    }
+    TentativeSet added(props.ISLCDefs, name);
+    if (const std::optional<TextFault> fault = read_coefficient_text(path, added.set().LCClasses)) {
+        platform::interaction().message_box(import_texts::refused(*fault, path));
+        return false;
+    }
+    if (set_added) {
+        set_added(name);
+    }
+    added.keep();
+    const bool saved = basUtil::PutISModelProperties(props, store);
+    if (!saved) {
+        platform::interaction().message_box(store_texts::save_failed(store, import_texts::kUnsuccessful));
+    }
+    return saved;
+} catch (...) {
+    return reported<bool>({"ImportCoeffsFromFile", kModule});
 }
 
 }  // namespace kestrel::basISModelPropsUtil

@@ -26,4 +26,16 @@ std::shared_ptr<clsISLCDef> find_set(const clsISModelProperties& props, std::str
 bool MergeCoeffsFromFile(clsISModelProperties& props, const std::string& path, const CoefficientStore& store,
                          const SetAdded& set_added);
 
+/// Writes the first set called `set_name` to the text file at `path`, replacing any file; the header line alone when
+/// there is no such set. A failure is reported and leaves the file as it was.
+/// \return whether the file was written.
+bool ExportCoeffsToFile(const clsISModelProperties& props, std::string_view set_name, const std::string& path);
+
+/// Asks for the name of a new set, again while the name is taken, fills it from the text file at `path`, appends it to
+/// `props` and saves `props` to `store`. Nothing happens when no name is given. Says itself what fails; `props` is then
+/// as it was, but a set that was read and cannot be saved stays in it.
+/// \return whether a set was imported and saved.
+bool ImportCoeffsFromFile(clsISModelProperties& props, const std::string& path, const CoefficientStore& store,
+                          const SetAdded& set_added);
+
 }  // namespace kestrel::basISModelPropsUtil

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "coefficients/clsISModelProperties.h"
@@ -50,6 +51,16 @@ inline std::vector<std::string> outline(const clsISModelProperties& props) {
         lines.push_back(line);
     }
     return lines;
+}
+
+/// Value, name, High, Medium and Low of every class.
+using ClassValues = std::tuple<std::int32_t, std::string, float, float, float>;
+inline std::vector<ClassValues> classes_of(const clsLCClasses& classes) {
+    std::vector<ClassValues> values;
+    for (const auto& member : classes) {
+        values.emplace_back(member->ID, member->LCName, member->LCHigh, member->LCMed, member->LCLow);
+    }
+    return values;
 }
 
 }  // namespace kestrel::test
