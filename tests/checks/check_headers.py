@@ -38,6 +38,8 @@ def compile_alone(header):
 headers = [name for name in tree.files(".h") if name not in proved]
 # What is not built here (a host's plugin, for one) may lack its libraries.
 headers = [name for name in headers if not name.startswith("apps/qgis/")]
+if not any("/qt" in flag.lower() for flag in flags):
+    headers = [name for name in headers if not any(re.match(r"Q[A-Z]", used) for _, used, _ in tree.includes(name))]
 with concurrent.futures.ThreadPoolExecutor(max_workers=2) as pool:
     findings = [finding for finding in pool.map(compile_alone, headers) if finding]
 print(f"{len(headers)} headers compiled, {len(proved)} proved by their sources")
