@@ -5,11 +5,15 @@
 #include <geos_c.h>
 
 #include <algorithm>
-#include <chrono>
+#include <memory>
+#include <optional>
 #include <vector>
 
+#include "platform/edge_cancelling.h"
 #include "platform/errors.h"
 #include "platform/geos_support.h"
+#include "platform/parallel.h"
+#include "platform/polygon_check.h"
 
 namespace kestrel::platform {
 
@@ -31,56 +35,69 @@ bool valid(const Geos& geos, const Geos::Geometry& geometry) {
 
 }  // namespace
 
-std::size_t repair(PolygonSet& polygons) {
+namespace {
+
+/// Features that are checked as one item of work.
+constexpr std::size_t kFeaturesPerItem = 256;
+
+/// A GEOS context for each thread, made when the thread first needs it.
+class ThreadContexts {
+  public:
+    explicit ThreadContexts(int threads) : m_contexts(static_cast<std::size_t>(threads)) {}
+
+    const Geos& of(int worker) {
+        auto& context = m_contexts[static_cast<std::size_t>(worker)];
+        if (!context) {
+            context = std::make_unique<Geos>();
+        }
+        return *context;
+    }
+
+  private:
+    std::vector<std::unique_ptr<Geos>> m_contexts;
+};
+
+/// Which features are invalid.
+std::vector<std::uint8_t> find_invalid(const PolygonSet& polygons, int threads) {
+    const std::size_t count = polygons.feature_count();
+    std::vector<std::uint8_t> invalid(count, 0);
+    ThreadContexts contexts(threads);
+    NoProgress nobody;
+    for_each_item((count + kFeaturesPerItem - 1) / kFeaturesPerItem, threads, nobody, {},
+                  [&](std::size_t item, int worker) {
+                      const std::size_t end = std::min(count, (item + 1) * kFeaturesPerItem);
+                      for (std::size_t f = item * kFeaturesPerItem; f < end; ++f) {
+                          if (!polygons.empty(f) && !certainly_valid(polygons, f)) {
+                              const Geos& geos = contexts.of(worker);
+                              invalid[f] = valid(geos, geos.multipolygon(polygons, f)) ? 0 : 1;
+                          }
+                      }
+                  });
+    return invalid;
+}
+
+}  // namespace
+
+std::size_t repair(PolygonSet& polygons, int threads) {
+    const std::vector<std::uint8_t> invalid = find_invalid(polygons, thread_count(threads));
+    const auto count = static_cast<std::size_t>(std::count(invalid.begin(), invalid.end(), 1));
+    if (count == 0) {
+        return 0;
+    }
     const Geos geos;
     PolygonSet whole;
-    std::size_t count = 0;
-    for (std::size_t f = 0; f < polygons.feature_count(); ++f) {
-        const Geos::Geometry geometry = geos.multipolygon(polygons, f);
-        if (valid(geos, geometry)) {
-            if (count > 0) {
-                whole.append(polygons, f);
-            }
-            continue;
+    for (std::size_t f = 0; f < invalid.size(); ++f) {
+        if (invalid[f] != 0) {
+            geos.append(whole, repaired(geos, geos.multipolygon(polygons, f)).get());
+        } else {
+            whole.append(polygons, f);
         }
-        // Most layers are valid throughout; only now is a second set needed.
-        for (std::size_t earlier = 0; count == 0 && earlier < f; ++earlier) {
-            whole.append(polygons, earlier);
-        }
-        geos.append(whole, repaired(geos, geometry).get());
-        ++count;
     }
-    if (count > 0) {
-        polygons = std::move(whole);
-    }
+    polygons = std::move(whole);
     return count;
 }
 
 namespace {
-
-/// Tells progress, but not more often than people can see.
-class PacedProgress {
-  public:
-    PacedProgress(Progress& progress, std::size_t steps, const char* text)
-        : m_progress(progress), m_steps(steps), m_text(text) {}
-
-    /// \return whether to go on.
-    bool step(std::size_t done) {
-        const auto now = Clock::now();
-        if (now < m_next) {
-            return true;
-        }
-        m_next = now + std::chrono::milliseconds(50);
-        return m_progress.report(static_cast<double>(done) / static_cast<double>(m_steps), m_text);
-    }
-
-  private:
-    using Clock = std::chrono::steady_clock;
-    Progress& m_progress;
-    std::size_t m_steps;
-    const char* m_text;
-    Clock::time_point m_next{};
-};
 
 /// Positions of the features of each group that are not empty.
 std::vector<std::vector<std::size_t>> members_of_groups(const PolygonSet& polygons,
@@ -100,30 +117,42 @@ void append_union(PolygonSet& result, const Geos& geos, const PolygonSet& polygo
                   const std::vector<std::size_t>& members) {
     if (members.empty()) {
         result.begin_feature();
-    } else if (members.size() == 1) {
-        result.append(polygons, members.front());
-    } else {
-        const Geos::Geometry all = geos.multipolygon(polygons, members);
-        const Geos::Geometry joined =
-            geos.owned(GEOSUnaryUnion_r(geos.handle(), all.get()), "Polygons cannot be joined");
-        geos.append(result, joined.get());
+        return;
     }
+    if (members.size() == 1) {
+        result.append(polygons, members.front());
+        return;
+    }
+    const std::optional<PolygonSet> chained = cancel_shared_edges(polygons, members);
+    if (chained && (certainly_valid(*chained, 0) || valid(geos, geos.multipolygon(*chained, 0)))) {
+        result.append(*chained, 0);
+        return;
+    }
+    const Geos::Geometry all = geos.multipolygon(polygons, members);
+    const Geos::Geometry joined = geos.owned(GEOSUnaryUnion_r(geos.handle(), all.get()), "Polygons cannot be joined");
+    geos.append(result, joined.get());
 }
 
 }  // namespace
 
 PolygonSet dissolve(const PolygonSet& polygons, std::span<const std::uint32_t> group_of, std::size_t group_count,
-                    Progress& progress) {
-    const Geos geos;
-    PacedProgress paced(progress, polygons.feature_count(), "Dissolving polygons");
-    PolygonSet result;
-    std::size_t done = 0;
-    for (const auto& members : members_of_groups(polygons, group_of, group_count)) {
-        if (!paced.step(done)) {
-            break;
+                    Progress& progress, int threads) {
+    const auto members = members_of_groups(polygons, group_of, group_count);
+    const int workers = thread_count(threads);
+    // Few large groups are handed out one by one, many small ones some hundred at a time.
+    const std::size_t step = std::clamp<std::size_t>(group_count / 64, 1, 256);
+    std::vector<PolygonSet> parts((group_count + step - 1) / step);
+    ThreadContexts contexts(workers);
+    for_each_item(parts.size(), workers, progress, "Dissolving polygons", [&](std::size_t item, int worker) {
+        const std::size_t end = std::min(group_count, (item + 1) * step);
+        for (std::size_t group = item * step; group < end; ++group) {
+            append_union(parts[item], contexts.of(worker), polygons, members[group]);
         }
-        append_union(result, geos, polygons, members);
-        done += members.size();
+    });
+    PolygonSet result;
+    for (PolygonSet& part : parts) {
+        result.append(part);
+        part = PolygonSet();
     }
     return result;
 }

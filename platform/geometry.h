@@ -15,17 +15,20 @@ namespace kestrel::platform {
 
 /// Repairs invalid polygons (self-crossing rings, overlapping parts, repeated rings) in place of the given ones; what
 /// remains of lines and points is dropped.
+/// \param threads that may be used; 0 for as many as there are cores. The result does not depend on it.
 /// \return how many features were invalid.
-std::size_t repair(PolygonSet& polygons);
+std::size_t repair(PolygonSet& polygons, int threads = 0);
 
-/// Joins the polygons of each group into one feature.
+/// Joins the polygons of each group into one feature. Polygons that share their borders exactly are joined by dropping
+/// the shared edges; where that gives no valid feature, GEOS unites them.
 /// \param polygons valid polygons (see repair()).
 /// \param group_of for each feature of `polygons`, the group it belongs to, below `group_count`.
 /// \return one feature for each group, valid; empty for a group that has only empty geometries.
 /// \throws RuntimeError (library failure) when a group cannot be joined.
+/// \param threads that may be used; 0 for as many as there are cores. The result does not depend on it.
 /// When `progress` answers stop, the result is incomplete and must not be used.
 PolygonSet dissolve(const PolygonSet& polygons, std::span<const std::uint32_t> group_of, std::size_t group_count,
-                    Progress& progress);
+                    Progress& progress, int threads = 0);
 
 /// Takes one piece of an intersection: the positions of the two features that it comes from, and the piece as feature 0
 /// of a set. Returns true to go on.

@@ -6,10 +6,7 @@
 
 namespace kestrel::platform {
 
-namespace {
-
-/// Twice the signed area of a closed ring, taken about its first point so that large coordinates cost no digits.
-double twice_signed_area(std::span<const Point> ring) {
+double twice_signed_area(std::span<const Point> ring) noexcept {
     double sum = 0;
     for (std::size_t i = 1; i + 1 < ring.size(); ++i) {
         sum += (ring[i].x - ring[0].x) * (ring[i + 1].y - ring[0].y) -
@@ -17,8 +14,6 @@ double twice_signed_area(std::span<const Point> ring) {
     }
     return sum;
 }
-
-}  // namespace
 
 void PolygonSet::append(const PolygonSet& other, std::size_t feature) {
     begin_feature();
@@ -29,6 +24,12 @@ void PolygonSet::append(const PolygonSet& other, std::size_t feature) {
             const auto source = other.ring(r);
             m_points.insert(m_points.end(), source.begin(), source.end());
         }
+    }
+}
+
+void PolygonSet::append(const PolygonSet& other) {
+    for (std::size_t feature = 0; feature < other.feature_count(); ++feature) {
+        append(other, feature);
     }
 }
 

@@ -46,6 +46,10 @@ struct Envelope {
     }
 };
 
+/// Twice the area of a closed ring: positive when it runs left about. Taken about its first point, so that large
+/// coordinates cost no digits.
+double twice_signed_area(std::span<const Point> ring) noexcept;
+
 /// The polygons of many features in four flat arrays: features hold polygons, polygons hold rings (the shell first,
 /// then its holes), rings hold points and end with the point that they began with.
 ///
@@ -64,6 +68,8 @@ class PolygonSet {
     }
     /// Appends feature `feature` of `other`, which is another set, as a new feature.
     void append(const PolygonSet& other, std::size_t feature);
+    /// Appends all features of `other`.
+    void append(const PolygonSet& other);
     void reserve_points(std::size_t count) { m_points.reserve(count); }
     void shrink_to_fit();
 

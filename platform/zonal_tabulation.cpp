@@ -3,26 +3,19 @@
 #include "platform/zonal_tabulation.h"
 
 #include <algorithm>
-#include <atomic>
-#include <chrono>
 #include <cmath>
-#include <condition_variable>
-#include <exception>
 #include <memory>
-#include <mutex>
 #include <optional>
-#include <thread>
 
 #include "platform/cell_runs.h"
 #include "platform/edge_sweep.h"
+#include "platform/parallel.h"
 #include "platform/piece_counter.h"
 #include "platform/row_spans.h"
 
 namespace kestrel::platform {
 
 namespace {
-
-constexpr auto kReportInterval = std::chrono::milliseconds(50);
 
 /// A span of cells that lie in one zone, under one overlay polygon or none, under one set of scenarios.
 struct PieceSpan {
@@ -265,117 +258,27 @@ void BandCounter::append_to(ZoneCounts& counts) const {
     }
 }
 
-/// The bands of a raster, handed out to threads in ascending order, and how the work stands.
-class BandQueue {
-  public:
-    explicit BandQueue(int bands) : m_bands(bands) {}
-
-    /// The next band, or nothing when all are taken, one has failed, or the work is to stop.
-    std::optional<int> take();
-    void done();
-    /// Keeps the error of the lowest band. Bands are handed out in order, so all lower ones are done or under way, and
-    /// the error that is kept does not depend on the threads.
-    void failed(int band, std::exception_ptr error);
-    void thread_ended();
-
-    /// Reports progress on the calling thread until all threads have ended.
-    void watch(int threads, Progress& progress);
-    void rethrow() const;
-
-  private:
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    int m_bands;
-    int m_next = 0;
-    int m_done = 0;
-    int m_ended_threads = 0;
-    int m_failed_band = -1;
-    bool m_stop = false;
-    std::exception_ptr m_error;
-};
-
-std::optional<int> BandQueue::take() {
-    const std::lock_guard lock(m_mutex);
-    if (m_stop || m_next == m_bands) {
-        return std::nullopt;
-    }
-    return m_next++;
-}
-
-void BandQueue::done() {
-    const std::lock_guard lock(m_mutex);
-    ++m_done;
-}
-
-void BandQueue::failed(int band, std::exception_ptr error) {
-    const std::lock_guard lock(m_mutex);
-    m_stop = true;
-    if (m_failed_band < 0 || band < m_failed_band) {
-        m_failed_band = band;
-        m_error = std::move(error);
-    }
-}
-
-void BandQueue::thread_ended() {
-    const std::lock_guard lock(m_mutex);
-    ++m_ended_threads;
-    m_changed.notify_all();
-}
-
-void BandQueue::watch(int threads, Progress& progress) {
-    std::unique_lock lock(m_mutex);
-    while (!m_changed.wait_for(lock, kReportInterval, [&] { return m_ended_threads == threads; })) {
-        const double fraction = static_cast<double>(m_done) / m_bands;
-        lock.unlock();
-        const bool go_on = progress.report(fraction, "Counting land cover");
-        lock.lock();
-        m_stop = m_stop || !go_on;
-    }
-}
-
-void BandQueue::rethrow() const {
-    if (m_error) {
-        std::rethrow_exception(m_error);
-    }
-}
-
-void work(BandQueue& queue, const std::string& source, const Plan& plan, std::unique_ptr<BandCounter>& counter) {
-    int band = 0;
-    try {
-        counter = std::make_unique<BandCounter>(source, plan);
-        while (const std::optional<int> taken = queue.take()) {
-            band = *taken;
-            counter->count(band);
-            queue.done();
-        }
-    } catch (...) {
-        queue.failed(band, std::current_exception());
-    }
-    queue.thread_ended();
-}
-
 }  // namespace
 
 ZoneCounts tabulate(const RasterDataset& raster, const TabulationInput& input, int threads, Progress& progress) {
     const Plan plan(raster, input);
-    const int cores = threads > 0 ? threads : static_cast<int>(std::thread::hardware_concurrency());
-    const int wanted = std::clamp(cores, 1, std::max(1, plan.zones.band_count()));
-    BandQueue queue(plan.zones.band_count());
-    std::vector<std::unique_ptr<BandCounter>> counters(static_cast<std::size_t>(wanted));
-    {
-        std::vector<std::jthread> pool;
-        for (auto& counter : counters) {
-            pool.emplace_back([&] { work(queue, raster.source(), plan, counter); });
-        }
-        queue.watch(wanted, progress);
-    }
-    queue.rethrow();
+    const int workers = thread_count(threads);
+    std::vector<std::unique_ptr<BandCounter>> counters(static_cast<std::size_t>(workers));
+    for_each_item(static_cast<std::size_t>(plan.zones.band_count()), workers, progress, "Counting land cover",
+                  [&](std::size_t band, int worker) {
+                      auto& counter = counters[static_cast<std::size_t>(worker)];
+                      if (!counter) {
+                          counter = std::make_unique<BandCounter>(raster.source(), plan);
+                      }
+                      counter->count(static_cast<int>(band));
+                  });
     ZoneCounts counts;
     counts.touches_nodata.assign(plan.zone_count, 0);
     for (const auto& counter : counters) {
-        counter->append_to(counts);
+        if (counter) {
+            counter->append_to(counts);
+        }
     }
-    progress.report(1, "Counting land cover");
     return counts;
 }
 

@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string_view>
+
+#include "platform/contracts/progress.h"
+
+namespace kestrel::platform {
+
+/// How many threads to use when `wanted` are asked for; 0 asks for as many as there are cores.
+int thread_count(int wanted);
+
+/// Calls work(item, worker) for every item from 0 to `count` - 1, on up to `threads` threads. Items are handed out in
+/// ascending order; `worker`, from 0 to `threads` - 1, is the same for all items of one thread.
+///
+/// \param threads as thread_count() gives it.
+/// \param progress hears the share of the items that is done, about every 50 ms and on the calling thread only. When it
+///        answers stop, no further item is begun.
+/// \return whether all items were done.
+/// \throws what the lowest item threw, which does not depend on the number of threads.
+bool for_each_item(std::size_t count, int threads, Progress& progress, std::string_view text,
+                   const std::function<void(std::size_t item, int worker)>& work);
+
+}  // namespace kestrel::platform
