@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <ranges>
 #include <utility>
 
 namespace kestrel::platform {
@@ -56,8 +55,8 @@ class Move {
     Move(std::string from, std::string to, std::string replaced)
         : m_from(std::move(from)), m_to(std::move(to)), m_replaced(std::move(replaced)) {}
     ~Move() {
-        for (const std::string& name : std::views::reverse(m_moved)) {
-            try_move(join_path(m_to, name), join_path(m_from, name));
+        for (auto name = m_moved.rbegin(); name != m_moved.rend(); ++name) {
+            try_move(join_path(m_to, *name), join_path(m_from, *name));
         }
         for (const std::string& name : m_kept) {
             try_move(join_path(m_replaced, name), join_path(m_to, name));
@@ -134,9 +133,9 @@ void SetAsideOutput::put_back() noexcept {
         return;
     }
     bool whole = true;
-    for (const std::string& name : std::views::reverse(m_names)) {
-        const std::string kept = join_path(m_aside, name);
-        whole = (!file_exists(kept) || try_move(kept, join_path(m_folder, name))) && whole;
+    for (auto name = m_names.rbegin(); name != m_names.rend(); ++name) {
+        const std::string kept = join_path(m_aside, *name);
+        whole = (!file_exists(kept) || try_move(kept, join_path(m_folder, *name))) && whole;
     }
     if (whole) {
         try_remove(m_aside);
@@ -168,10 +167,11 @@ std::vector<std::string> StagedOutput::publish() {
     std::stable_partition(names.begin(), names.end(), is_shapefile);
 
     Move move(m_stage, m_folder, path(".replaced"));
-    for (const std::string& name : std::views::reverse(names)) {
-        move.file(name);
+    for (auto name = names.rbegin(); name != names.rend(); ++name) {
+        move.file(*name);
     }
     std::vector<std::string> paths;
+    paths.reserve(names.size());
     for (const std::string& name : names) {
         paths.push_back(join_path(m_folder, name));
     }
