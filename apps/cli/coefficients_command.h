@@ -10,7 +10,7 @@
 
 namespace kestrel::cli {
 
-/// Adds `kestrel coefficients` with list, show and check to `app`; parsing one of them sets `action`.
+/// Adds `kestrel coefficients` with all that it can do to `app`; parsing one of its commands sets `action`.
 void add_coefficients_command(CLI::App& app, Action& action);
 
 /// The sets of a store with the number of their classes.
