@@ -8,7 +8,9 @@
 #include <ogrsf_frmts.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <limits>
 
 #include "platform/errors.h"
 #include "platform/files.h"
@@ -22,6 +24,8 @@ namespace {
 
 constexpr int kLongestText = 254;
 constexpr int kBigIntegerDigits = 18;
+
+constexpr std::int64_t kShapeHeader = 100;
 
 // Room for 16 digits before the point; the library's own choice has no room for values from 1e8 on.
 constexpr int kRealWidth = 32;
@@ -89,6 +93,18 @@ std::int64_t integer_of(const Value& value, const std::string& field) {
     return static_cast<std::int64_t>(*number);
 }
 
+/// Bytes that a feature takes in the .shp.
+std::int64_t shape_size(const PolygonSet& polygons, std::size_t feature) {
+    constexpr std::size_t kRecordHeader = 8;
+    constexpr std::size_t kNullShape = 4;
+    constexpr std::size_t kFixedPart = 44;
+    std::size_t size = kRecordHeader + (polygons.empty(feature) ? kNullShape : kFixedPart);
+    for (std::size_t r = polygons.first_ring_of(feature); r < polygons.first_ring_of(feature + 1); ++r) {
+        size += sizeof(std::int32_t) + sizeof(Point) * polygons.ring(r).size();
+    }
+    return static_cast<std::int64_t>(size);
+}
+
 void remove_members(const std::string& path) {
     for (const std::string& member : shapefile_members(path)) {
         remove_file(member);
@@ -106,28 +122,45 @@ struct ShapefileWriter::State {
     OGRLayer* layer = nullptr;
     OGRFeatureUniquePtr feature;
     std::int64_t count = 0;
+    std::int64_t shape_bytes = kShapeHeader;
     int flush_count = 0;
 
     void create(const SpatialReference& reference);
     void add_fields(std::span<const Field> fields);
     void set(int position, const Value& value);
     void set_real(int position, double value);
+    void begin();
+    bool beyond_limit() const;
     void check(bool good) const;
 };
+
+/// Forgets earlier failures, of which messages of later ones would tell.
+void ShapefileWriter::State::begin() {
+    CPLErrorReset();
+    errno = 0;
+}
+
+/// Whether a file with all that was inserted is larger than the format's offsets can tell.
+bool ShapefileWriter::State::beyond_limit() const {
+    std::int64_t record = 1;
+    for (int i = 0; feature != nullptr && i < feature->GetFieldCount(); ++i) {
+        record += feature->GetFieldDefnRef(i)->GetWidth();
+    }
+    return shape_bytes > std::numeric_limits<std::int32_t>::max() ||
+           record * (count + 1) > std::numeric_limits<std::int32_t>::max();
+}
 
 /// A warning counts as a failure: the library merely warns of values that it could not store.
 void ShapefileWriter::State::check(bool good) const {
     if (good && CPLGetLastErrorType() < CE_Warning) {
         return;
     }
-    if (std::string_view(CPLGetLastErrorMsg()).find("2GB") != std::string_view::npos) {
-        CPLErrorReset();
+    const RuntimeError error = gdal_error(fmt::format("{} cannot be written", path));
+    if (beyond_limit()) {
         throw RuntimeError(
             kDiskFull,
-            fmt::format("{} would become larger than the 2 GB that a shapefile may have; use fewer or simpler polygons",
-                        path));
+            fmt::format("{} would pass the 2 GB that a shapefile may have; use fewer or simpler polygons", path));
     }
-    const RuntimeError error = gdal_error(fmt::format("{} cannot be written", path));
     // Some of the library's messages leave the reason out.
     throw device_full(folder_of(path)) ? RuntimeError(kDiskFull, error.description() + ": the device is full") : error;
 }
@@ -197,8 +230,8 @@ ShapefileWriter::ShapefileWriter(const std::string& path, std::span<const Field>
     }
     start_gdal();
     remove_members(path);
-    CPLErrorReset();
     m_state->path = path;
+    m_state->begin();
     m_state->create(reference);
     m_state->add_fields(fields);
 }
@@ -211,11 +244,12 @@ void ShapefileWriter::insert(const PolygonSet& polygons, std::size_t feature, st
         throw RuntimeError(kInvalidProcedureCall,
                            fmt::format("{} takes a value for each field until it is closed", state.path));
     }
-    CPLErrorReset();
+    state.begin();
     for (std::size_t i = 0; i < values.size(); ++i) {
         state.set(static_cast<int>(i), values[i]);
     }
     state.feature->SetFID(OGRNullFID);
+    state.shape_bytes += shape_size(polygons, feature);
     state.feature->SetGeometryDirectly(geometry_of(polygons, feature).release());
     state.check(state.layer->CreateFeature(state.feature.get()) == OGRERR_NONE);
     ++state.count;
@@ -224,7 +258,7 @@ void ShapefileWriter::insert(const PolygonSet& polygons, std::size_t feature, st
 void ShapefileWriter::flush() {
     ++m_state->flush_count;
     if (m_state->layer != nullptr) {
-        CPLErrorReset();
+        m_state->begin();
         m_state->check(m_state->layer->SyncToDisk() == OGRERR_NONE);
     }
 }
@@ -238,7 +272,7 @@ void ShapefileWriter::close() {
     if (state.layer == nullptr) {
         return;
     }
-    CPLErrorReset();
+    state.begin();
     const bool synced = state.layer->SyncToDisk() == OGRERR_NONE;
     state.layer = nullptr;
     state.feature.reset();
