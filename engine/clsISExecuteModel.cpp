@@ -4,13 +4,14 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
+#include <utility>
 
 #include "engine/basUtil.h"
 #include "engine/clsISTableFunctions.h"
 #include "engine/clsPopulationDensity.h"
 #include "engine/engine_texts.h"
 #include "engine/model_run.h"
+#include "engine/run_records.h"
 #include "engine/stage_progress.h"
 #include "host/error_report.h"
 #include "platform/conversions.h"
@@ -25,7 +26,6 @@
 namespace kestrel {
 
 using platform::Field;
-using platform::FieldType;
 using platform::Table;
 
 namespace {
@@ -43,79 +43,27 @@ Table snapshot(const Table& table, const std::string& name) {
     return copy;
 }
 
-/// The analysis field as the output holds it: the source's type and width, wide enough for every value.
-Field output_analysis_field(const ModelRun& run) {
-    Field field = run.analysis.field;
-    field.alias = field.name;
-    std::size_t widest = 1;
-    for (std::size_t i = 0; i < run.groups.count(); ++i) {
-        widest = std::max(widest, run.groups.text(i).size());
+/// The files of an output that stands in its place but is not in the map yet: unless they are kept, they go again.
+class PublishedFiles {
+  public:
+    explicit PublishedFiles(std::vector<std::string> paths) : m_paths(std::move(paths)) {}
+    ~PublishedFiles() {
+        for (const std::string& path : m_paths) {
+            try {
+                platform::remove_file(path);
+            } catch (const platform::RuntimeError&) {
+                continue;  // what made the run fail is told already
+            }
+        }
     }
-    if (field.type == FieldType::text) {
-        field.length = std::clamp(std::max(field.length, static_cast<int>(widest)), 1, 254);
-    } else {
-        const int usual = field.type == FieldType::big_integer ? 18 : 9;
-        field.length =
-            std::max(field.length > 0 && field.length <= 18 ? field.length : usual, static_cast<int>(widest));
-        field.precision = field.length;
-        field.scale = 0;
-    }
-    return field;
-}
+    PublishedFiles(const PublishedFiles&) = delete;
+    PublishedFiles& operator=(const PublishedFiles&) = delete;
 
-std::vector<Field> area_fields(const std::string& units) {
-    const bool feet = units == "Feet";
-    const auto create = basUtil::CreateFields;
-    return {
-        create(feet ? "TotAcres" : "TotHects", feet ? "TotalAcres" : "TotalHectares", FieldType::real, 18, 18, 6),
-        create(feet ? "TotISAcr" : "TotISHec", feet ? "TotalISAcres" : "TotalISHectares", FieldType::real, 18, 18, 6),
-        create("pctIS", "pctIS", FieldType::real, 10, 10, 2), create("Complete", "Complete", FieldType::text, 1, 0, 0)};
-}
+    std::vector<std::string> keep() { return std::exchange(m_paths, {}); }
 
-/// Whether the output has a field of its own that a shapefile could not tell from `name`.
-bool taken_by_output(const std::string& name, const std::string& units) {
-    const auto lower = [](std::string text) {
-        std::transform(text.begin(), text.end(), text.begin(),
-                       [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-        return text;
-    };
-    const std::vector<Field> own = area_fields(units);
-    return std::any_of(own.begin(), own.end(), [&](const Field& field) { return lower(field.name) == lower(name); });
-}
-
-RunRecord record_of(const ModelRun& run, const platform::LocalTime& time) {
-    RunRecord record{.time = time,
-                     .output_layer = run.out_theme_name,
-                     .land_cover_layer = run.land_cover_theme,
-                     .land_cover_units = run.units,
-                     .analysis_layer = run.analysis_theme,
-                     .analysis_field = run.analysis_field,
-                     .coefficient_option = run.option,
-                     .density_layer = run.density_theme,
-                     .density_field = run.density_field,
-                     .density_high = run.density_high,
-                     .density_low = run.density_low,
-                     .classes = {},
-                     .scenarios = {}};
-    for (const auto& [code, entry] : *run.classes) {
-        record.classes.push_back({code, entry.Item(1), entry.Item(2), entry.Item(3), entry.Item(4)});
-    }
-    for (const auto& [number, entry] : *run.scenario_choices) {
-        record.scenarios.push_back({entry.Item(1), entry.Item(2)});
-    }
-    return record;
-}
-
-OutputRecord output_record_of(const ModelRun& run) {
-    OutputRecord record{.extent = run.output.polygons.envelope(),
-                        .decimal_degrees = run.map().distance_units() == platform::kDecimalDegrees,
-                        .field_names = run.output.field_names(),
-                        .analysis_values = {}};
-    for (std::size_t i = 0; i < run.groups.count(); ++i) {
-        record.analysis_values.push_back(run.groups.text(i));
-    }
-    return record;
-}
+  private:
+    std::vector<std::string> m_paths;
+};
 
 }  // namespace
 
@@ -176,8 +124,8 @@ void clsISExecuteModel::run_stages(const std::string& pFileName, const std::stri
 /// Reads the settings and the layers, and lays out what the pass over the land cover looks at.
 bool clsISExecuteModel::prepare(const std::string& pFileName) {
     ModelRun& run = *m_run;
-    run.app.progress().report(0, "Reading the layers");
-    if (!read_settings(run, pFileName) || !read_analysis_layer(run)) {
+    if (!run.app.progress().report(0, "Reading the layers") || !read_settings(run, pFileName) ||
+        !read_analysis_layer(run)) {
         return false;
     }
     inspect_land_cover(run);
@@ -257,23 +205,14 @@ bool clsISExecuteModel::DissolveAnalysisLayer(const std::string& shpPath, const 
     (void)shpName;
     ModelRun& run = *m_run;
     run.result.layer_name = LayerName;
-    if (run.analysis.field.name.empty()) {
-        platform::interaction().message_box(engine_texts::analysis_field_missing());
-        return false;
-    }
     StageProgress progress(run.app.progress(), kDissolveBegins, kDissolveEnds);
     run.output.polygons =
         platform::dissolve(run.analysis.polygons, run.groups.group_of(), run.groups.count(), progress);
     if (run.cancelled()) {
         return false;
     }
-    run.output.reference = run.analysis.reference;
     run.output.groups = &run.groups;
-    Field field = output_analysis_field(run);
-    field.name = basUtil::stored_field_name(field.name, run.analysis_fields);
-    if (taken_by_output(field.name, run.units)) {
-        field.name = field.name.substr(0, 8) + "_0";
-    }
+    Field field = output_analysis_field(run.analysis.field, run.groups, run.analysis_fields, run.units);
     if (field.name != run.analysis_field) {
         run.notices.notice(engine_texts::renamed_output_field(run.analysis_field, field.name));
     }
@@ -285,7 +224,7 @@ bool clsISExecuteModel::DissolveAnalysisLayer(const std::string& shpPath, const 
 }
 
 bool clsISExecuteModel::AddNewFields() try {
-    for (Field& field : area_fields(m_run->units)) {
+    for (Field& field : output_area_fields(m_run->units)) {
         m_run->output.fields.push_back(std::move(field));
     }
     return true;
@@ -332,9 +271,10 @@ bool clsISExecuteModel::isSetCompleteArea() try {
     return reported<bool>({"isSetCompleteArea", kModule});
 }
 
-/// Writes the output beside its place, moves it there, and puts its layer into the map. After this the run cannot be
-/// cancelled any more.
-bool clsISExecuteModel::publish(const std::string& shpPath, const std::string& shpName, const std::string& LayerName) {
+/// The second half of DissolveAnalysisLayer, once the output is whole: writes it beside its place, moves it there, and
+/// puts its layer into the map. After this the run cannot be cancelled any more.
+bool clsISExecuteModel::publish(const std::string& shpPath, const std::string& shpName,
+                                const std::string& LayerName) try {
     ModelRun& run = *m_run;
     if (!run.app.progress().report(kDissolveEnds, "Writing the output")) {
         return false;
@@ -344,14 +284,21 @@ bool clsISExecuteModel::publish(const std::string& shpPath, const std::string& s
     if (run.cancelled()) {
         return false;
     }
-    run.result.files = stage.publish();
-    run.result.finished = true;
+    PublishedFiles files(stage.publish());
     run.output_layer = run.app.make_feature_layer(platform::join_path(shpPath, shpName), LayerName);
+    if (run.output_layer == nullptr) {
+        platform::interaction().message_box(engine_texts::feature_class_missing());
+        return false;
+    }
     if (const auto earlier = basUtil::FindLayer(LayerName, run.map())) {
         run.map().remove_layer(earlier);
     }
     run.map().add_layer(run.output_layer);
+    run.result.files = files.keep();
+    run.result.finished = true;
     return true;
+} catch (...) {
+    return reported<bool>({"DissolveAnalysisLayer", kModule});
 }
 
 void clsISExecuteModel::isUpdateLegend(platform::FeatureLayer& outputLayer, const std::string& shpPath) try {
@@ -394,12 +341,19 @@ void clsISExecuteModel::isCleanUp(const std::string& extension_folder) try {
     report_current({"isCleanUp", kModule});
 }
 
+/// A failure here must not keep the end of the run from cleaning up.
+void clsISExecuteModel::keep_working_files() try {
+    if (!m_options.keep_temp_folder.empty()) {
+        keep_working_data(*m_run, m_options.keep_temp_folder);
+    }
+} catch (...) {
+    report_current({"ExecuteModel", kModule});
+}
+
 /// Cleans up and hands the result to the application; the end of every run.
 void clsISExecuteModel::hand_over() try {
     ModelRun& run = *m_run;
-    if (!m_options.keep_temp_folder.empty()) {
-        keep_working_data(run, m_options.keep_temp_folder);
-    }
+    keep_working_files();
     run.areas.Reset();
     isCleanUp(run.work_path);
     run.result.cancelled = !run.result.finished && run.cancelled();

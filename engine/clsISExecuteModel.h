@@ -59,6 +59,7 @@ class clsISExecuteModel {
     bool DissolveAnalysisLayer(const std::string& shpPath, const std::string& shpName, const std::string& LayerName);
     bool AddNewFields();
     bool isCalPctIS();
+    void keep_working_files();
     void hand_over();
 
     RunOptions m_options;

@@ -113,6 +113,10 @@ bool read_analysis_layer(ModelRun& run) {
     const platform::FeatureClass source = run.analysis_layer->feature_class();
     run.analysis_fields = source.fields();
     const int position = source.find_field(run.analysis_field);
+    if (position < 0) {
+        platform::interaction().message_box(engine_texts::analysis_field_missing());
+        return false;
+    }
     if (run.analysis_layer->selection().count() > 0) {
         const auto copied = basUtil::CreateShapefile(run.analysis_field, *run.analysis_layer, run.working_folder());
         if (!copied) {
@@ -129,6 +133,7 @@ bool read_analysis_layer(ModelRun& run) {
         restore_integers(run.analysis.values);
     }
     run.groups = ZoneGroups(run.analysis.values);
+    run.output.reference = run.analysis.reference;
     return true;
 }
 
@@ -140,6 +145,11 @@ void inspect_land_cover(ModelRun& run) {
     }
     const SpatialReference& reference = run.raster->spatial_reference();
     const std::string& name = run.land_cover_theme;
+    if (reference.known() && !run.analysis.reference.known()) {
+        // From here on, so that density and scenarios are compared with what the zones are taken to be in.
+        run.notices.notice(engine_texts::missing_system(run.analysis_theme, false, name));
+        run.analysis.reference = reference;
+    }
     const double metres = reference.metres_per_unit().value_or(0);
     const bool feet = metres > 0.3 && metres < 0.31;
     if (reference.known() && reference.geographic()) {

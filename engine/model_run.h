@@ -85,7 +85,8 @@ bool read_settings(ModelRun& run, const std::string& file_name);
 /// selection. \return false after a failure that was told. \throws RuntimeError 91 when the map lacks a layer.
 bool read_analysis_layer(ModelRun& run);
 
-/// Opens the land cover, and gives notice of what makes its areas doubtful.
+/// Opens the land cover, and gives notice of what makes its areas doubtful. An analysis layer without a coordinate
+/// system is taken to be in the land cover's.
 void inspect_land_cover(ModelRun& run);
 
 /// Prepares the scenarios and lays everything that the pass looks at into the land cover's coordinate system.

@@ -2,12 +2,64 @@
 // SPDX-License-Identifier: MIT
 #include "engine/output_layer.h"
 
-#include "platform/conversions.h"
+#include "engine/basUtil.h"
 #include "platform/shapefile_writer.h"
+
+#include <algorithm>
 
 namespace kestrel {
 
+using platform::Field;
+using platform::FieldType;
 using platform::Value;
+
+namespace {
+
+/// Whether a shapefile could not tell the two names apart.
+bool same_name(const std::string& a, const std::string& b) {
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+    return a.size() == b.size() &&
+           std::equal(a.begin(), a.end(), b.begin(), [&](char x, char y) { return lower(x) == lower(y); });
+}
+
+/// Gives the field the width of its source, or more where a value needs it.
+void set_width(Field& field, const ZoneGroups& groups) {
+    std::size_t widest = 1;
+    for (std::size_t i = 0; i < groups.count(); ++i) {
+        widest = std::max(widest, groups.text(i).size());
+    }
+    if (field.type == FieldType::text) {
+        field.length = std::clamp(std::max(field.length, static_cast<int>(widest)), 1, 254);
+        return;
+    }
+    const int usual = field.type == FieldType::big_integer ? 18 : 9;
+    field.length = std::max(field.length > 0 && field.length <= 18 ? field.length : usual, static_cast<int>(widest));
+    field.precision = field.length;
+    field.scale = 0;
+}
+
+}  // namespace
+
+std::vector<Field> output_area_fields(const std::string& units) {
+    const bool feet = units == "Feet";
+    const auto create = basUtil::CreateFields;
+    return {
+        create(feet ? "TotAcres" : "TotHects", feet ? "TotalAcres" : "TotalHectares", FieldType::real, 18, 18, 6),
+        create(feet ? "TotISAcr" : "TotISHec", feet ? "TotalISAcres" : "TotalISHectares", FieldType::real, 18, 18, 6),
+        create("pctIS", "pctIS", FieldType::real, 10, 10, 2), create("Complete", "Complete", FieldType::text, 1, 0, 0)};
+}
+
+Field output_analysis_field(Field source, const ZoneGroups& groups, std::span<const Field> table,
+                            const std::string& units) {
+    source.alias = source.name;
+    set_width(source, groups);
+    source.name = basUtil::stored_field_name(source.name, table);
+    const std::vector<Field> others = output_area_fields(units);
+    if (std::any_of(others.begin(), others.end(), [&](const Field& f) { return same_name(f.name, source.name); })) {
+        source.name = source.name.substr(0, 8) + "_0";
+    }
+    return source;
+}
 
 std::vector<Value> OutputLayer::values(std::size_t i) const {
     return {groups->value(i), total_area[i], impervious_area[i], percent[i], std::string(complete[i] ? "Y" : "N")};

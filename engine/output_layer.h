@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -36,6 +37,16 @@ struct OutputLayer {
     /// Writes the shapefile.
     void write(const std::string& path) const;
 };
+
+/// The fields of total area, impervious area, percentage and completeness, named after the units: acres for "Feet",
+/// hectares for all others.
+std::vector<platform::Field> output_area_fields(const std::string& units);
+
+/// The analysis field as the output holds it: the source's type and width, wide enough for every value, under a name
+/// that fits a shapefile and that none of output_area_fields() has.
+/// \param table the fields of the analysis layer.
+platform::Field output_analysis_field(platform::Field source, const ZoneGroups& groups,
+                                      std::span<const platform::Field> table, const std::string& units);
 
 /// The legend of every output: three classes on the percentage of impervious surface.
 platform::ClassBreaksRenderer output_legend();

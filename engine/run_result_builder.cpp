@@ -106,6 +106,11 @@ void keep_working_data(ModelRun& run, const std::string& folder) {
     for (const platform::Table& table : run.result.zone_tables) {
         platform::write_dbf(table, platform::join_path(folder, table.name() + ".dbf"));
     }
+    if (run.selected) {
+        for (const std::string& member : platform::shapefile_members(run.selected->source().path)) {
+            platform::copy_file(member, platform::join_path(folder, platform::file_name_of(member)));
+        }
+    }
     if (!run.zones) {
         return;
     }
