@@ -34,6 +34,12 @@ Field area_field(const std::string& name) {
     return basUtil::CreateFields(name, name, FieldType::real, 18, 18, 6);
 }
 
+/// The zone field's name where it cannot be taken for another column of the table.
+std::string key_name(const std::string& zone_field) {
+    const bool taken = zone_field == "OID" || zone_field.starts_with("area-") || zone_field.starts_with("ISarea-");
+    return taken ? zone_field + "_1" : zone_field;
+}
+
 }  // namespace
 
 bool is_area_column(const Field& field) {
@@ -52,7 +58,7 @@ std::optional<Table> clsISTableFunctions::createDBF(const std::string& strName, 
         return std::nullopt;
     }
     std::vector<Field> fields{basUtil::CreateFields("OID", "OID", FieldType::oid, 4, 0, 0),
-                              basUtil::CreateFields(pFieldName, pFieldName, FieldType::text, 18, 0, 0)};
+                              basUtil::CreateFields(key_name(pFieldName), pFieldName, FieldType::text, 18, 0, 0)};
     for (std::size_t column = 0; fields.size() + 1 < pFieldCount; ++column) {
         const std::string value = class_value(tTable.field_name(column));
         fields.push_back(area_field("area-" + value));
@@ -88,10 +94,10 @@ std::optional<Table> clsISTableFunctions::SumTable(const Table& TableName, const
 }
 
 std::optional<Table> clsISTableFunctions::CopyTableFormat(const Table& source, const std::string& name,
-                                                          const std::string& key_name) try {
+                                                          const std::string& zone_field) try {
     std::vector<Field> fields = source.fields();
-    fields.at(1).name = key_name;
-    fields.at(1).alias = key_name;
+    fields.at(1).name = key_name(zone_field);
+    fields.at(1).alias = zone_field;
     return Table(name, std::move(fields));
 } catch (...) {
     return reported<std::optional<Table>>({"CopyTableFormat", kModule});

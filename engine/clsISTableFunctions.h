@@ -21,6 +21,7 @@ class clsISTableFunctions {
     explicit clsISTableFunctions(std::string extension_folder) : m_extension_folder(std::move(extension_folder)) {}
 
     /// A new, empty area table with a pair of columns for every class column of the tabulation.
+    /// \param pFieldName name of the key field; one that another column has gets "_1" behind it.
     /// \param pFieldCount fields to create: object id, zone field, and two for every class.
     /// \return nothing when the folder "temp" is missing, which is shown, or after a reported failure.
     std::optional<platform::Table> createDBF(const std::string& strName, const std::string& pFieldName,
@@ -33,9 +34,9 @@ class clsISTableFunctions {
     std::optional<platform::Table> SumTable(const platform::Table& TableName, const std::string& FieldName,
                                             const std::string& OldFldName);
 
-    /// A new, empty table with the fields of `source`, its key field named `key_name`.
+    /// A new, empty table with the fields of `source`, its key field named after `zone_field`.
     std::optional<platform::Table> CopyTableFormat(const platform::Table& source, const std::string& name,
-                                                   const std::string& key_name);
+                                                   const std::string& zone_field);
 
     /// Whether `text` equals an element of `list` from position 1 on; position 0 is never compared.
     bool bCheck(const std::string& text, std::span<const std::string> list);
