@@ -105,6 +105,9 @@ std::optional<Table> clsISGetLCArea::isGetLCArea(const std::string& pWorkspace, 
 
 /// Enables the host's raster analysis; a host without it cannot count.
 bool clsISGetLCArea::SwitchOnRasterAnalysis() {
+    if (m_application == nullptr) {
+        throw platform::RuntimeError(platform::kObjectVariableNotSet, "The area engine has not been initialised");
+    }
     platform::IExtensionConfig* extension = m_application->find_extension(platform::kRasterAnalysisExtension);
     if (extension == nullptr) {
         return false;
@@ -125,8 +128,10 @@ std::optional<Tabulation> clsISGetLCArea::TabulateAreas(const AreaTheme& Analysi
             ConvertShapeToRaster(AnalysisTheme, lcTheme.source());
         }
     } catch (const platform::RuntimeError& error) {
-        platform::interaction().message_box(engine_texts::area_calculation_failed());
-        platform::interaction().notice(error.description());
+        if (!m_application->progress().cancelled()) {
+            platform::interaction().message_box(engine_texts::area_calculation_failed());
+            platform::interaction().notice(error.description());
+        }
         return std::nullopt;
     }
     return AnalysisTheme.scenario ? m_counts->inside(*AnalysisTheme.scenario) : m_counts->whole();
