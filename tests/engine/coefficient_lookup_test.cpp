@@ -1,0 +1,94 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "engine/coefficient_lookup.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/scripted_interaction.h"
+
+namespace kestrel {
+namespace {
+
+TextList list_of(std::initializer_list<const char*> texts) {
+    TextList list;
+    for (const char* text : texts) {
+        list.Add(text);
+    }
+    return list;
+}
+
+LandClassDictionary classes() {
+    LandClassDictionary result;
+    result.add("2", list_of({"Developed", "90", "80.5", "70"}));
+    result.add("5", list_of({"Grassland", "3", "a few", "1"}));
+    result.add("7", list_of({"Roads", "100"}));
+    result.add("9", list_of({"Barren", "-9999", "0", "1e2"}));
+    return result;
+}
+
+double coefficient(const char* option, const char* code, const char* key) {
+    const LandClassDictionary known = classes();
+    return CoefficientLookup(option, known).coefficient(code, key);
+}
+
+TEST(CoefficientLookup, OptionsZeroOneAndTwoAreHighMediumAndLowInEveryZone) {
+    EXPECT_EQ(coefficient("0", "2", "12#3"), 90);
+    EXPECT_EQ(coefficient("1", "2", "12#3"), 80.5);
+    EXPECT_EQ(coefficient("2", "2", "12#1"), 70);
+}
+
+TEST(CoefficientLookup, OptionThreeGoesByTheKeysLastDigit) {
+    EXPECT_EQ(coefficient("3", "2", "12#1"), 90);
+    EXPECT_EQ(coefficient("3", "2", "12#2"), 80.5);
+    EXPECT_EQ(coefficient("3", "2", "12#3"), 70);
+}
+
+TEST(CoefficientLookup, OptionsAreComparedAsTexts) {
+    EXPECT_EQ(coefficient("4", "2", "12#2"), 80.5);
+    EXPECT_EQ(coefficient("20", "2", "12#2"), -9999);
+}
+
+TEST(CoefficientLookup, AClassThatTheSetLacksHasNone) {
+    EXPECT_EQ(coefficient("0", "3", "12"), -9999);
+    EXPECT_EQ(coefficient("0", "02", "12"), -9999);
+}
+
+TEST(CoefficientLookup, APositionThatTheEntryLacksHasNone) {
+    EXPECT_EQ(coefficient("0", "7", "12"), 100);
+    EXPECT_EQ(coefficient("1", "7", "12"), -9999);
+    EXPECT_EQ(coefficient("3", "2", "12#9"), -9999);
+}
+
+TEST(CoefficientLookup, WhatIsNoNumberIsNoCoefficient) {
+    EXPECT_EQ(coefficient("1", "5", "12"), -9999);
+    EXPECT_EQ(coefficient("3", "2", "twelve"), -9999);
+    EXPECT_EQ(coefficient("3", "2", ""), -9999);
+    EXPECT_EQ(coefficient("", "2", "12"), -9999);
+}
+
+TEST(CoefficientLookup, TheDigitZeroNamesTheClassNameWhichIsNoNumber) {
+    EXPECT_EQ(coefficient("3", "2", "10"), -9999);
+}
+
+TEST(CoefficientLookup, AStoredMinus9999IsTakenForNone) {
+    EXPECT_EQ(coefficient("0", "9", "12"), -9999);
+    EXPECT_EQ(coefficient("1", "9", "12"), 0);
+    EXPECT_EQ(coefficient("2", "9", "12"), 100);
+}
+
+TEST(CoefficientLookup, FailuresAreNeverReported) {
+    const test::ScriptedInteraction said;
+    coefficient("1", "5", "12");
+    coefficient("3", "2", "");
+    EXPECT_TRUE(said.call_stacks.empty());
+    EXPECT_TRUE(said.boxes.empty());
+}
+
+TEST(CoefficientLookup, AMissingClassLeavesNoEntryBehind) {
+    const LandClassDictionary known = classes();
+    CoefficientLookup("0", known).coefficient("3", "12");
+    EXPECT_EQ(known.size(), 4U);
+}
+
+}  // namespace
+}  // namespace kestrel
