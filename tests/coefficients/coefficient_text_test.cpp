@@ -234,6 +234,7 @@ std::vector<BadFile> bad_formats() {
             {"QuotedHeader", "\"Value\",\"ClassName\",\"High\",\"Medium\",\"Low\"", kFault},
             {"MisspeltHeader", "Values,ClassName,High,Medium,Low", kFault},
             {"ShortHeader", "Val,ClassName,High,Medium,Low", kFault},
+            {"HeaderAfterATab", "\tValue,ClassName,High,Medium,Low", kFault},
             {"HeaderWithABlank", "Value ,ClassName,High,Medium,Low", kFault},
             {"ApostropheInThousands", "1'100,Water,1,2,3", kFault},
             {"SpaceInThousands", "1 100,Water,1,2,3", kFault},
