@@ -1,0 +1,89 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+//
+// The units that a run spends its time in: the sweep, counting under spans, dissolving, checking polygons.
+#include <benchmark/benchmark.h>
+
+#include <random>
+
+#include "platform/cell_runs.h"
+#include "platform/edge_cancelling.h"
+#include "platform/edge_sweep.h"
+#include "platform/geometry.h"
+#include "platform/piece_counter.h"
+#include "platform/polygon_check.h"
+#include "platform/row_spans.h"
+#include "tests/support/exact_reference.h"
+
+namespace {
+
+using namespace kestrel::platform;
+
+const Grid kGrid{.x0 = 0, .y0 = 2048, .dx = 1, .dy = -1, .columns = 2048, .rows = 2048};
+
+PolygonSet coverage(int side) {
+    std::mt19937 random(1);
+    return kestrel::test::coverage(random, kGrid, side, side);
+}
+
+/// Cells in runs of about the given length.
+std::vector<std::uint8_t> patches(int length) {
+    std::mt19937 random(2);
+    std::vector<std::uint8_t> cells;
+    while (cells.size() < (1U << 20)) {
+        const auto run = static_cast<std::size_t>(std::geometric_distribution<int>(1.0 / length)(random) + 1);
+        cells.insert(cells.end(), run, static_cast<std::uint8_t>(random() % 16));
+    }
+    return cells;
+}
+
+void SweepSpans(benchmark::State& state) {
+    const PolygonSet polygons = coverage(static_cast<int>(state.range(0)));
+    const EdgeSweep sweep(polygons, kGrid, 256);
+    EdgeSweep::Scratch scratch;
+    std::vector<std::vector<RowSpan>> rows;
+    for (auto _ : state) {
+        for (int band = 0; band < sweep.band_count(); ++band) {
+            sweep.spans(band, scratch, rows);
+            benchmark::DoNotOptimize(rows.data());
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * kGrid.rows);
+}
+BENCHMARK(SweepSpans)->Arg(8)->Arg(64);
+
+void CountRuns(benchmark::State& state) {
+    const auto cells = patches(static_cast<int>(state.range(0)));
+    PieceCounter counter;
+    const std::size_t piece = counter.piece(0, kNoOverlay, 0);
+    for (auto _ : state) {
+        for_each_run(cells.data(), 0, cells.size(),
+                     [&](std::uint8_t value, std::size_t count) { counter.add(piece, value, count); });
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(cells.size()));
+}
+BENCHMARK(CountRuns)->Arg(2)->Arg(12)->Arg(100);
+
+void DissolveByCancelling(benchmark::State& state) {
+    const PolygonSet polygons = coverage(static_cast<int>(state.range(0)));
+    const std::vector<std::uint32_t> one_group(polygons.feature_count(), 0);
+    NoProgress nobody;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(dissolve(polygons, one_group, 1, nobody, 1));
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(polygons.point_count()));
+}
+BENCHMARK(DissolveByCancelling)->Arg(8)->Arg(64);
+
+void CheckValidity(benchmark::State& state) {
+    const PolygonSet polygons = coverage(64);
+    for (auto _ : state) {
+        for (std::size_t f = 0; f < polygons.feature_count(); ++f) {
+            benchmark::DoNotOptimize(certainly_valid(polygons, f));
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(polygons.feature_count()));
+}
+BENCHMARK(CheckValidity);
+
+}  // namespace
