@@ -133,8 +133,8 @@ bool clsISExecuteModel::prepare(const std::string& pFileName) {
     const PolygonLayer* density = nullptr;
     std::optional<clsPopulationDensity> density_stage;
     if (run.option == "3") {
-        density_stage.emplace(run.map(), run.analysis, run.analysis_fields, run.density_theme, run.density_field,
-                              run.density_high, run.density_low);
+        density_stage.emplace(run.map(), run.analysis, run.density_theme, run.density_field, run.density_high,
+                              run.density_low);
         if (!density_stage->DensityCalculation()) {
             if (!run.cancelled()) {
                 platform::interaction().message_box(engine_texts::density_failed());
@@ -206,8 +206,8 @@ bool clsISExecuteModel::DissolveAnalysisLayer(const std::string& shpPath, const 
     ModelRun& run = *m_run;
     run.result.layer_name = LayerName;
     StageProgress progress(run.app.progress(), kDissolveBegins, kDissolveEnds);
-    run.output.polygons =
-        platform::dissolve(run.analysis.polygons, run.groups.group_of(), run.groups.count(), progress);
+    run.output.polygons = platform::dissolve(*run.analysis.polygons, run.groups.group_of(), run.groups.count(),
+                                             progress, m_options.threads);
     if (run.cancelled()) {
         return false;
     }

@@ -145,12 +145,10 @@ platform::RasterDataset clsISGetLCArea::OpenRasterDataset(const std::string& sou
 void clsISGetLCArea::ConvertShapeToRaster(const AreaTheme& AnalysisTheme, const std::string& source) {
     const platform::RasterDataset raster = OpenRasterDataset(source);
     const RunZones& zones = *AnalysisTheme.zones;
-    platform::TabulationInput input{.zones = &zones.zones};
-    if (zones.by_density) {
-        input.overlay = &zones.density;
-    }
-    for (const platform::PolygonSet& scenario : zones.scenarios) {
-        input.scenarios.push_back(&scenario);
+    platform::TabulationInput input{.zones = zones.zones.get()};
+    input.overlay = zones.density.get();
+    for (const platform::SharedPolygons& scenario : zones.scenarios) {
+        input.scenarios.push_back(scenario.get());
     }
     StageProgress progress(m_application->progress(), kPassBegins, kPassEnds);
     m_counts.emplace(platform::tabulate(raster, input, m_threads, progress), zones.keys, raster.grid().cell_area());

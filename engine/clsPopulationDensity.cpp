@@ -31,22 +31,6 @@ FeatureClass density_source(const platform::Map& map, const std::string& name) {
     return layer->feature_class();
 }
 
-/// The field of the intersection that holds the density: the name with "_1", which a field gets whose name both layers
-/// have, before the plain name.
-const basUtil::IntersectedField* density_field(const std::vector<basUtil::IntersectedField>& fields,
-                                               const std::string& name) {
-    const basUtil::IntersectedField* plain = nullptr;
-    for (const auto& field : fields) {
-        if (field.from_overlay && field.field.name == name + "_1") {
-            return &field;
-        }
-        if (field.field.name == name && (plain == nullptr || field.from_overlay)) {
-            plain = &field;
-        }
-    }
-    return plain;
-}
-
 }  // namespace
 
 std::uint8_t density_class(double density, const std::string& high, const std::string& low) {
@@ -61,12 +45,10 @@ std::string density_zone_key(const std::string& analysis_value, std::uint8_t dig
 }
 
 clsPopulationDensity::clsPopulationDensity(const platform::Map& pMap, const PolygonLayer& analysis,
-                                           std::vector<Field> analysis_fields, std::string PopDensityTheme,
-                                           std::string PopDensityFldName, std::string PopDensityHigh,
-                                           std::string PopDensityLow)
+                                           std::string PopDensityTheme, std::string PopDensityFldName,
+                                           std::string PopDensityHigh, std::string PopDensityLow)
     : m_map(pMap),
       m_analysis(analysis),
-      m_analysis_fields(std::move(analysis_fields)),
       m_density_layer(std::move(PopDensityTheme)),
       m_density_field(std::move(PopDensityFldName)),
       m_high(std::move(PopDensityHigh)),
@@ -78,11 +60,13 @@ bool clsPopulationDensity::DensityCalculation() try {
     if (reference.known() && m_analysis.reference.known() && !reference.same_name(m_analysis.reference)) {
         return false;
     }
-    m_intersection.density = read_polygon_layer(density, m_density_layer, {});
+    // In an intersection a field whose name both layers have would be called by that name and "_1"; either way it is
+    // the density layer's own.
+    m_intersection.density = read_polygon_layer(density, m_density_layer, m_density_field);
     if (!overlaps()) {
         return false;
     }
-    for (const Value& value : density_values(density)) {
+    for (const Value& value : m_intersection.density.values) {
         m_intersection.class_digits.push_back(density_class(platform::number_of(value), m_high, m_low));
     }
     const std::string& name = m_analysis.field.name;
@@ -93,22 +77,9 @@ bool clsPopulationDensity::DensityCalculation() try {
     return reported<bool>({"DensityCalculation", kModule});
 }
 
-/// The density of every density polygon.
-std::vector<Value> clsPopulationDensity::density_values(const FeatureClass& density) {
-    const auto fields = basUtil::intersected_fields(m_analysis_fields, density.fields());
-    const basUtil::IntersectedField* field = density_field(fields, m_density_field);
-    if (field == nullptr || !field->from_overlay) {
-        throw platform::RuntimeError(
-            platform::kInvalidProcedureCall,
-            fmt::format("The population density layer \"{}\" has no field \"{}\"", m_density_layer, m_density_field));
-    }
-    const std::string name = density.fields()[static_cast<std::size_t>(field->position)].name;
-    return std::move(density.read_columns(std::vector{name}).front());
-}
-
 bool clsPopulationDensity::overlaps() const {
     bool any = false;
-    platform::intersect(m_analysis.polygons, m_intersection.density.polygons,
+    platform::intersect(*m_analysis.polygons, *m_intersection.density.polygons,
                         [&](std::size_t, std::size_t, const platform::PolygonSet&) {
                             any = true;
                             return false;  // one piece is enough

@@ -29,11 +29,9 @@ struct DensityIntersection {
 class clsPopulationDensity {
   public:
     /// \param analysis the analysis features, with their values.
-    /// \param analysis_fields all fields of the analysis layer.
     /// \param pMap holds the density layer.
     /// \param PopDensityHigh, PopDensityLow the cut-offs, as typed.
-    clsPopulationDensity(const platform::Map& pMap, const PolygonLayer& analysis,
-                         std::vector<platform::Field> analysis_fields, std::string PopDensityTheme,
+    clsPopulationDensity(const platform::Map& pMap, const PolygonLayer& analysis, std::string PopDensityTheme,
                          std::string PopDensityFldName, std::string PopDensityHigh, std::string PopDensityLow);
 
     /// Runs the preparation. \return false when the systems differ by name, nothing overlaps, or after a reported
@@ -51,12 +49,10 @@ class clsPopulationDensity {
     const std::string& OldAnalysisFldName() const { return m_analysis.field.name; }
 
   private:
-    std::vector<platform::Value> density_values(const platform::FeatureClass& density);
     bool overlaps() const;
 
     const platform::Map& m_map;
     const PolygonLayer& m_analysis;
-    std::vector<platform::Field> m_analysis_fields;
     std::string m_density_layer;
     std::string m_density_field;
     std::string m_high;

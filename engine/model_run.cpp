@@ -169,7 +169,6 @@ void lay_out_zones(ModelRun& run, const PolygonLayer* density) {
     const SpatialReference target = run.raster ? run.raster->spatial_reference() : run.analysis.reference;
     RunZones zones{.zones = polygons_in(run.analysis, target, run.land_cover_theme),
                    .density = {},
-                   .by_density = density != nullptr,
                    .scenarios = {},
                    .keys = density != nullptr ? ZoneKeys(run.groups, run.density_digits) : ZoneKeys(run.groups)};
     if (density != nullptr) {

@@ -13,6 +13,7 @@ namespace kestrel {
 
 using platform::FeatureClass;
 using platform::PolygonSet;
+using platform::SharedPolygons;
 using platform::SpatialReference;
 
 PolygonLayer read_polygon_layer(const FeatureClass& source, const std::string& layer_name,
@@ -31,25 +32,26 @@ PolygonLayer read_polygon_layer(const FeatureClass& source, const std::string& l
         wanted.push_back(field_name);
     }
     platform::PolygonFeatures features = source.read_polygons(wanted);
-    layer.polygons = std::move(features.polygons);
     if (!features.columns.empty()) {
         layer.values = std::move(features.columns.front());
     }
-    const std::size_t repaired = platform::repair(layer.polygons);
+    const std::size_t repaired = platform::repair(features.polygons);
     if (repaired > 0) {
         platform::interaction().notice(engine_texts::repaired_polygons(repaired, layer_name));
     }
+    layer.polygons = std::make_shared<const PolygonSet>(std::move(features.polygons));
     return layer;
 }
 
-PolygonSet polygons_in(const PolygonLayer& layer, const SpatialReference& target, const std::string& target_name) {
-    PolygonSet polygons = layer.polygons;
+SharedPolygons polygons_in(const PolygonLayer& layer, const SpatialReference& target, const std::string& target_name) {
     if (layer.reference.known() != target.known()) {
         platform::interaction().notice(engine_texts::missing_system(layer.name, layer.reference.known(), target_name));
     } else if (layer.reference.known() && !layer.reference.same(target)) {
-        project(polygons, layer.reference, target);
+        PolygonSet moved = *layer.polygons;
+        project(moved, layer.reference, target);
+        return std::make_shared<const PolygonSet>(std::move(moved));
     }
-    return polygons;
+    return layer.polygons;
 }
 
 }  // namespace kestrel

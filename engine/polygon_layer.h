@@ -21,7 +21,7 @@ struct PolygonLayer {
     /// The name that the user knows.
     std::string name;
     platform::SpatialReference reference;
-    platform::PolygonSet polygons;
+    platform::SharedPolygons polygons;
     /// The field that was asked for, as the source defines it; without a name when none was.
     platform::Field field;
     /// Its value for every feature; empty when no field was asked for.
@@ -35,10 +35,10 @@ struct PolygonLayer {
 PolygonLayer read_polygon_layer(const platform::FeatureClass& source, const std::string& layer_name,
                                 const std::string& field_name);
 
-/// The polygons of `layer` in the coordinate system `target`. A coordinate system that is missing on one side is taken
-/// as the other's, which draws a notice.
-/// \param target_name what the notice calls the other side.
-platform::PolygonSet polygons_in(const PolygonLayer& layer, const platform::SpatialReference& target,
-                                 const std::string& target_name);
+/// The polygons of `layer` in the coordinate system `target`: its own ones where nothing has to be projected. A
+/// coordinate system that is missing on one side is taken as the other's, which draws a notice. \param target_name what
+/// the notice calls the other side.
+platform::SharedPolygons polygons_in(const PolygonLayer& layer, const platform::SpatialReference& target,
+                                     const std::string& target_name);
 
 }  // namespace kestrel

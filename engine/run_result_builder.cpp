@@ -46,7 +46,7 @@ void add_flags(const ModelRun& run, const ZoneCounts& counts, std::vector<ZoneRe
     for (std::size_t i = 0; i < run.groups.group_of().size(); ++i) {
         ZoneResult& zone = zones[run.groups.group_of()[i]];
         zone.touches_nodata = zone.touches_nodata || counts.touches_nodata[i] != 0;
-        zone.beyond_raster = zone.beyond_raster || !extent.contains(run.zones->zones.envelope(i));
+        zone.beyond_raster = zone.beyond_raster || !extent.contains(run.zones->zones->envelope(i));
     }
 }
 
@@ -68,7 +68,7 @@ void keep_scenario(const ModelRun& run, std::uint32_t position, const std::strin
     const std::vector<platform::Field> fields{
         basUtil::CreateFields("analyfld", "analyfld", platform::FieldType::text, 254, 0, 0)};
     platform::ShapefileWriter writer(path, fields, run.raster->spatial_reference());
-    platform::intersect(run.zones->zones, run.zones->scenarios[position],
+    platform::intersect(*run.zones->zones, *run.zones->scenarios[position],
                         [&](std::size_t zone, std::size_t, const platform::PolygonSet& piece) {
                             const platform::Value key = run.groups.text(run.groups.group_of()[zone]);
                             writer.insert(piece, 0, std::span(&key, 1));
@@ -122,7 +122,7 @@ void keep_working_data(ModelRun& run, const std::string& folder) {
     }
     const auto density =
         std::dynamic_pointer_cast<platform::FeatureLayer>(basUtil::FindLayer(run.density_theme, run.map()));
-    if (run.zones->by_density && density) {
+    if (run.zones->density && density) {
         const platform::FeatureClass zones = run.selected ? *run.selected : run.analysis_layer->feature_class();
         const platform::FeatureClass cut_by = density->feature_class();
         basUtil::Intersect(&zones, &cut_by, "popIntersect", folder);

@@ -11,12 +11,11 @@ namespace kestrel {
 
 /// Everything that one pass over the land cover looks at, in the land cover's coordinate system.
 struct RunZones {
-    platform::PolygonSet zones;
-    /// The population density polygons; empty without the per-zone option.
-    platform::PolygonSet density;
-    bool by_density = false;
+    platform::SharedPolygons zones;
+    /// The population density polygons; nothing without the per-zone option.
+    platform::SharedPolygons density;
     /// The development scenarios that can be laid over the zones.
-    std::vector<platform::PolygonSet> scenarios;
+    std::vector<platform::SharedPolygons> scenarios;
     ZoneKeys keys;
 };
 

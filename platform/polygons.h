@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <limits>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -107,5 +108,8 @@ class PolygonSet {
     std::vector<std::size_t> m_rings;     // first point of each ring
     std::vector<Point> m_points;
 };
+
+/// Polygons that several hold and nobody changes: layers can be large.
+using SharedPolygons = std::shared_ptr<const PolygonSet>;
 
 }  // namespace kestrel::platform

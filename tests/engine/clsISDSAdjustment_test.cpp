@@ -41,10 +41,9 @@ class Adjustment : public testing::Test {
     }
     void lay_out(const std::string& cells, const std::vector<Box>& scenario) {
         world.land_cover(cells);
-        zones = RunZones{.zones = test::polygons_of({{{Box{0, 0, 100, 100}}}}, world.cell),
+        zones = RunZones{.zones = test::shared_polygons_of({{{Box{0, 0, 100, 100}}}}, world.cell),
                          .density = {},
-                         .by_density = false,
-                         .scenarios = {test::polygons_of({Shape{scenario}}, world.cell)},
+                         .scenarios = {test::shared_polygons_of({Shape{scenario}}, world.cell)},
                          .keys = ZoneKeys(groups)};
         theme = {.name = "plans", .same_projection = true, .position = 0, .failure = {}};
     }
@@ -59,7 +58,6 @@ class Adjustment : public testing::Test {
                                       .land_cover = &cover,
                                       .units = "Meters",
                                       .option = option,
-                                      .by_density = false,
                                       .areas = &engine_for(option)});
         return adjustment.isDSAdjustment(std::move(table), theme, "SHED", target, "2dsZone", "2dsarea", "2dsInt",
                                          classes);

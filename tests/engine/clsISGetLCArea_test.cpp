@@ -43,9 +43,8 @@ class LandCoverAreas : public testing::Test {
     void zones(const std::vector<Shape>& shapes, const std::vector<Value>& values,
                const std::vector<Shape>& density = {}, std::vector<std::uint8_t> digits = {}) {
         groups = ZoneGroups(values);
-        run_zones = RunZones{.zones = test::polygons_of(shapes, world.cell),
-                             .density = test::polygons_of(density, world.cell),
-                             .by_density = !digits.empty(),
+        run_zones = RunZones{.zones = test::shared_polygons_of(shapes, world.cell),
+                             .density = digits.empty() ? nullptr : test::shared_polygons_of(density, world.cell),
                              .scenarios = {},
                              .keys = digits.empty() ? ZoneKeys(groups) : ZoneKeys(groups, digits)};
     }
@@ -58,8 +57,8 @@ class LandCoverAreas : public testing::Test {
         const LandClassDictionary known = classes();
         AreaTheme theme{.name = "sheds", .fields = fields, .zones = &*run_zones};
         const platform::HeadlessRasterLayer cover("cover", world.folder / "cover.tif");
-        return engine.isGetLCArea(world.extension.path(), theme, cover, "Value", zone_field, run_zones->by_density,
-                                  units, known, "tmpZone", "areaTemp");
+        return engine.isGetLCArea(world.extension.path(), theme, cover, "Value", zone_field,
+                                  run_zones->density != nullptr, units, known, "tmpZone", "areaTemp");
     }
     static double number(const Table& table, const std::string& key, const std::string& column) {
         return table.number(table.find_row(key).value(), table.find_field(column));

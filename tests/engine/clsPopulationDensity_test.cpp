@@ -63,7 +63,7 @@ class PopulationDensity : public testing::Test {
                                  const std::string& low = "200") {
         const FeatureClass source = FeatureClass::open({.path = world.folder / "sheds.shp"});
         analysis = read_polygon_layer(source, "sheds", "ID");
-        return {world.application.map(), analysis, source.fields(), "blocks", field, high, low};
+        return {world.application.map(), analysis, "blocks", field, high, low};
     }
 
     test::SmallWorld world;
@@ -80,12 +80,21 @@ TEST_F(PopulationDensity, EveryDensityPolygonGetsItsDigit) {
     EXPECT_EQ(stage.NewAnalysisTheme().density.name, "blocks");
 }
 
+TEST_F(PopulationDensity, TheChosenFieldCountsAlsoWhereTheDensityLayerHasAnotherOneWithASuffix) {
+    sheds();
+    world.layer("blocks", {test::real_field("POP_1"), test::real_field("POP")},
+                {{{Box{0, 0, 1, 2}}, {1.0, 1000.0}}, {{Box{1, 0, 4, 2}}, {5000.0, 100.0}}});
+    clsPopulationDensity stage = density("POP");
+    ASSERT_TRUE(stage.DensityCalculation());
+    EXPECT_THAT(stage.NewAnalysisTheme().class_digits, ElementsAre(1, 3));
+}
+
 TEST_F(PopulationDensity, TheNewFieldIsNamedAfterTheAnalysisField) {
     world.layer("sheds", {test::text_field("WATERSHED", 12)}, {{{Box{0, 0, 2, 2}}, {"a"}}});
     world.layer("blocks", {test::real_field("POP")}, {{{Box{0, 0, 1, 2}}, {1000.0}}});
     const FeatureClass source = FeatureClass::open({.path = world.folder / "sheds.shp"});
     analysis = read_polygon_layer(source, "sheds", "WATERSHED");
-    clsPopulationDensity stage(world.application.map(), analysis, source.fields(), "blocks", "POP", "1000", "200");
+    clsPopulationDensity stage(world.application.map(), analysis, "blocks", "POP", "1000", "200");
     ASSERT_TRUE(stage.DensityCalculation());
     EXPECT_EQ(stage.NewAnalysisFieldName(), "new_WATERS");
     EXPECT_EQ(stage.NewAliasName(), "new_WATERS");

@@ -32,7 +32,7 @@ TEST(PolygonLayer, HoldsTheFieldThatWasAskedFor) {
     EXPECT_EQ(layer.name, "Sheds");
     EXPECT_EQ(layer.field.name, "NAME");
     EXPECT_THAT(layer.values, ElementsAre(Value("a"), Value("b")));
-    EXPECT_DOUBLE_EQ(layer.polygons.area(1), 20000);
+    EXPECT_DOUBLE_EQ(layer.polygons->area(1), 20000);
     EXPECT_THAT(world.said.notices, IsEmpty());
 }
 
@@ -59,23 +59,23 @@ TEST(PolygonLayer, InvalidPolygonsAreRepairedAndCounted) {
     const FeatureClass sheds = FeatureClass::open({.path = world.folder / "sheds.shp"});
     const PolygonLayer layer = read_polygon_layer(sheds, "Sheds", "ID");
     EXPECT_THAT(world.said.notices, ElementsAre("1 invalid polygon in the layer \"Sheds\" was repaired before use."));
-    EXPECT_LE(layer.polygons.area(0), 30000);
+    EXPECT_LE(layer.polygons->area(0), 30000);
 }
 
 TEST(PolygonLayer, InItsOwnSystemStaysAsItIs) {
     test::SmallWorld world;
     const PolygonLayer layer = read_polygon_layer(source(world), "Sheds", "ID");
     const auto polygons = polygons_in(layer, SpatialReference::from("EPSG:26912"), "cover");
-    EXPECT_THAT(polygons.points(), testing::ElementsAreArray(layer.polygons.points()));
+    EXPECT_THAT(polygons->points(), testing::ElementsAreArray(layer.polygons->points()));
 }
 
 TEST(PolygonLayer, InAnotherSystemIsProjectedVertexByVertex) {
     test::SmallWorld world;
     const PolygonLayer layer = read_polygon_layer(source(world), "Sheds", "ID");
     const auto polygons = polygons_in(layer, SpatialReference::from("EPSG:4269"), "cover");
-    EXPECT_EQ(polygons.point_count(), layer.polygons.point_count());
-    EXPECT_NEAR(polygons.envelope().min_x, -113.2, 0.2);
-    EXPECT_NEAR(polygons.envelope().min_y, 37.0, 0.2);
+    EXPECT_EQ(polygons->point_count(), layer.polygons->point_count());
+    EXPECT_NEAR(polygons->envelope().min_x, -113.2, 0.2);
+    EXPECT_NEAR(polygons->envelope().min_y, 37.0, 0.2);
     EXPECT_THAT(world.said.notices, IsEmpty());
 }
 
@@ -83,7 +83,7 @@ TEST(PolygonLayer, WithoutASystemIsTakenToBeInTheOthers) {
     test::SmallWorld world;
     const PolygonLayer layer = read_polygon_layer(source(world, ""), "Sheds", "ID");
     const auto polygons = polygons_in(layer, SpatialReference::from("EPSG:4269"), "cover");
-    EXPECT_THAT(polygons.points(), testing::ElementsAreArray(layer.polygons.points()));
+    EXPECT_THAT(polygons->points(), testing::ElementsAreArray(layer.polygons->points()));
     EXPECT_THAT(world.said.notices,
                 ElementsAre("\"Sheds\" names no coordinate system: that of \"cover\" is taken for it."));
 }
@@ -92,7 +92,7 @@ TEST(PolygonLayer, ATargetWithoutASystemIsTakenToBeInTheLayers) {
     test::SmallWorld world;
     const PolygonLayer layer = read_polygon_layer(source(world), "Sheds", "ID");
     const auto polygons = polygons_in(layer, SpatialReference(), "cover");
-    EXPECT_THAT(polygons.points(), testing::ElementsAreArray(layer.polygons.points()));
+    EXPECT_THAT(polygons->points(), testing::ElementsAreArray(layer.polygons->points()));
     EXPECT_THAT(world.said.notices,
                 ElementsAre("\"cover\" names no coordinate system: that of \"Sheds\" is taken for it."));
 }

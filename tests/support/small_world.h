@@ -128,5 +128,9 @@ class SmallWorld {
 
 /// The rectangles in map units, a feature for each shape.
 platform::PolygonSet polygons_of(const std::vector<Shape>& shapes, double cell = 100);
+/// The same, as a run holds them.
+inline platform::SharedPolygons shared_polygons_of(const std::vector<Shape>& shapes, double cell = 100) {
+    return std::make_shared<const platform::PolygonSet>(polygons_of(shapes, cell));
+}
 
 }  // namespace kestrel::test
