@@ -14,6 +14,7 @@
 
 #include "platform/errors.h"
 #include "platform/files.h"
+#include "platform/utf8.h"
 
 namespace kestrel::platform {
 
@@ -52,7 +53,7 @@ std::size_t find_control_character(std::string_view text) {
 }
 
 void require_storable(std::string_view text, int line) {
-    if (find_control_character(text) != std::string_view::npos || to_utf8(text) != text) {
+    if (find_control_character(text) != std::string_view::npos || !valid_utf8(text)) {
         throw RuntimeError(kInvalidProcedureCall,
                            fmt::format("Invalid procedure call: \"{}\" holds a character that XML cannot hold", text),
                            "Kestrel", line);

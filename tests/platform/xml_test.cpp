@@ -89,6 +89,16 @@ TEST(XmlElement, ControlCharactersAndInvalidTextAreNotTaken) {
     EXPECT_EQ(root.xml(), "<Root/>");
 }
 
+TEST(XmlElement, LeadingByteOrderMarkIsACharacterOfTheText) {
+    XmlElement root = XmlDocument::with_root("Root").root();
+    root.append("Name", "\uFEFFTown");
+    root.set_attribute("ID", "\uFEFF21");
+    const XmlElement reread = XmlDocument::parse(root.xml()).root();
+    EXPECT_EQ(reread.node_text("Name"), "\uFEFFTown");
+    EXPECT_EQ(reread.node_text("@ID"), "\uFEFF21");
+    EXPECT_THROW(root.append("Name", "\uFEFF latin \xE9"), RuntimeError);
+}
+
 TEST(XmlElement, NoElementReadsAsEmptyAndCannotBeBuiltUpon) {
     XmlElement none;
     EXPECT_FALSE(none);
