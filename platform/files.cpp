@@ -246,11 +246,12 @@ FolderLock::FolderLock(const std::string& folder, int line) {
         if (errno != EWOULDBLOCK) {
             throw path_error(errno, path, line);
         }
-        throw RuntimeError(kPermissionDenied,
-                           fmt::format("Another run is using the extension folder \"{}\". Wait for it to end, or give "
-                                       "the command another folder with --extension-folder.",
-                                       folder),
-                           "Kestrel", line);
+        throw RuntimeError(
+            kPermissionDenied,
+            fmt::format(
+                "Another run, or another save of coefficients, is using the folder \"{}\"; try again when it has ended",
+                folder),
+            "Kestrel", line);
     }
     m_descriptor = file.release();
 }

@@ -594,9 +594,8 @@ TEST(FolderLock, ASecondHolderIsRefusedWithAClearMessage) {
     const FolderLock lock(folder.path());
     const RuntimeError error = error_of([&] { FolderLock second(folder.path()); });
     EXPECT_EQ(error.number(), 70);
-    EXPECT_EQ(error.description(), "Another run is using the extension folder \"" + folder.path() +
-                                       "\". Wait for it to end, or give the command another folder with "
-                                       "--extension-folder.");
+    EXPECT_EQ(error.description(), "Another run, or another save of coefficients, is using the folder \"" +
+                                       folder.path() + "\"; try again when it has ended");
 }
 
 TEST(FolderLock, IsFreeAgainWhenReleased) {
