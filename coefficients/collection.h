@@ -55,8 +55,8 @@ class Collection : public XmlRecord<Self> {
     }
 
     Collection() = default;
-    Collection(Collection&&) = default;
-    Collection& operator=(Collection&&) = default;
+    Collection(Collection&&) noexcept = default;
+    Collection& operator=(Collection&&) noexcept = default;
     // A copy would share its members with the original.
     Collection(const Collection&) = delete;
     Collection& operator=(const Collection&) = delete;
