@@ -222,6 +222,16 @@ TEST_F(basUtilTest, SavingAndLoadingGivesTheSameTree) {
     EXPECT_EQ(read.XML(), written.XML());
 }
 
+TEST_F(basUtilTest, NamesThatBeginWithAByteOrderMarkSaveAndLoad) {
+    clsISModelProperties written;
+    add_set(written, "\uFEFFSet", {land_class(1, "\uFEFFTown", 3, 2, 1)});
+    EXPECT_TRUE(PutISModelProperties(written, m_store));
+    clsISModelProperties read;
+    EXPECT_TRUE(GetISModelProperties(read, m_path));
+    EXPECT_EQ(read.XML(), written.XML());
+    EXPECT_TRUE(no_box_no_report());
+}
+
 TEST_F(basUtilTest, StoreOfRealDataSavesAsTheSameBytes) {
     const std::string folder = test::real_data_folder();
     if (folder.empty()) {
@@ -240,6 +250,16 @@ TEST_F(basUtilTest, SaveCopiesTheStoreThatWasThere) {
     EXPECT_TRUE(PutISModelProperties({}, m_store));
     EXPECT_EQ(read_file(m_copy), fixture("isprops_default.xml"));
     EXPECT_EQ(read_file(m_path), fixture("isprops_no_sets.xml"));
+}
+
+TEST_F(basUtilTest, StoreThatCannotBeCopiedIsNotReplaced) {
+    write_file(m_path, fixture("isprops_default.xml"));
+    platform::create_folder(m_copy);
+    EXPECT_FALSE(PutISModelProperties({}, m_store));
+    ASSERT_THAT(m_user.call_stacks, SizeIs(1));
+    EXPECT_THAT(m_user.call_stacks.front(), HasSubstr("\tPutISModelProperties basUtil Line : "));
+    EXPECT_THAT(m_user.call_stacks.front(), HasSubstr("Error Number \r\n\t75\r\n"));
+    EXPECT_EQ(read_file(m_path), fixture("isprops_default.xml"));
 }
 
 TEST_F(basUtilTest, FirstSaveMakesNoCopy) {

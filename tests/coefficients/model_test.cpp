@@ -187,6 +187,15 @@ TEST(XML, EveryClassReadsItsOwnElement) {
     EXPECT_EQ(props.XML(), kDefault);
 }
 
+TEST(XML, NameOfTheRootElementDoesNotMatter) {
+    clsISModelProperties props;
+    props.XML("<Other><ISLCDefs><ISLCDef><LCType>A</LCType></ISLCDef></ISLCDefs></Other>");
+    EXPECT_THAT(outline(props), ElementsAre("A:"));
+    clsLCClass land;
+    land.XML("<Other ID='5'><LCHigh>3</LCHigh><LCMed>2</LCMed><LCLow>1</LCLow></Other>");
+    EXPECT_EQ(land.ID, 5);
+}
+
 TEST(CreateNode, WithParentBecomesItsLastChild) {
     XmlElement parent = XmlDocument::with_root("Parent").root();
     parent.append("First");
@@ -273,6 +282,15 @@ TEST(LoadNode, TextThatIsNoNumberFailsTheWholeLoad) {
     EXPECT_EQ(refusal(store_of("<LCClass ID='1'><LCHigh>nan</LCHigh><LCMed>1</LCMed><LCLow>1</LCLow></LCClass>")), 13);
     EXPECT_EQ(
         refusal(store_of("<LCClass ID='3000000000'><LCHigh>1</LCHigh><LCMed>1</LCMed><LCLow>1</LCLow></LCClass>")), 6);
+}
+
+TEST(LoadNode, ClassValueIsRoundedHalfToEven) {
+    for (const auto& [text, value] : {std::pair{"2.5", 2}, std::pair{"3.5", 4}, std::pair{"-7", -7}}) {
+        clsLCClass land;
+        land.XML("<LCClass ID='" + std::string(text) +
+                 "'><LCHigh>1</LCHigh><LCMed>1</LCMed><LCLow>1</LCLow></LCClass>");
+        EXPECT_EQ(land.ID, value) << text;
+    }
 }
 
 TEST(LoadNode, FailedLoadOfOneClassOrSetLeavesItAsItWas) {
