@@ -212,6 +212,19 @@ TEST_F(ReadParams, LinesMayEndInLineFeedsAloneAndTheLastInNothing) {
     expect_silence();
 }
 
+TEST_F(ReadParams, ByteOrderMarkIsNoPartOfTheFirstKeyword) {
+    read("\xEF\xBB\xBFLCTHEME#Z\xC3\xBCrich\r\n");
+    EXPECT_EQ(m_reader.lcTheme(), "Z\u00fcrich");
+    expect_silence();
+}
+
+TEST_F(ReadParams, FileThatIsNotUtf8IsWindows1252) {
+    read("LCTHEME#Z\xFCrich\r\nCLASS#2#\x80#1#2#3\r\n");
+    EXPECT_EQ(m_reader.lcTheme(), "Z\u00fcrich");
+    EXPECT_EQ(m_reader.LandClasses()->find("2")->Item(1), "\u20ac");
+    expect_silence();
+}
+
 TEST_F(ReadParams, MissingFileIsToldInACriticalBoxAndTheDictionariesStayEmpty) {
     m_reader.ReadParameters(m_extension.path(), "model_params.txt");
     EXPECT_THAT(m_user.boxes,
