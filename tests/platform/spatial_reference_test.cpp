@@ -153,8 +153,9 @@ TEST(SpatialReference, SystemOfAPrjTextIsTheSameInEveryRespect) {
 }
 
 TEST(SpatialReference, ManySystemsSurviveTheirPrjText) {
-    for (const char* code : {"EPSG:4326", "EPSG:4269", "EPSG:3857", "EPSG:5070", "EPSG:2223", "EPSG:32633", "EPSG:3035",
-                             "EPSG:2180", "EPSG:27700", "EPSG:28992", "EPSG:2154", "EPSG:25832", "EPSG:3577"}) {
+    for (const char* code :
+         {"EPSG:4326", "EPSG:4269", "EPSG:3857", "EPSG:5070", "EPSG:2223", "EPSG:32633", "EPSG:3035", "EPSG:2180",
+          "EPSG:27700", "EPSG:28992", "EPSG:2154", "EPSG:25832", "EPSG:3577", "EPSG:2193", "EPSG:31467"}) {
         const auto before = SpatialReference::from(code);
         const auto after = SpatialReference::from(before.esri_wkt());
         EXPECT_TRUE(before.same_name(after)) << code << " is found as " << after.authority_code();
@@ -235,6 +236,43 @@ TEST(Project, TakesEastOrLongitudeAsX) {
     EXPECT_NEAR(set.points()[0].y, 4094872.4, 0.1) << "0.9996 of the meridian's length";
     EXPECT_GT(set.points()[1].x, 500000);
     EXPECT_GT(set.points()[2].y, set.points()[1].y);
+}
+
+TEST(Project, TakesEastAsXWhereTheCatalogueNamesNorthFirst) {
+    struct Case {
+        const char* geographic;
+        const char* projected;
+        Point degrees;
+        Point metres;
+        double tolerance;
+    };
+    // On the central meridian, so that east is the false easting and no north can be mistaken for it.
+    for (const Case& at : {Case{"EPSG:4167", "EPSG:2193", {173, -41}, {1600000, 5461200}, 1000},
+                           Case{"EPSG:4314", "EPSG:31467", {9, 51}, {3500000, 5651300}, 1000},
+                           Case{"EPSG:4258", "EPSG:3035", {10, 52}, {4321000, 3210000}, 1e-6}}) {
+        SCOPED_TRACE(at.projected);
+        const auto geographic = SpatialReference::from(at.geographic);
+        const auto projected = SpatialReference::from(at.projected);
+        PolygonSet set = polygon_of({at.degrees});
+        project(set, geographic, projected);
+        EXPECT_NEAR(set.points()[0].x, at.metres.x, 1e-6);
+        EXPECT_NEAR(set.points()[0].y, at.metres.y, at.tolerance);
+        project(set, projected, geographic);
+        EXPECT_NEAR(set.points()[0].x, at.degrees.x, 1e-9);
+        EXPECT_NEAR(set.points()[0].y, at.degrees.y, 1e-9);
+    }
+}
+
+TEST(Project, OrderOfAxesInTheCatalogueAndInAPrjTextIsTheSame) {
+    for (const char* code : {"EPSG:2193", "EPSG:31467", "EPSG:3035"}) {
+        SCOPED_TRACE(code);
+        const auto catalogue = SpatialReference::from(code);
+        const Point before = catalogue.name().starts_with("DHDN") ? Point{3512000, 5650000} : Point{1612000, 5450000};
+        PolygonSet set = polygon_of({before});
+        project(set, catalogue, SpatialReference::from(catalogue.esri_wkt()));
+        EXPECT_NEAR(set.points()[0].x, before.x, 1e-6);
+        EXPECT_NEAR(set.points()[0].y, before.y, 1e-6);
+    }
 }
 
 TEST(Project, ThereAndBackIsWithinAMicrometre) {
