@@ -119,6 +119,21 @@ TEST_F(MergeTest, MergingAFileIntoItselfAppends2ToEveryNameAndSaysSoOnce) {
     EXPECT_THAT(m_user.boxes, ElementsAre(m_duplicates));
 }
 
+TEST_F(MergeTest, DuplicatesAreSaidAlsoWhenTheLastSetIsNew) {
+    add_set(m_props, "A");
+    EXPECT_TRUE(merge(file_of({"A", "B"})));
+    EXPECT_THAT(outline(m_props), ElementsAre("A:", "A2: 101", "B: 102"));
+    EXPECT_THAT(m_user.boxes, ElementsAre(m_duplicates));
+}
+
+TEST_F(MergeTest, SetIsListedWhenItHasItsClassesAndBeforeTheNext) {
+    std::vector<std::string> seen;
+    EXPECT_TRUE(MergeCoeffsFromFile(m_props, file_of({"A", "B"}), m_store, [&](const std::string& name) {
+        seen.push_back(name + " of " + testing::PrintToString(outline(m_props)));
+    }));
+    EXPECT_THAT(seen, ElementsAre("A of { \"A: 101\" }", "B of { \"A: 101\", \"B: 102\" }"));
+}
+
 TEST_F(MergeTest, NamesAreComparedWithLetterCase) {
     add_set(m_props, "urban");
     EXPECT_TRUE(merge(file_of({"Urban"})));
