@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <type_traits>
 
 namespace kestrel::platform {
 
@@ -33,6 +33,17 @@ std::size_t end_of_run(const Cell* cells, std::size_t begin, std::size_t end) {
         ++position;
     }
     return position;
+}
+
+/// Position of the first cell of that value in [begin, end); `end` when there is none.
+template <typename Cell>
+std::size_t find_cell(const Cell* cells, std::size_t begin, std::size_t end, Cell value) {
+    if constexpr (sizeof(Cell) == 1) {
+        const void* const found = std::memchr(cells + begin, value, end - begin);
+        return found == nullptr ? end : static_cast<std::size_t>(static_cast<const Cell*>(found) - cells);
+    } else {
+        return static_cast<std::size_t>(std::find(cells + begin, cells + end, value) - cells);
+    }
 }
 
 /// Calls `take(value, count)` for every run of equal cells in [begin, end).

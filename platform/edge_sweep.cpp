@@ -44,7 +44,7 @@ EdgeSweep::EdgeSweep(const PolygonSet& polygons, const Grid& grid, int rows_per_
     // A counting sort by band; within a band the edges stay in the order of the features.
     const int bands = (grid.rows + rows_per_band - 1) / rows_per_band;
     m_band_begin.assign(index(bands) + 1, 0);
-    for_each_edge([&](const Edge&, RowRange rows) {
+    for_each_edge([&](const Edge&, CellRange rows) {
         for (int band = rows.first / rows_per_band; band <= rows.last / rows_per_band; ++band) {
             ++m_band_begin[index(band) + 1];
         }
@@ -54,7 +54,7 @@ EdgeSweep::EdgeSweep(const PolygonSet& polygons, const Grid& grid, int rows_per_
     }
     m_edges.resize(m_band_begin.back());
     std::vector<std::size_t> next(m_band_begin.begin(), m_band_begin.end() - 1);
-    for_each_edge([&](const Edge& edge, RowRange rows) {
+    for_each_edge([&](const Edge& edge, CellRange rows) {
         for (int band = rows.first / rows_per_band; band <= rows.last / rows_per_band; ++band) {
             m_edges[next[index(band)]++] = edge;
         }
@@ -70,7 +70,7 @@ void EdgeSweep::for_each_edge(Take take) const {
             const std::span<const Point> ring = m_polygons.ring(r);
             const auto first = static_cast<std::size_t>(ring.data() - all.data());
             for (std::size_t i = 0; i + 1 < ring.size(); ++i) {
-                const RowRange rows = rows_touched(ring[i], ring[i + 1]);
+                const CellRange rows = rows_touched(ring[i], ring[i + 1]);
                 if (rows.first <= rows.last) {
                     take(Edge{static_cast<std::uint32_t>(first + i), static_cast<std::uint32_t>(feature)}, rows);
                 }
@@ -80,7 +80,7 @@ void EdgeSweep::for_each_edge(Take take) const {
 }
 
 /// The rows whose closed strip the edge may meet: never too few, rarely one too many.
-EdgeSweep::RowRange EdgeSweep::rows_touched(Point a, Point b) const noexcept {
+EdgeSweep::CellRange EdgeSweep::rows_touched(Point a, Point b) const noexcept {
     const double from = (a.y - m_grid.y0) / m_grid.dy;
     const double to = (b.y - m_grid.y0) / m_grid.dy;
     const double lowest = std::floor(std::min(from, to) - m_row_tolerance);
@@ -175,7 +175,7 @@ void EdgeSweep::mark_touching(int band, const NodataRuns& nodata, std::vector<st
             continue;
         }
         const UpwardEdge edge = upward(m_edges[i]);
-        const RowRange rows = rows_touched(edge.low, edge.high);
+        const CellRange rows = rows_touched(edge.low, edge.high);
         for (int row = std::max(rows.first, band_first); row <= std::min(rows.last, band_last); ++row) {
             if (touches(edge, row, nodata[index(row - band_first)])) {
                 touched[m_edges[i].feature] = 1;
@@ -185,15 +185,26 @@ void EdgeSweep::mark_touching(int band, const NodataRuns& nodata, std::vector<st
     }
 }
 
+/// The columns whose closed strips may hold a point between `west` and `east`. A point on a grid line touches the cells
+/// on both sides of it.
+EdgeSweep::CellRange EdgeSweep::columns_touched(double west, double east) const noexcept {
+    const double first = std::floor((west - m_grid.x0) / m_grid.dx - m_column_tolerance) - 1;
+    const double last = std::floor((east - m_grid.x0) / m_grid.dx + m_column_tolerance);
+    return {clamped(first, 0, m_grid.columns), clamped(last, -1, m_grid.columns - 1)};
+}
+
 bool EdgeSweep::touches(const UpwardEdge& edge, int row, const std::vector<RowSpan>& nodata) const {
-    if (nodata.empty()) {
-        return false;
-    }
-    const double south = std::min(m_grid.line_y(row), m_grid.line_y(row + 1));
-    const double north = std::max(m_grid.line_y(row), m_grid.line_y(row + 1));
-    // Where the edge runs within the row, generously; each NODATA cell there is then decided by itself.
     double west = std::min(edge.low.x, edge.high.x);
     double east = std::max(edge.low.x, edge.high.x);
+    const CellRange near = columns_touched(west, east);
+    auto run =
+        std::partition_point(nodata.begin(), nodata.end(), [&](const RowSpan& span) { return span.end <= near.first; });
+    if (run == nodata.end() || run->begin > near.last) {
+        return false;  // most edges are far from NODATA
+    }
+    // Where the edge runs within the row, generously; each NODATA cell there is then decided by itself.
+    const double south = std::min(m_grid.line_y(row), m_grid.line_y(row + 1));
+    const double north = std::max(m_grid.line_y(row), m_grid.line_y(row + 1));
     if (edge.low.y < edge.high.y) {
         const double slope = (edge.high.x - edge.low.x) / (edge.high.y - edge.low.y);
         const double at_south = edge.low.x + (std::max(south, edge.low.y) - edge.low.y) * slope;
@@ -201,15 +212,9 @@ bool EdgeSweep::touches(const UpwardEdge& edge, int row, const std::vector<RowSp
         west = std::max(west, std::min(at_south, at_north));
         east = std::min(east, std::max(at_south, at_north));
     }
-    const double first = std::floor((west - m_grid.x0) / m_grid.dx - m_column_tolerance);
-    const double last = std::floor((east - m_grid.x0) / m_grid.dx + m_column_tolerance);
-    // A point on a grid line touches the cells on both sides of it.
-    const int first_column = clamped(first - 1, 0, m_grid.columns);
-    const int last_column = clamped(last, -1, m_grid.columns - 1);
-    auto run = std::partition_point(nodata.begin(), nodata.end(),
-                                    [&](const RowSpan& span) { return span.end <= first_column; });
-    for (; run != nodata.end() && run->begin <= last_column; ++run) {
-        for (int column = std::max(run->begin, first_column); column < run->end && column <= last_column; ++column) {
+    const CellRange columns = columns_touched(west, east);
+    for (; run != nodata.end() && run->begin <= columns.last; ++run) {
+        for (int column = std::max(run->begin, columns.first); column < run->end && column <= columns.last; ++column) {
             const Envelope square{m_grid.line_x(column), south, m_grid.line_x(column + 1), north};
             if (segment_touches(edge.low, edge.high, square)) {
                 return true;

@@ -59,7 +59,8 @@ class EdgeSweep {
         Point low;
         Point high;
     };
-    struct RowRange {
+    /// Rows or columns, both ends included.
+    struct CellRange {
         int first = 0;
         int last = -1;
     };
@@ -68,7 +69,8 @@ class EdgeSweep {
     template <typename Take>
     void for_each_edge(Take take) const;
     UpwardEdge upward(const Edge& edge) const noexcept;
-    RowRange rows_touched(Point a, Point b) const noexcept;
+    CellRange rows_touched(Point a, Point b) const noexcept;
+    CellRange columns_touched(double west, double east) const noexcept;
     void add_crossings(const Edge& edge, int band, Scratch& scratch) const;
     int column_of_crossing(const UpwardEdge& edge, double y) const;
     bool touches(const UpwardEdge& edge, int row, const std::vector<RowSpan>& nodata) const;

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 
+#include "platform/band_histogram.h"
 #include "platform/cell_runs.h"
 #include "platform/edge_sweep.h"
 #include "platform/parallel.h"
@@ -16,6 +17,9 @@
 namespace kestrel::platform {
 
 namespace {
+
+/// Shorter spans are counted run by run: a histogram for each of many small pieces would cost more than it saves.
+constexpr std::size_t kHistogramWidth = 32;
 
 /// A span of cells that lie in one zone, under one overlay polygon or none, under one set of scenarios.
 struct PieceSpan {
@@ -57,6 +61,13 @@ void cut(std::vector<PieceSpan>& pieces, const std::vector<RowSpan>& cover, std:
     pieces.swap(room);
 }
 
+/// The value that marks NODATA in byte cells.
+std::optional<std::uint8_t> byte_nodata(const RasterDataset& raster) {
+    const std::optional<std::int32_t> value = raster.nodata_value();
+    return value && raster.cell_type() == CellType::byte ? std::optional(static_cast<std::uint8_t>(*value))
+                                                         : std::nullopt;
+}
+
 /// Everything that the bands share and nobody changes.
 struct Plan {
     EdgeSweep zones;
@@ -96,7 +107,10 @@ Plan::Plan(const RasterDataset& raster, const TabulationInput& input)
 class BandCounter {
   public:
     BandCounter(const std::string& source, const Plan& plan)
-        : m_raster(RasterDataset::open(source)), m_plan(plan), m_touched(plan.zone_count, 0) {}
+        : m_raster(RasterDataset::open(source)),
+          m_plan(plan),
+          m_histogram(byte_nodata(m_raster)),
+          m_touched(plan.zone_count, 0) {}
 
     void count(int band);
     void append_to(ZoneCounts& counts) const;
@@ -104,6 +118,8 @@ class BandCounter {
   private:
     template <typename Cell>
     void count_cells(int band, const std::vector<Cell>& cells, std::optional<Cell> nodata);
+    template <typename Cell>
+    void count_span(const PieceSpan& span, const Cell* cells, std::optional<Cell> nodata);
     template <typename Cell>
     void find_nodata(const CellWindow& window, const std::vector<Cell>& cells, std::optional<Cell> nodata);
     void mark_touched(int band);
@@ -113,6 +129,7 @@ class BandCounter {
     RasterDataset m_raster;
     const Plan& m_plan;
     PieceCounter m_counter;
+    BandHistogram m_histogram;
     ScenarioSets m_sets;
     std::vector<std::uint8_t> m_touched;
 
@@ -138,14 +155,12 @@ void BandCounter::count(int band) {
         return;
     }
     m_raster.read(window, m_buffer);
-    const std::optional<std::int32_t> nodata = m_raster.nodata_value();
     switch (m_raster.cell_type()) {
         case CellType::byte:
-            count_cells<std::uint8_t>(band, m_buffer.bytes,
-                                      nodata ? std::optional(static_cast<std::uint8_t>(*nodata)) : std::nullopt);
+            count_cells<std::uint8_t>(band, m_buffer.bytes, byte_nodata(m_raster));
             return;
         case CellType::int32:
-            count_cells<std::int32_t>(band, m_buffer.integers, nodata);
+            count_cells<std::int32_t>(band, m_buffer.integers, m_raster.nodata_value());
             return;
         case CellType::wide:
             count_cells<std::int64_t>(band, m_buffer.wide, std::optional(kWideNodata));
@@ -172,14 +187,28 @@ void BandCounter::count_cells(int band, const std::vector<Cell>& cells, std::opt
         lay_out_pieces(row);
         const Cell* line = cells.data() + row * width;
         for (const PieceSpan& span : m_pieces) {
-            const std::size_t piece = m_counter.piece(span.zone, span.overlay, span.scenario_set);
-            for_each_run(line, static_cast<std::size_t>(span.begin - m_plan.first_column),
-                         static_cast<std::size_t>(span.end - m_plan.first_column), [&](Cell value, std::size_t count) {
-                             const bool is_nodata = nodata && value == *nodata;
-                             m_counter.add(piece, is_nodata ? PieceCounter::kNodata : std::int64_t{value}, count);
-                         });
+            count_span(span, line + (span.begin - m_plan.first_column), nodata);
         }
     }
+    if constexpr (sizeof(Cell) == 1) {
+        m_histogram.flush(m_counter);
+    }
+}
+
+template <typename Cell>
+void BandCounter::count_span(const PieceSpan& span, const Cell* cells, std::optional<Cell> nodata) {
+    const std::size_t piece = m_counter.piece(span.zone, span.overlay, span.scenario_set);
+    const auto width = static_cast<std::size_t>(span.end - span.begin);
+    if constexpr (sizeof(Cell) == 1) {
+        if (width >= kHistogramWidth) {
+            m_histogram.count(piece, cells, width, m_counter);
+            return;
+        }
+    }
+    for_each_run(cells, 0, width, [&](Cell value, std::size_t count) {
+        const bool is_nodata = nodata && value == *nodata;
+        m_counter.add(piece, is_nodata ? PieceCounter::kNodata : std::int64_t{value}, count);
+    });
 }
 
 /// The runs of NODATA cells of every row.
@@ -196,14 +225,12 @@ void BandCounter::find_nodata(const CellWindow& window, const std::vector<Cell>&
     const auto width = static_cast<std::size_t>(window.columns);
     for (std::size_t row = 0; row < m_nodata.size(); ++row) {
         const Cell* line = cells.data() + row * width;
-        const Cell* end = line + width;
-        for (const Cell* at = std::find(line, end, *nodata); at != end; at = std::find(at, end, *nodata)) {
-            const auto begin = static_cast<std::size_t>(at - line);
+        for (std::size_t begin = find_cell(line, 0, width, *nodata); begin < width;) {
             const std::size_t stop = end_of_run(line, begin, width);
             m_nodata[row].push_back({window.first_column + static_cast<std::int32_t>(begin),
                                      window.first_column + static_cast<std::int32_t>(stop), 0});
             m_has_nodata = true;
-            at = line + stop;
+            begin = find_cell(line, stop, width, *nodata);
         }
     }
 }

@@ -1,0 +1,91 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "platform/band_histogram.h"
+
+#include <bit>
+#include <cstring>
+
+namespace kestrel::platform {
+
+BandHistogram::BandHistogram(std::optional<std::uint8_t> nodata) : m_nodata(nodata) {
+    m_column_of.fill(kOther);
+}
+
+std::uint32_t* BandHistogram::slot(std::size_t piece) {
+    if (piece >= m_slot_of.size()) {
+        m_slot_of.resize(2 * piece + 1, kNoSlot);
+    }
+    if (m_slot_of[piece] == kNoSlot) {
+        m_slot_of[piece] = static_cast<std::uint32_t>(m_pieces.size());
+        m_pieces.push_back(piece);
+        m_counts.resize(m_pieces.size() * kLanes * kColumns, 0);
+    }
+    return m_counts.data() + m_slot_of[piece] * kLanes * kColumns;
+}
+
+void BandHistogram::count(std::size_t piece, const std::uint8_t* cells, std::size_t count, PieceCounter& counter) {
+    static_assert(std::endian::native == std::endian::little);
+    std::uint32_t* const lanes = slot(piece);
+    const std::uint8_t* const column_of = m_column_of.data();
+    std::size_t i = 0;
+    for (; i + 8 <= count; i += 8) {
+        std::uint64_t eight = 0;
+        std::memcpy(&eight, cells + i, sizeof eight);
+        ++lanes[0 * kColumns + column_of[eight & 255]];
+        ++lanes[1 * kColumns + column_of[eight >> 8 & 255]];
+        ++lanes[2 * kColumns + column_of[eight >> 16 & 255]];
+        ++lanes[3 * kColumns + column_of[eight >> 24 & 255]];
+        ++lanes[0 * kColumns + column_of[eight >> 32 & 255]];
+        ++lanes[1 * kColumns + column_of[eight >> 40 & 255]];
+        ++lanes[2 * kColumns + column_of[eight >> 48 & 255]];
+        ++lanes[3 * kColumns + column_of[eight >> 56]];
+    }
+    for (; i < count; ++i) {
+        ++lanes[column_of[cells[i]]];
+    }
+    if ((lanes[kOther] | lanes[kColumns + kOther] | lanes[2 * kColumns + kOther] | lanes[3 * kColumns + kOther]) != 0) {
+        count_others(piece, cells, count, lanes, counter);
+    }
+}
+
+/// Goes over a span again whose cells were not all of known classes: gives these their columns while there are some.
+void BandHistogram::count_others(std::size_t piece, const std::uint8_t* cells, std::size_t count, std::uint32_t* slot,
+                                 PieceCounter& counter) {
+    for (std::size_t lane = 0; lane < kLanes; ++lane) {
+        slot[lane * kColumns + kOther] = 0;
+    }
+    std::array<bool, 256> met_now{};
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint8_t value = cells[i];
+        if (m_column_of[value] == kOther && m_class_of.size() < kOther) {
+            m_column_of[value] = static_cast<std::uint8_t>(m_class_of.size());
+            m_class_of.push_back(value);
+            met_now[value] = true;
+        }
+        if (m_column_of[value] == kOther) {
+            counter.add(piece, class_of(value), 1);
+        } else if (met_now[value]) {
+            ++slot[m_column_of[value]];
+        }
+    }
+}
+
+void BandHistogram::flush(PieceCounter& counter) {
+    for (std::size_t s = 0; s < m_pieces.size(); ++s) {
+        const std::uint32_t* const lanes = m_counts.data() + s * kLanes * kColumns;
+        for (std::size_t column = 0; column < m_class_of.size(); ++column) {
+            std::uint64_t cells = 0;
+            for (std::size_t lane = 0; lane < kLanes; ++lane) {
+                cells += lanes[lane * kColumns + column];
+            }
+            if (cells > 0) {
+                counter.add(m_pieces[s], class_of(m_class_of[column]), cells);
+            }
+        }
+        m_slot_of[m_pieces[s]] = kNoSlot;
+    }
+    m_pieces.clear();
+    m_counts.clear();
+}
+
+}  // namespace kestrel::platform
