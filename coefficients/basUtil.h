@@ -14,8 +14,7 @@ namespace kestrel::basUtil {
 
 /// Loads the store file at `path` into `props`.
 /// \return false, with `props` as it was, when there is no such file or it is no well-formed XML (a notice tells why),
-/// or
-///         when it holds a value that is no number (reported).
+///         or when it holds a value that is no number (reported).
 bool GetISModelProperties(clsISModelProperties& props, const std::string& path);
 
 /// Writes `props` to the store, under a lock of its folder. A store that is there and loads is copied to
