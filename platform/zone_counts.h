@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <tuple>
 #include <vector>
 
 namespace kestrel::platform {
@@ -25,7 +26,11 @@ struct ZoneCounts {
         std::int32_t land_class = 0;
         std::uint64_t cells = 0;
 
-        friend auto operator<=>(const Row&, const Row&) = default;
+        friend bool operator==(const Row&, const Row&) = default;
+        friend bool operator<(const Row& a, const Row& b) {
+            return std::tie(a.zone, a.overlay, a.scenario_set, a.land_class, a.cells) <
+                   std::tie(b.zone, b.overlay, b.scenario_set, b.land_class, b.cells);
+        }
     };
     /// NODATA cells of one piece under one set of scenarios; `land_class` is 0 and means nothing.
     using NodataRow = Row;
