@@ -78,8 +78,10 @@ QString qt_name_filter(std::string_view filter) {
 }
 
 platform::Answer QtInteraction::message_box(const platform::MessageBox& box) {
-    QMessageBox window(qt_icon(box.icon), title_of(box.title), qt_text(box.text).replace("\r\n", "\n"),
-                       qt_buttons(box.buttons), QApplication::activeWindow());
+    // Texts break their lines with CR LF or CR, which a label does not know.
+    const QString text = qt_text(box.text).replace("\r\n", "\n").replace('\r', '\n');
+    QMessageBox window(qt_icon(box.icon), title_of(box.title), text, qt_buttons(box.buttons),
+                       QApplication::activeWindow());
     window.setTextFormat(Qt::PlainText);  // names of layers and sets may look like markup
     return answer_of(window.exec());
 }
