@@ -82,23 +82,23 @@ TEST(QtMessageBox, HasTheIconThatIsAskedFor) {
 }
 
 TEST(QtMessageBox, HasTheButtonsThatAreAskedForAndTellsWhichWasPressed) {
-    constexpr auto kOk = QMessageBox::Ok;
-    constexpr auto kCancel = QMessageBox::Cancel;
-    constexpr auto kYes = QMessageBox::Yes;
-    constexpr auto kNo = QMessageBox::No;
+    constexpr auto kOkButton = QMessageBox::Ok;
+    constexpr auto kCancelButton = QMessageBox::Cancel;
+    constexpr auto kYesButton = QMessageBox::Yes;
+    constexpr auto kNoButton = QMessageBox::No;
     const auto expect = [](Buttons buttons, QMessageBox::StandardButtons shown, QMessageBox::StandardButton pressed,
                            Answer answer) {
         const Seen seen = see({"text", "", Icon::none, buttons}, pressed);
         EXPECT_EQ(seen.buttons, shown);
         EXPECT_EQ(seen.answer, answer);
     };
-    expect(Buttons::ok, kOk, kOk, Answer::ok);
-    expect(Buttons::ok_cancel, kOk | kCancel, kOk, Answer::ok);
-    expect(Buttons::ok_cancel, kOk | kCancel, kCancel, Answer::cancel);
-    expect(Buttons::yes_no, kYes | kNo, kYes, Answer::yes);
-    expect(Buttons::yes_no, kYes | kNo, kNo, Answer::no);
-    expect(Buttons::yes_no_cancel, kYes | kNo | kCancel, kNo, Answer::no);
-    expect(Buttons::yes_no_cancel, kYes | kNo | kCancel, kCancel, Answer::cancel);
+    expect(Buttons::ok, kOkButton, kOkButton, Answer::ok);
+    expect(Buttons::ok_cancel, kOkButton | kCancelButton, kOkButton, Answer::ok);
+    expect(Buttons::ok_cancel, kOkButton | kCancelButton, kCancelButton, Answer::cancel);
+    expect(Buttons::yes_no, kYesButton | kNoButton, kYesButton, Answer::yes);
+    expect(Buttons::yes_no, kYesButton | kNoButton, kNoButton, Answer::no);
+    expect(Buttons::yes_no_cancel, kYesButton | kNoButton | kCancelButton, kNoButton, Answer::no);
+    expect(Buttons::yes_no_cancel, kYesButton | kNoButton | kCancelButton, kCancelButton, Answer::cancel);
 }
 
 TEST(QtInputBox, YieldsWhatWasTypedAndNothingWhenCancelled) {
