@@ -152,7 +152,8 @@ std::vector<std::string> shapefile_members(const std::string& path) {
     fs::directory_iterator entry(folder.empty() ? "." : folder, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
         const std::string name = entry->path().filename().string();
-        if (name.starts_with(base) && member_extension(name.substr(base.size()))) {
+        std::error_code ignored;
+        if (name.starts_with(base) && member_extension(name.substr(base.size())) && !entry->is_directory(ignored)) {
             members.push_back(join_path(folder, name));
         }
     }

@@ -527,5 +527,12 @@ TEST(ShapefileMembers, MissingFolderHasNone) {
     EXPECT_TRUE(shapefile_members("/nonexistent/folder/a.shp").empty());
 }
 
+TEST(ShapefileMembers, FoldersAreNone) {
+    const TemporaryFolder folder;
+    write_file(folder / "a.dbf", "x");
+    create_folder(folder / "a.shp");
+    EXPECT_THAT(shapefile_members(folder / "a.shp"), ElementsAre(folder / "a.dbf"));
+}
+
 }  // namespace
 }  // namespace kestrel::platform
