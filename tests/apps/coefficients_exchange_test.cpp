@@ -202,11 +202,15 @@ TEST_F(CoefficientsExchange, ExportOfASetThatIsNotThereIsRefused) {
     EXPECT_FALSE(platform::file_exists(m_folder / "out.csv"));
 }
 
-TEST_F(CoefficientsExchange, ExportToAFolderThatIsNotThereIsReported) {
-    const CommandResult result = export_to(m_folder / "none/out.csv");
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.out, "");
-    EXPECT_THAT(result.err, HasSubstr("ExportCoeffsToFile basISModelPropsUtil Line : "));
+TEST_F(CoefficientsExchange, ExportToAFolderThatIsNotThereIsRefused) {
+    expect_refused(export_to(m_folder / "none/out.csv"), "Kestrel: The folder of the file does not exist: '" +
+                                                             (m_folder / "none") +
+                                                             "'. Make it, or give another file.\n");
+}
+
+TEST_F(CoefficientsExchange, ExportToAFolderIsRefused) {
+    expect_refused(export_to(m_folder.path(), {"--overwrite"}),
+                   "Kestrel: '" + m_folder.path() + "' is a folder. Give a file to export to.\n");
 }
 
 TEST_F(CoefficientsExchange, ExportNotesNamesThatCannotBeImported) {
@@ -250,7 +254,11 @@ TEST_F(CoefficientsExchange, MergeOfWhatIsNoStoreEndsWithItsMessage) {
     EXPECT_EQ(result.out, "");
     EXPECT_THAT(result.err, EndsWith("Kestrel: Failed To Load XML - Invalid file format.\n"));
     EXPECT_EQ(platform::read_file(m_store), m_stored);
-    EXPECT_EQ(merge(m_folder / "none.xml").status, 1);
+}
+
+TEST_F(CoefficientsExchange, MergeOfAFileThatIsNotThereIsRefused) {
+    expect_refused(merge(m_folder / "none.xml"),
+                   "Kestrel: There is no file '" + (m_folder / "none.xml") + "' to merge.\n");
 }
 
 }  // namespace

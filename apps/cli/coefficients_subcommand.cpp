@@ -1,0 +1,72 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "apps/cli/coefficients_subcommand.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <utility>
+
+#include "apps/cli/chosen_store.h"
+#include "apps/cli/console_interaction.h"
+#include "apps/cli/user_files.h"
+
+namespace kestrel::cli {
+
+namespace {
+
+/// Tells what the routines say on standard error. Their input box, which asks for a name until it is a new one, gets
+/// the name of the command line once and is then cancelled.
+class CommandInteraction final : public platform::Interaction {
+  public:
+    explicit CommandInteraction(std::string name) : m_name(std::move(name)) {}
+
+    /// Boxes about coefficients ask nothing, whatever their buttons: they are only closed.
+    platform::Answer message_box(const platform::MessageBox& box) override {
+        return m_console.message_box({box.text, box.title, box.icon, platform::Buttons::ok});
+    }
+    std::string input_box(const platform::InputBox&) override { return std::exchange(m_name, {}); }
+    std::optional<std::string> file_dialog(const platform::FileDialog& dialog) override {
+        return m_console.file_dialog(dialog);
+    }
+    void show_call_stack(std::string_view text) override { m_console.show_call_stack(text); }
+    std::unique_ptr<platform::WaitingWindow> waiting_window(std::string_view text) override {
+        return m_console.waiting_window(text);
+    }
+    void show_help() override { m_console.show_help(); }
+    void notice(std::string_view text) override { m_console.notice(text); }
+    void beep() override {}
+
+  private:
+    std::string m_name;
+    ConsoleProgress m_progress{std::cerr, false};
+    ConsoleInteraction m_console{std::cerr, m_progress, {}};
+};
+
+}  // namespace
+
+CLI::App* add_coefficients_subcommand(CLI::App& parent, const CoefficientsSubcommand& subcommand,
+                                      const std::shared_ptr<CoefficientsOptions>& options, Action& action) {
+    CLI::App* added = parent.add_subcommand(subcommand.name, subcommand.description);
+    added->add_option("--store", options->store, "Coefficient store; by default your own")->type_name("FILE");
+    added->footer(subcommand.example);
+    added->callback([options, act = subcommand.act, &action] {
+        action = [options, act] {
+            CommandInteraction interaction(options->name);
+            const platform::ScopedInteraction scope(interaction);
+            return act(*options);
+        };
+    });
+    return added;
+}
+
+void add_set_option(CLI::App& subcommand, CoefficientsOptions& options) {
+    subcommand.add_option("--set", options.set, "Coefficient set")->type_name("NAME");
+}
+
+std::string load_chosen_store(const CoefficientsOptions& options, clsISModelProperties& store) {
+    const std::string path = options.store.empty() ? user_store() : options.store;
+    load_store(path, store);
+    return path;
+}
+
+}  // namespace kestrel::cli
