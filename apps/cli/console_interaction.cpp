@@ -74,7 +74,8 @@ void ConsoleInteraction::write(std::string_view text) {
 }
 
 Answer ConsoleInteraction::message_box(const platform::MessageBox& box) {
-    write((box.title.empty() ? "Kestrel" : box.title) + ": " + box.text);
+    m_messages.push_back(with_line_feeds((box.title.empty() ? "Kestrel" : box.title) + ": " + box.text));
+    write(m_messages.back());
     const Answer answer = answer_to(box, m_options.yes);
     if (asks(box)) {
         write("(answered " + std::string(text_of(answer)) + (m_options.yes ? ")" : "; give --yes to agree)"));
@@ -83,6 +84,7 @@ Answer ConsoleInteraction::message_box(const platform::MessageBox& box) {
 }
 
 void ConsoleInteraction::show_call_stack(std::string_view text) {
+    m_messages.push_back(with_line_feeds(text));
     write(text);
 }
 

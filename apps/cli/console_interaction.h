@@ -5,6 +5,7 @@
 #include <ostream>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "apps/cli/console_progress.h"
 #include "platform/contracts/interaction.h"
@@ -36,6 +37,9 @@ class ConsoleInteraction final : public platform::Interaction {
     void notice(std::string_view text) override;
     void beep() override {}
 
+    /// The boxes and call stacks so far, as they were written.
+    const std::vector<std::string>& messages() const noexcept { return m_messages; }
+
   private:
     void write(std::string_view text);
 
@@ -43,6 +47,7 @@ class ConsoleInteraction final : public platform::Interaction {
     ConsoleProgress& m_progress;
     ConsoleOptions m_options;
     std::set<std::string, std::less<>> m_notices;
+    std::vector<std::string> m_messages;
 };
 
 /// `text` with the line ends CR and CR LF as LF.

@@ -34,13 +34,21 @@ std::string_view shortened(std::string_view text) {
 
 StopSignals::StopSignals() {
     g_stop = 0;
-    std::signal(SIGINT, remember_stop);
-    std::signal(SIGTERM, remember_stop);
+    for (std::size_t i = 0; i < kSignals.size(); ++i) {
+        struct sigaction action {};
+        action.sa_handler = kSignals[i] == SIGPIPE ? SIG_IGN : remember_stop;
+        action.sa_flags = SA_RESTART;
+        ::sigaction(kSignals[i], nullptr, &m_before[i]);
+        if (m_before[i].sa_handler != SIG_IGN) {
+            ::sigaction(kSignals[i], &action, nullptr);
+        }
+    }
 }
 
 StopSignals::~StopSignals() {
-    std::signal(SIGINT, SIG_DFL);
-    std::signal(SIGTERM, SIG_DFL);
+    for (std::size_t i = 0; i < kSignals.size(); ++i) {
+        ::sigaction(kSignals[i], &m_before[i], nullptr);
+    }
 }
 
 bool StopSignals::received() noexcept {

@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <signal.h>
+
+#include <array>
 #include <chrono>
 #include <functional>
 #include <ostream>
@@ -11,8 +14,9 @@
 
 namespace kestrel::cli {
 
-/// From construction to destruction, an interrupt (Ctrl-C) or a termination request does not end the process but is
-/// remembered, so that a run can stop, clean up and put an older output back.
+/// From construction to destruction, an interrupt (Ctrl-C), a hang-up of the terminal or a termination request does not
+/// end the process but is remembered, so that a run can stop, clean up and put an older output back. Nor does a write
+/// end it that nobody reads any more. What the process ignored before, it goes on ignoring.
 class StopSignals {
   public:
     StopSignals();
@@ -20,7 +24,13 @@ class StopSignals {
     StopSignals(const StopSignals&) = delete;
     StopSignals& operator=(const StopSignals&) = delete;
 
+    /// Whether the latest of these objects has seen a request to stop; also after its end.
     static bool received() noexcept;
+
+  private:
+    static constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+
+    std::array<struct sigaction, kSignals.size()> m_before{};
 };
 
 /// A run's progress as one line that is drawn over and over at the end of a terminal.

@@ -36,7 +36,7 @@ ordered_json totals(const RunResult& result) {
 
 }  // namespace
 
-std::string result_json(const RunResult& result) {
+std::string result_json(const RunResult& result, const std::vector<std::string>& messages) {
     ordered_json zones = ordered_json::array();
     for (const ZoneResult& zone : result.zones) {
         zones.push_back(json_of(zone));
@@ -60,6 +60,7 @@ std::string result_json(const RunResult& result) {
                              {"totals", totals(result)},
                              {"legend", legend},
                              {"unknown_classes", unknown_classes},
+                             {"messages", messages},
                              {"notices", result.notices},
                              {"files", result.files}};
     return whole.dump(2, ' ', false, ordered_json::error_handler_t::replace) + "\n";

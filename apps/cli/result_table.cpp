@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "apps/cli/text_width.h"
+#include "platform/conversions.h"
 
 namespace kestrel::cli {
 
@@ -107,6 +108,9 @@ ZoneResult total_of(const RunResult& result) {
         total.cells += zone.cells;
         total.nodata_cells += zone.nodata_cells;
     }
+    // Zones have 6 decimals; the sum of so many doubles may have more.
+    total.total_area = platform::round_to_scale(total.total_area, 6);
+    total.impervious_area = platform::round_to_scale(total.impervious_area, 6);
     if (total.total_area != 0) {
         total.percent = total.impervious_area / total.total_area * 100;
     }
@@ -146,18 +150,18 @@ std::string unknown_classes_text(const RunResult& result) {
     if (result.unknown_classes.empty()) {
         return {};
     }
-    std::string text = "Classes without coefficients in the chosen set:\n";
+    std::string text = "Classes without coefficients in the chosen set:";
     std::string suspects;
     for (const platform::UnknownClass& unknown : result.unknown_classes) {
-        text += fmt::format("  {}  in {} {}\n", unknown.code, unknown.cells, unknown.cells == 1 ? "cell" : "cells");
+        text += fmt::format("\n  {}  in {} {}", unknown.code, unknown.cells, unknown.cells == 1 ? "cell" : "cells");
         if (looks_like_nodata(unknown.code)) {
             suspects += (suspects.empty() ? "" : ", ") + std::to_string(unknown.code);
         }
     }
     if (!suspects.empty()) {
         text += fmt::format(
-            "{} may stand for NODATA that the raster does not declare; if so, declare it, "
-            "for example with gdal_edit.py -a_nodata.\n",
+            "\n{} may stand for NODATA that the raster does not declare; if so, declare it, "
+            "for example with gdal_edit.py -a_nodata.",
             suspects);
     }
     return text;

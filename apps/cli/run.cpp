@@ -70,39 +70,17 @@ void tell_kept(const std::string& folder, platform::Interaction& console) {
     }
 }
 
-int tell_result(const RunRequest& request, const RunResult& result, bool stopped, std::ostream& out,
-                platform::Interaction& console) {
-    for (const std::string& notice : result.notices) {
-        console.notice(notice);
-    }
-    if (const std::string unknown = unknown_classes_text(result); !unknown.empty()) {
-        console.message_box({unknown});
-    }
-    if (request.json) {
-        out << result_json(result);
-    } else if (result.finished) {
-        out << result_table(result, request.quiet);
-    }
-    out.flush();
-    if (result.finished) {
-        return kDone;
-    }
-    if (result.cancelled || stopped) {
-        console.message_box({"The run was cancelled. Nothing has been changed."});
-        return kCancelled;
-    }
-    console.message_box({"The run ended without an output."});
-    return kRefused;
-}
+/// What is left to tell once a run has cleaned up.
+struct Ending {
+    RunResult result;
+    bool stopped = false;
+    std::string kept_folder;
+};
 
-}  // namespace
-
-int run(const RunRequest& request, std::ostream& out, std::ostream& err, bool on_terminal) {
+/// Carries a run out. At its end an older output is back or gone and the working folder removed, so that nothing that
+/// happens while the result is told, such as a reader who has heard enough, leaves anything behind.
+Ending execute(const RunRequest& request, ConsoleProgress& progress) {
     const StopSignals signals;
-    ConsoleProgress progress(err, on_terminal && !request.quiet);
-    ConsoleInteraction console(err, progress, {request.yes, request.quiet});
-    const platform::ScopedInteraction scope(console);
-
     const std::string store = store_path(request);
     RunInputs inputs = checked_inputs(request, store);
     const RunOutput output = output_of(request.output, request.layer_name);
@@ -121,20 +99,65 @@ int run(const RunRequest& request, std::ostream& out, std::ostream& err, bool on
     extension.IExtensionConfig_State();  // makes the working folders
     fill_map(application, inputs);
     if (!write_model_parameters(folder.temp(), kParameterFile, inputs.parameters, inputs.store, inputs.set_name, "")) {
-        return kRefused;
+        return {};
     }
 
     platform::SetAsideOutput older(output.path(), output.records());
     const std::string kept = kept_folder(request, output);
     clsISExecuteModel model({.threads = request.threads, .keep_temp_folder = kept});
     model.ExecuteModel(&application, folder.path(), kParameterFile, output.folder, output.file_name, output.layer_name);
-    const RunResult result = application.result().value_or(RunResult{});
-    if (result.finished) {
+    Ending ending{application.result().value_or(RunResult{}), progress.cancelled(), kept};
+    if (ending.result.finished) {
         older.discard();
     }
-    progress.clear_line();
-    tell_kept(kept, console);
-    return tell_result(request, result, progress.cancelled(), out, console);
+    return ending;
+}
+
+int tell_result(const RunRequest& request, const Ending& ending, std::ostream& out, ConsoleInteraction& console) {
+    const RunResult& result = ending.result;
+    for (const std::string& notice : result.notices) {
+        console.notice(notice);
+    }
+    if (const std::string unknown = unknown_classes_text(result); !unknown.empty()) {
+        console.message_box({unknown});
+    }
+    const bool cancelled = result.cancelled || ending.stopped;
+    if (!result.finished) {
+        console.message_box(
+            {cancelled ? "The run was cancelled. Nothing has been changed." : "The run ended without an output."});
+    }
+    if (request.json) {
+        out << result_json(result, console.messages());
+    } else if (result.finished) {
+        out << result_table(result, request.quiet);
+    }
+    out.flush();
+    if (result.finished) {
+        return kDone;
+    }
+    return cancelled ? kCancelled : kRefused;
+}
+
+}  // namespace
+
+int run(const RunRequest& request, std::ostream& out, std::ostream& err, bool on_terminal) {
+    ConsoleProgress progress(err, on_terminal && !request.quiet);
+    ConsoleInteraction console(err, progress, {request.yes, request.quiet});
+    const platform::ScopedInteraction scope(console);
+    try {
+        const Ending ending = execute(request, progress);
+        progress.clear_line();
+        tell_kept(ending.kept_folder, console);
+        return tell_result(request, ending, out, console);
+    } catch (const platform::RuntimeError& refusal) {
+        if (!request.json) {
+            throw;
+        }
+        console.message_box({refusal.description()});
+        out << result_json({}, console.messages());
+        out.flush();
+        return kRefused;
+    }
 }
 
 }  // namespace kestrel::cli

@@ -12,7 +12,7 @@ namespace kestrel::cli {
 /// \param out takes the table or the JSON object.
 /// \param err takes what is said to the user; `on_terminal` tells whether a progress line can be drawn there.
 /// \return the exit status.
-/// \throws RuntimeError for what is refused before the run.
+/// \throws RuntimeError for what is refused before the run, unless the request asks for JSON: that tells it.
 int run(const RunRequest& request, std::ostream& out, std::ostream& err, bool on_terminal);
 
 }  // namespace kestrel::cli

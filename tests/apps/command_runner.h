@@ -18,4 +18,11 @@ struct CommandResult {
 /// \param environment further variables, "NAME=value".
 CommandResult run_command(const std::vector<std::string>& arguments, const std::vector<std::string>& environment = {});
 
+/// The same with standard output going to a file, and so not in the result.
+CommandResult run_command_to(const std::string& file, const std::vector<std::string>& arguments);
+
+/// The same with both streams going to a pipe that nobody reads any more.
+/// \return the exit status; -1 when a signal ended the process.
+int run_command_unheard(const std::vector<std::string>& arguments, const std::vector<std::string>& environment = {});
+
 }  // namespace kestrel::test

@@ -71,7 +71,7 @@ TEST_F(ConsoleProgressTest, CutsALongTextBetweenCharacters) {
 }
 
 TEST_F(ConsoleProgressTest, AnInterruptStopsTheRunInsteadOfTheProcess) {
-    for (const int signal : {SIGINT, SIGTERM}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         const StopSignals signals;
         ConsoleProgress progress(m_stream, false, clock());
         EXPECT_TRUE(progress.report(0.1, "working"));
@@ -80,6 +80,30 @@ TEST_F(ConsoleProgressTest, AnInterruptStopsTheRunInsteadOfTheProcess) {
         EXPECT_FALSE(progress.report(0.2, "working"));
         EXPECT_TRUE(progress.cancelled());
         EXPECT_FALSE(progress.report(0.3, "still stopped"));
+    }
+}
+
+TEST_F(ConsoleProgressTest, AReaderThatGoesAwayNeitherEndsTheProcessNorStopsTheRun) {
+    const StopSignals signals;
+    ConsoleProgress progress(m_stream, false, clock());
+    std::raise(SIGPIPE);
+    EXPECT_TRUE(progress.report(0.1, "working"));
+}
+
+TEST_F(ConsoleProgressTest, ASignalThatWasIgnoredStaysIgnored) {
+    std::signal(SIGHUP, SIG_IGN);  // as nohup does
+    {
+        const StopSignals signals;
+        std::raise(SIGHUP);
+        EXPECT_FALSE(StopSignals::received());
+    }
+    EXPECT_EQ(std::signal(SIGHUP, SIG_DFL), SIG_IGN);
+}
+
+TEST_F(ConsoleProgressTest, AfterwardsSignalsActAsBefore) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
+        { const StopSignals signals; }
+        EXPECT_EQ(std::signal(signal, SIG_DFL), SIG_DFL) << signal;
     }
 }
 

@@ -93,6 +93,14 @@ TEST(ResultTable, ALineEndInAValueDoesNotTearTheTable) {
     EXPECT_NE(result_table(result, false).find("upper lower"), std::string::npos);
 }
 
+TEST(ResultTable, TotalsHaveTheSixDecimalsOfTheZones) {
+    RunResult result;
+    result.zones = {{.value = "a", .total_area = 0.1, .impervious_area = 0.1},
+                    {.value = "b", .total_area = 0.2, .impervious_area = 0.2}};
+    EXPECT_EQ(total_of(result).total_area, 0.3);
+    EXPECT_EQ(total_of(result).impervious_area, 0.3);
+}
+
 TEST(ResultTable, NoAreaGivesNoPercent) {
     RunResult result;
     result.zones = {{.value = "1"}};
@@ -103,7 +111,7 @@ TEST(UnknownClasses, AreAllListedWithTheirCells) {
     RunResult result;
     result.unknown_classes = {{-3, 1}, {99, 1234}};
     EXPECT_EQ(unknown_classes_text(result),
-              "Classes without coefficients in the chosen set:\n  -3  in 1 cell\n  99  in 1234 cells\n");
+              "Classes without coefficients in the chosen set:\n  -3  in 1 cell\n  99  in 1234 cells");
 }
 
 TEST(UnknownClasses, CodesThatLookLikeNodataDrawAHint) {
@@ -112,7 +120,7 @@ TEST(UnknownClasses, CodesThatLookLikeNodataDrawAHint) {
     const std::string text = unknown_classes_text(result);
     EXPECT_TRUE(
         text.ends_with("0, 127, 250, 255 may stand for NODATA that the raster does not declare; if so, declare "
-                       "it, for example with gdal_edit.py -a_nodata.\n"))
+                       "it, for example with gdal_edit.py -a_nodata."))
         << text;
 }
 
@@ -165,6 +173,9 @@ TEST(ResultJson, HoldsTheWholeResult) {
     }
   ],
   "unknown_classes": [],
+  "messages": [
+    "NODATA Cells!: Some of them"
+  ],
   "notices": [
     "One polygon was repaired."
   ],
@@ -174,7 +185,7 @@ TEST(ResultJson, HoldsTheWholeResult) {
   ]
 }
 )json";
-    EXPECT_EQ(result_json(result), expected);
+    EXPECT_EQ(result_json(result, {"NODATA Cells!: Some of them"}), expected);
 }
 
 TEST(ResultJson, OfAFailedRunNamesTheUnknownClasses) {

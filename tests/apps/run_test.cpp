@@ -10,6 +10,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <utility>
 
 #include "platform/feature_class.h"
 #include "platform/files.h"
@@ -216,7 +217,7 @@ TEST_F(Run, AFailedRunPutsTheOlderOutputBack) {
     EXPECT_EQ(result.out, "");
     EXPECT_TRUE(holds(result.err,
                       "Kestrel: Classes without coefficients in the chosen set:\n  21  in 50 cells\n"
-                      "  41  in 49 cells\n"))
+                      "  41  in 49 cells\nKestrel: The run"))
         << result.err;
     EXPECT_TRUE(result.err.ends_with("Kestrel: The run ended without an output.\n")) << result.err;
     EXPECT_EQ(outputs().size(), 9U);
@@ -227,7 +228,10 @@ TEST_F(Run, AFailedRunPutsTheOlderOutputBack) {
 TEST_F(Run, AFailedRunStillPrintsItsJson) {
     const CommandResult result = run(more(m_data.with("--scenario", (m_data / "mall.shp") + ":99"), {"--json"}));
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(nlohmann::json::parse(result.out)["finished"], false);
+    const nlohmann::json whole = nlohmann::json::parse(result.out);
+    EXPECT_EQ(whole["finished"], false);
+    ASSERT_EQ(whole["messages"].size(), 2U) << whole;
+    EXPECT_EQ(whole["messages"][1], "Kestrel: The run ended without an output.");
     EXPECT_TRUE(outputs().empty());
 }
 
@@ -263,13 +267,27 @@ TEST_F(Run, GivesTheSameFiguresWithAnyNumberOfThreads) {
     EXPECT_EQ(one.out, four.out);
 }
 
+TEST_F(Run, ThatNobodyListensToReplacesTheOlderOutputAndLeavesNothingBehind) {
+    EXPECT_EQ(run(m_data.arguments()).status, 0);
+    platform::write_file(m_data / "out/is.met", "old");
+    run_command_unheard(more(m_data.arguments(), {"--overwrite"}), {"TMPDIR=" + m_temporary.path(), "Temp=", "Tmp="});
+    EXPECT_EQ(outputs().size(), 9U);
+    EXPECT_TRUE(platform::read_file(m_data / "out/is.met").starts_with("Identification_Information:"));
+    EXPECT_EQ(names_in(m_temporary.path()), std::vector<std::string>{});
+}
+
 /// Interrupts the process as soon as something is written.
 class InterruptingStream final : public std::stringbuf {
   protected:
     int sync() override {
-        std::raise(SIGINT);
+        if (!std::exchange(m_done, true)) {
+            std::raise(SIGINT);
+        }
         return std::stringbuf::sync();
     }
+
+  private:
+    bool m_done = false;
 };
 
 TEST_F(Run, AnInterruptEndsItWithStatus130AndPutsTheOlderOutputBack) {
