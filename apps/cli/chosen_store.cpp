@@ -15,10 +15,11 @@ void load_store(const std::string& path, clsISModelProperties& store) {
         refuse("There is no coefficient store '{}'. Give one with --store.", path);
     }
     if (!basUtil::GetISModelProperties(store, path)) {
+        const std::string copy = path + ".bak";
         refuse(
             "The coefficient store '{}' cannot be read: it is no coefficient store, or a damaged one. Give another "
-            "with --store; a copy of its state before the last save is '{}.bak', if it was ever saved.",
-            path, path);
+            "with --store{}.",
+            path, platform::file_exists(copy) ? "; a copy of its state before the last save is '" + copy + "'" : "");
     }
 }
 

@@ -49,7 +49,14 @@ int print_record(const RecordsRequest& request, std::ostream& out) {
     const std::string extension = request.metadata ? ".met" : ".prm";
     const std::string given = platform::folder_of(request.shapefile);
     const std::string folder = given.empty() ? "." : given;
-    const std::string name = platform::base_name_of(platform::file_name_of(request.shapefile)) + extension;
+    const std::string base = platform::base_name_of(platform::file_name_of(request.shapefile));
+    if (base.empty()) {
+        refuse("'{}' names no shapefile. Give the output of a run, such as results/sheds_is.shp.", request.shapefile);
+    }
+    if (!platform::folder_exists(folder)) {
+        refuse("There is no folder '{}'.", folder);
+    }
+    const std::string name = base + extension;
     std::string path = platform::join_path(folder, name);
     if (!platform::file_exists(path) && !request.layer_name.empty()) {
         path = platform::join_path(folder, request.layer_name + extension);

@@ -28,6 +28,13 @@ constexpr const char* kExample =
     "Exit status: 0 the output is finished, 1 there is none (the messages say why), 2 the command line is wrong,\n"
     "130 the run was cancelled.";
 
+/// What is wrong with a selection; empty when nothing is. A run without one takes all zones, which nobody wants who
+/// meant to give one.
+std::string fault_of_selection(const std::string& text) {
+    const bool empty = text.find_first_not_of(" \t\r\n") == std::string::npos;
+    return empty ? "is empty; leave it out to take all zones" : "";
+}
+
 void add_input_options(CLI::App& command, RunRequest& request) {
     command.add_option("--land-cover", request.land_cover, "Land-cover raster, of class codes")
         ->required()
@@ -39,7 +46,9 @@ void add_input_options(CLI::App& command, RunRequest& request) {
     command.add_option("--field", request.field, "Field of the zones that groups them: whole numbers or text")
         ->required()
         ->type_name("NAME");
-    command.add_option("--where", request.where, "Takes only the zones for which this holds")->type_name("SQL");
+    command.add_option("--where", request.where, "Takes only the zones for which this holds")
+        ->check(CLI::Validator(fault_of_selection, ""))
+        ->type_name("SQL");
     command.add_option("--store", request.store, "Coefficient store; by default your own")->type_name("FILE");
     command.add_option("--set", request.set, "Coefficient set; may be left out when the store holds one only")
         ->type_name("NAME");
@@ -66,7 +75,9 @@ void add_model_options(CLI::App& command, RunRequest& request, std::vector<std::
 
 void add_output_options(CLI::App& command, RunRequest& request) {
     command.add_option("--output", request.output, "Output shapefile")->required()->type_name("DIR/NAME.shp");
-    command.add_option("--layer-name", request.layer_name, "Name of the output layer and its records; by default NAME")
+    command
+        .add_option("--layer-name", request.layer_name,
+                    "Name of the output layer and its records; by default the file's")
         ->type_name("NAME");
     command.add_flag("--overwrite", request.overwrite, "Replaces an output that exists");
     command.add_flag("--yes", request.yes, "Answers questions with OK or Yes, not with Cancel or No");

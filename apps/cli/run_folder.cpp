@@ -8,12 +8,21 @@ namespace kestrel::cli {
 
 namespace {
 
+std::string unique_folder(const std::string& parent) {
+    try {
+        return platform::make_unique_folder(parent, "kestrel-");
+    } catch (const platform::RuntimeError& error) {
+        refuse("There is no room for the working data of a run in '{}': {}. Set TMPDIR, or give --extension-folder.",
+               parent, error.description());
+    }
+}
+
 std::string private_folder(const std::string& contact_file) {
     const std::string parent = platform::temporary_folder();
     if (parent.empty()) {
         refuse("There is no folder for temporary files. Set TMPDIR, or give --extension-folder.");
     }
-    const std::string folder = platform::make_unique_folder(parent, "kestrel-");
+    const std::string folder = unique_folder(parent);
     if (platform::file_exists(contact_file)) {
         platform::create_folder(platform::join_path(folder, "etc"));
         platform::copy_file(contact_file, platform::join_path(folder, "etc/contact.ini"));
@@ -33,8 +42,8 @@ RunFolder::RunFolder(const std::string& chosen, const std::string& contact_file)
     try {
         m_lock = std::make_unique<platform::FolderLock>(m_path);
     } catch (const platform::RuntimeError& error) {
-        refuse("The extension folder '{}' cannot be used: {}. Wait for the other run, or leave --extension-folder out.",
-               m_path, error.description());
+        refuse("The extension folder cannot be used. {}. Give another --extension-folder, or none.",
+               error.description());
     }
 }
 

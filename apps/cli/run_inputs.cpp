@@ -39,6 +39,9 @@ FeatureClass open_polygons(std::string_view option, const FeatureSource& source)
     try {
         opened = FeatureClass::open(source);
     } catch (const RuntimeError& error) {
+        if (error.number() == platform::kFileNotFound) {
+            refuse("The source of {} cannot be opened. There is no file '{}'.", option, source.path);
+        }
         refuse("The source of {} cannot be opened. {}", option, error.description());
     }
     if (!opened->polygonal()) {
@@ -48,10 +51,25 @@ FeatureClass open_polygons(std::string_view option, const FeatureSource& source)
     return *opened;
 }
 
-std::string names_of(const std::vector<Field>& fields) {
+bool any_type(FieldType) {
+    return true;
+}
+
+bool names_zones(FieldType type) {
+    return integral(type) || type == FieldType::text;
+}
+
+bool holds_numbers(FieldType type) {
+    return integral(type) || type == FieldType::single || type == FieldType::real;
+}
+
+/// Names of the fields whose type suits.
+std::string names_of(const std::vector<Field>& fields, bool (*suits)(FieldType) = any_type) {
     std::string names;
     for (const Field& field : fields) {
-        names += (names.empty() ? "" : ", ") + field.name;
+        if (suits(field.type)) {
+            names += (names.empty() ? "" : ", ") + field.name;
+        }
     }
     return names.empty() ? "it has none" : names;
 }
@@ -70,20 +88,18 @@ const Field& field_of(const FeatureClass& features, std::string_view option, con
 }
 
 void check_analysis_field(const FeatureClass& zones, const std::string& name) {
-    const FieldType type = field_of(zones, "--field", name).type;
-    if (!integral(type) && type != FieldType::text) {
+    if (!names_zones(field_of(zones, "--field", name).type)) {
         refuse(
             "The field '{}' (--field) of the layer '{}' holds neither whole numbers nor text, so it cannot name the "
             "zones. Give another field: {}.",
-            name, zones.layer_name(), names_of(zones.fields()));
+            name, zones.layer_name(), names_of(zones.fields(), names_zones));
     }
 }
 
 void check_density_field(const FeatureClass& blocks, const std::string& name) {
-    const FieldType type = field_of(blocks, "--density-field", name).type;
-    if (!integral(type) && type != FieldType::single && type != FieldType::real) {
+    if (!holds_numbers(field_of(blocks, "--density-field", name).type)) {
         refuse("The field '{}' (--density-field) of the layer '{}' holds no numbers. Give another field: {}.", name,
-               blocks.layer_name(), names_of(blocks.fields()));
+               blocks.layer_name(), names_of(blocks.fields(), holds_numbers));
     }
 }
 
@@ -124,8 +140,9 @@ std::vector<std::int64_t> selected_zones(const FeatureClass& zones, const std::s
     try {
         ids = zones.ids_where(where);
     } catch (const RuntimeError& error) {
-        refuse("The selection (--where) cannot be understood: {}. {} The fields of the layer '{}': {}.", where,
-               error.description(), zones.layer_name(), names_of(zones.fields()));
+        // The description comes last: it may draw an arrow below a place of the selection.
+        refuse("The selection (--where) cannot be understood: {}. The fields of the layer '{}': {}. {}", where,
+               zones.layer_name(), names_of(zones.fields()), error.description());
     }
     if (ids.empty()) {
         refuse(

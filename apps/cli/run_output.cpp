@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <stdexcept>
+#include <string_view>
 
 #include "apps/cli/refusal.h"
 #include "platform/files.h"
@@ -39,6 +40,20 @@ fs::path real_path(const fs::path& path) {
     std::error_code error;
     const fs::path result = fs::weakly_canonical(path, error);
     return error ? fs::absolute(path) : result;
+}
+
+/// The file system's limit, with the ending of the longest file that bears the name.
+bool too_long(const std::string& base_name) {
+    constexpr std::size_t kLongestName = 255;
+    return base_name.size() + std::string_view(".shp").size() > kLongestName;
+}
+
+/// Of a file that there is one of, or of many: the shapefile itself, and how many more.
+std::string summary_of(std::vector<std::string> files, const std::string& shapefile) {
+    std::stable_partition(files.begin(), files.end(), [&](const std::string& file) { return file == shapefile; });
+    const std::size_t more = files.size() - 1;
+    return "'" + files.front() + "'" +
+           (more == 0 ? "" : fmt::format(" and {} more {} of that name", more, more == 1 ? "file" : "files"));
 }
 
 std::vector<std::string> existing_files(const RunOutput& output) {
@@ -77,6 +92,9 @@ RunOutput output_of(const std::string& text, const std::string& layer_name) {
     if (name.empty() || name == "." || name == ".." || lower_case(name) == ".shp") {
         throw std::invalid_argument("'" + text + "' has no file name: write DIR/NAME.shp");
     }
+    if (platform::folder_exists(given) && !lower_case(name).ends_with(".shp")) {
+        throw std::invalid_argument("'" + text + "' is a folder: write " + platform::join_path(given, "NAME.shp"));
+    }
     if (layer_name.find_first_of("/\\\r\n") != std::string::npos) {
         throw std::invalid_argument("'" + layer_name + "' cannot be a layer's name: the run report and the metadata " +
                                     "are files of that name, so it may hold no slash");
@@ -90,6 +108,11 @@ RunOutput output_of(const std::string& text, const std::string& layer_name) {
     }
     output.file_name = with_extension(name);
     output.layer_name = layer_name.empty() ? platform::base_name_of(output.file_name) : layer_name;
+    for (const std::string& base : {platform::base_name_of(output.file_name), output.layer_name}) {
+        if (too_long(base)) {
+            throw std::invalid_argument("'" + base + "' is too long for the name of a file");
+        }
+    }
     return output;
 }
 
@@ -99,6 +122,16 @@ void check_folder(const RunOutput& output) {
     }
     if (!platform::folder_writable(output.folder)) {
         refuse("The folder of the output cannot be written to: '{}'. Give another --output.", output.folder);
+    }
+    std::vector<std::string> places = output.records();
+    places.push_back(output.path());
+    for (const char* extension : {".shx", ".dbf", ".prj", ".cpg"}) {
+        places.push_back(platform::join_path(output.folder, platform::base_name_of(output.file_name) + extension));
+    }
+    for (const std::string& place : places) {
+        if (platform::folder_exists(place)) {
+            refuse("'{}' is a folder, where a file of the output would stand. Give another --output.", place);
+        }
     }
 }
 
@@ -122,8 +155,8 @@ void check_not_an_input(const RunOutput& output, const std::vector<std::string>&
 void check_replacement(const RunOutput& output, bool overwrite) {
     const std::vector<std::string> files = existing_files(output);
     if (!files.empty() && !overwrite) {
-        refuse("The output exists already: '{}'. Give --overwrite to replace it, or another --output.",
-               fmt::join(files, "', '"));
+        refuse("The output exists already: {}. Give --overwrite to replace it, or another --output.",
+               summary_of(files, output.path()));
     }
 }
 

@@ -23,10 +23,11 @@ struct RunOutput {
 
 /// \param text what the user gave: a name without ".shp" gets it, one without a folder means the present folder.
 /// \param layer_name the output's base name when empty.
-/// \throws std::invalid_argument with the reason when there is no name, or the layer's name is no file name.
+/// \throws std::invalid_argument with the reason when there is no name, it is that of a folder, or one of the names is
+///         no file name.
 RunOutput output_of(const std::string& text, const std::string& layer_name);
 
-/// Refuses a folder that is missing or cannot be written to.
+/// Refuses a folder that is missing, cannot be written to, or has folders where the files of the output would stand.
 void check_folder(const RunOutput& output);
 
 /// Refuses an output that is one of the inputs, or whose files would replace files that belong to one.

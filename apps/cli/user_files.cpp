@@ -57,7 +57,13 @@ std::string user_store() {
     if (etc.empty()) {
         return installed + "/isprops.xml";
     }
-    platform::create_folders(etc);
+    try {
+        platform::create_folders(etc);
+    } catch (const platform::RuntimeError& error) {
+        refuse(
+            "There is no place for a coefficient store of your own: {}. Give one with --store, or set XDG_DATA_HOME.",
+            error.description());
+    }
     for (const std::string_view name : kShippedFiles) {
         const std::string from = platform::join_path(installed, name);
         const std::string to = platform::join_path(etc, name);

@@ -55,6 +55,17 @@ TEST_F(RecordsTest, RefusesWhenThereIsNone) {
         "refused: There is no metadata file 'sheds_is.met' in the folder '" + m_folder.path() + "', nor any other.");
 }
 
+TEST_F(RecordsTest, RefusesAFolderThatIsMissing) {
+    EXPECT_EQ(print({m_folder / "none/sheds_is.shp"}), "refused: There is no folder '" + (m_folder / "none") + "'.");
+}
+
+TEST_F(RecordsTest, RefusesAPathWithoutAFileName) {
+    EXPECT_EQ(print({""}), "refused: '' names no shapefile. Give the output of a run, such as results/sheds_is.shp.");
+    EXPECT_EQ(print({m_folder.path() + "/"}), "refused: '" + m_folder.path() +
+                                                  "/' names no shapefile. Give the output of a run, such as "
+                                                  "results/sheds_is.shp.");
+}
+
 TEST_F(RecordsTest, NamesTheOthersWhenThereIsNone) {
     make("Sheds IS.prm", "x");
     make("More.prm", "x");

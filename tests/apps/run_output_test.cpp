@@ -67,6 +67,28 @@ TEST(OutputName, ALayerNameThatIsNoFileNameIsRefused) {
     EXPECT_THROW(output_of("/d/roads.shp", "a\\b"), std::invalid_argument);
 }
 
+TEST(OutputName, LongerThanAFileNameIsRefused) {
+    EXPECT_EQ(output_of("/d/" + std::string(251, 'x'), "").file_name.size(), 255U);
+    EXPECT_THROW(output_of("/d/" + std::string(252, 'x'), ""), std::invalid_argument);
+    EXPECT_EQ(output_of("/d/roads.shp", std::string(251, 'x')).layer_name.size(), 251U);
+    EXPECT_THROW(output_of("/d/roads.shp", std::string(252, 'x')), std::invalid_argument);
+}
+
+TEST(OutputName, AFolderIsRefusedUnlessItsNameIsThatOfAShapefile) {
+    const test::TemporaryFolder folder;
+    fs::create_directory(folder / "results");
+    fs::create_directory(folder / "roads.shp");
+    try {
+        output_of(folder / "results", "");
+        FAIL() << "a folder is no output";
+    } catch (const std::invalid_argument& error) {
+        EXPECT_EQ(std::string(error.what()),
+                  "'" + (folder / "results") + "' is a folder: write " + (folder / "results/NAME.shp"));
+    }
+    EXPECT_EQ(output_of(folder / "results.shp", "").file_name, "results.shp");
+    EXPECT_EQ(output_of(folder / "roads.shp", "").file_name, "roads.shp") << "check_folder() refuses it";
+}
+
 TEST(OutputRecords, BearTheLayersNameAndTheStyleTheFiles) {
     EXPECT_EQ(output_of("/d/roads.shp", "Roads IS").records(),
               (std::vector<std::string>{"/d/Roads IS.prm", "/d/Roads IS.met", "/d/Roads IS.lyr", "/d/roads.qml"}));
@@ -97,12 +119,27 @@ TEST_F(OutputPlaceTest, AFolderThatCannotBeWrittenIsRefused) {
               "The folder of the output cannot be written to: '" + m_folder.path() + "'. Give another --output.");
 }
 
+TEST_F(OutputPlaceTest, AFolderInThePlaceOfAFileIsRefused) {
+    for (const char* name : {"roads.shp", "roads.dbf", "roads.shx", "roads.prj", "roads.cpg", "roads.prm", "roads.met",
+                             "roads.lyr", "roads.qml"}) {
+        fs::create_directory(m_folder / name);
+        EXPECT_EQ(
+            refusal_of([&] { check_folder(output("roads.shp")); }),
+            "'" + (m_folder / name) + "' is a folder, where a file of the output would stand. Give another --output.");
+        fs::remove(m_folder / name);
+    }
+}
+
 TEST_F(OutputPlaceTest, AnExistingOutputIsRefusedUnlessItIsToBeReplaced) {
     make("roads.shp");
     make("roads.prm");
     EXPECT_EQ(refusal_of([&] { check_replacement(output("roads.shp"), false); }),
-              "The output exists already: '" + (m_folder / "roads.shp") + "', '" + (m_folder / "roads.prm") +
-                  "'. Give --overwrite to replace it, or another --output.");
+              "The output exists already: '" + (m_folder / "roads.shp") +
+                  "' and 1 more file of that name. Give --overwrite to replace it, or another --output.");
+    make("roads.dbf");
+    EXPECT_EQ(refusal_of([&] { check_replacement(output("roads.shp"), false); }),
+              "The output exists already: '" + (m_folder / "roads.shp") +
+                  "' and 2 more files of that name. Give --overwrite to replace it, or another --output.");
     EXPECT_EQ(refusal_of([&] { check_replacement(output("roads.shp"), true); }), "");
 }
 
