@@ -78,7 +78,7 @@ std::string command_text(const std::string& folder, const std::string& set) {
            " \\\n    --option density --density-layer " + path(kDemoBlocks) +
            " --density-field POP_DEN \\\n    --density-high 1500 --density-low 250 \\\n    --scenario " +
            scenario(kDemoMall, "24") + " --scenario " + scenario(kDemoSubdivision, "22") + " \\\n    --output " +
-           path("watersheds_is.shp") + "\n";
+           path("watersheds_is.shp");
 }
 
 void make_empty_folder(const std::string& folder) {
@@ -118,10 +118,10 @@ int make_demo(const std::string& given_folder, const DemoSize& size, std::ostrea
     write_demo_scenarios(folder, size);
     platform::copy_file(store, platform::join_path(folder, kStoreName));
     const std::string command = command_text(folder, set);
-    platform::write_file(platform::join_path(folder, kCommandName), "#!/bin/sh\n" + command);
+    platform::write_file(platform::join_path(folder, kCommandName), "#!/bin/sh\n" + command + " \"$@\"\n");
     out << "The demonstration lies in " << folder << ": land cover of " << size.columns << " x " << size.rows
         << " cells, watersheds,\ncensus blocks with population density, and two development scenarios. Run it with\n\n"
-        << command << "\nThe same command stands in " << kCommandName << ".\n";
+        << command << "\n\nThe same command stands in " << kCommandName << ", which takes further options.\n";
     return kDone;
 }
 
@@ -141,7 +141,8 @@ void add_demo_command(CLI::App& app, Action& action) {
         })
         ->type_name("SIZE");
     command->add_option("--seed", options->seed, "Another number makes another country")->type_name("N");
-    command->footer("Example:\n  kestrel demo try_kestrel\n  sh try_kestrel/run_demo.sh");
+    command->footer(
+        "Example:\n  kestrel demo try_kestrel\n  sh try_kestrel/run_demo.sh\n  sh try_kestrel/run_demo.sh --overwrite");
     command->callback([options, &action] {
         action = [options] {
             ConsoleProgress progress(std::cerr, false);

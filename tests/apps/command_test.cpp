@@ -40,6 +40,24 @@ TEST(CommandLine, UnknownSubcommandsAndOptionsAreWrong) {
     EXPECT_EQ(run_command({"demo", "x", "--size", "huge"}).status, 2);
 }
 
+TEST(CommandLine, AnUnknownSubcommandOrOptionIsNamed) {
+    EXPECT_EQ(run_command({"walk"}).err, "There is no command 'walk'\nRun with --help for more information.\n");
+    EXPECT_EQ(run_command({"--fly"}).err, "There is no option '--fly'\nRun with --help for more information.\n");
+    EXPECT_EQ(run_command({"coefficients", "walk"}).err,
+              "There is no command 'walk'\nRun with --help for more information.\n");
+}
+
+TEST(CommandLine, AResultThatCannotBeWrittenIsAFailure) {
+    const TemporaryFolder folder;
+    platform::write_file(folder / "is.prm", "report\r\n");
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"--version"}, {"run", "--help"}, {"records", folder / "is.shp"}}) {
+        const CommandResult result = run_command_to("/dev/full", arguments);
+        EXPECT_EQ(result.status, 1) << arguments.front();
+        EXPECT_EQ(result.err, "Kestrel: The result could not be written to standard output.\n");
+    }
+}
+
 TEST(CommandLine, EverySubcommandHasHelpWithAnExample) {
     const std::vector<std::vector<std::string>> commands{{"run"},
                                                          {"records"},
@@ -121,6 +139,12 @@ TEST_F(RunCommandLine, AHighCutOffBelowTheLowOneIsWrong) {
                       "--density-high: is below --density-low: 1.5 < 2"));
 }
 
+TEST_F(RunCommandLine, AnEmptySelectionIsWrong) {
+    for (const char* empty : {"", "  "}) {
+        EXPECT_TRUE(holds(wrong(m_data.with("--where", empty)), "--where: is empty; leave it out to take all zones"));
+    }
+}
+
 TEST_F(RunCommandLine, AScenarioWithoutAClassCodeIsWrong) {
     EXPECT_TRUE(holds(wrong(m_data.with("--scenario", m_data / "mall.shp")), "is no scenario: write SRC:CODE"));
     EXPECT_TRUE(holds(wrong(m_data.with("--scenario", (m_data / "mall.shp") + ":city")), "'city' in the scenario"));
@@ -179,6 +203,14 @@ TEST(UserStore, IsMadeOnFirstUseFromTheOneThatCameWithTheProgram) {
     EXPECT_EQ(platform::read_file(own), platform::read_file(std::string(KESTREL_SOURCE_DIR) + "/etc/isprops.xml"));
 }
 
+TEST(UserStore, ThatCannotBeMadeIsRefused) {
+    const CommandResult result = run_command({"coefficients", "list"}, {"XDG_DATA_HOME=/proc/none"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.err.starts_with("Kestrel: There is no place for a coefficient store of your own: "))
+        << result.err;
+    EXPECT_TRUE(result.err.ends_with(". Give one with --store, or set XDG_DATA_HOME.\n")) << result.err;
+}
+
 TEST(UserStore, IsLeftAsItIsOnceItIsThere) {
     const TemporaryFolder home;
     fs::create_directories(home / "kestrel/etc");
@@ -213,7 +245,9 @@ TEST(DemoCommand, MakesDataAndACommandThatRuns) {
     const std::string script = platform::read_file(folder + "/run_demo.sh");
     EXPECT_TRUE(script.starts_with("#!/bin/sh\nkestrel run --land-cover '")) << script;
     EXPECT_TRUE(holds(script, "my demo'\\''s/land_cover.tif'")) << script;
-    EXPECT_TRUE(holds(made.out, script.substr(script.find('\n') + 1)));
+    const std::string command = script.substr(script.find('\n') + 1);
+    ASSERT_TRUE(command.ends_with(" \"$@\"\n")) << "takes further options";
+    EXPECT_TRUE(holds(made.out, command.substr(0, command.size() - 6) + "\n"));
 }
 
 TEST(DemoCommand, AFolderThatIsNotEmptyIsRefused) {
