@@ -3,9 +3,11 @@
 #include "coefficients/coefficient_grid.h"
 
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QStyledItemDelegate>
+#include <QToolTip>
 #include <algorithm>
 #include <cmath>
 
@@ -28,6 +30,14 @@ int pixels(int twips, int dots_per_inch) {
 class PlainCells final : public QStyledItemDelegate {
   public:
     using QStyledItemDelegate::QStyledItemDelegate;
+
+    /// Tells the whole text of a cell that shows a part of it only.
+    bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override {
+        const bool whole = sizeHint(option, index).width() <= view->visualRect(index).width();
+        QToolTip::showText(event->globalPos(), whole ? QString() : index.data().toString(), view);
+        return true;
+    }
 
   protected:
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
@@ -59,6 +69,10 @@ CoefficientGrid::CoefficientGrid(QWidget* parent) : QTableWidget(parent) {
     GridContents empty;
     SetLCGridHeaders(empty);
     lay_out_headers(empty.headers);
+}
+
+QColor CoefficientGrid::current_cell_colour() {
+    return {255, 255, 192};
 }
 
 Qt::Alignment CoefficientGrid::alignment_of(int column) {
@@ -166,9 +180,8 @@ void CoefficientGrid::set_text(GridCell cell, const QString& text, int line) {
 
 void CoefficientGrid::highlight(GridCell cell, bool on, int line) {
     QTableWidgetItem& painted = item_at(cell, line);
-    // Without a brush of its own a cell has the system's window colour. The text on the yellow is black also where the
-    // system's is white.
-    painted.setBackground(on ? QBrush(QColor(255, 255, 192)) : QBrush());
+    // Without a brush of its own a cell has the system's window colour.
+    painted.setBackground(on ? QBrush(current_cell_colour()) : QBrush());
     painted.setForeground(on ? QBrush(Qt::black) : QBrush());
 }
 

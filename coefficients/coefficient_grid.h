@@ -51,6 +51,8 @@ class CoefficientGrid final : public QTableWidget {
     void scroll_to(GridCell cell) { scrollTo(model()->index(cell.row - 1, cell.column - 1)); }
 
     static Qt::Alignment alignment_of(int column);
+    /// Light yellow. Text on it is black, also where the system's is white.
+    static QColor current_cell_colour();
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

@@ -44,6 +44,10 @@ void frmISModelProps::build_controls() {
     txtActiveCell->setAccessibleName("Cell being edited");
     txtActiveCell->setFrame(false);
     txtActiveCell->setTextMargins(1, 0, 1, 0);  // its text stands where the cell's does
+    QPalette colours = txtActiveCell->palette();
+    colours.setColor(QPalette::Base, CoefficientGrid::current_cell_colour());
+    colours.setColor(QPalette::Text, Qt::black);
+    txtActiveCell->setPalette(colours);
     txtActiveCell->setDragEnabled(false);
     txtActiveCell->setAcceptDrops(false);
     txtActiveCell->hide();

@@ -30,13 +30,13 @@ CallStackWindow::CallStackWindow(const QString& text, QWidget* parent)
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     QPushButton* copy = buttons->addButton("&Copy All", QDialogButtonBox::ActionRole);
     copy->setObjectName("copyCallStack");
-    buttons->button(QDialogButtonBox::Close)->setDefault(true);
     connect(copy, &QPushButton::clicked, this, &CallStackWindow::copy_all);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_view);
     layout->addWidget(buttons);
+    buttons->button(QDialogButtonBox::Close)->setDefault(true);  // only now that it belongs to the dialog
     setSizeGripEnabled(true);
     resize(90 * m_view->fontMetrics().horizontalAdvance('x'), 24 * m_view->fontMetrics().lineSpacing());
 }

@@ -49,7 +49,7 @@ TEST(inComboBox, ComparesWholeEntriesWithoutRegardToLetterCase) {
     EXPECT_TRUE(inComboBox(combo, "Default"));
     EXPECT_TRUE(inComboBox(combo, "dEFAULT"));
     EXPECT_TRUE(inComboBox(combo, "WÄLDER"));
-    EXPECT_FALSE(inComboBox(combo, "Defaul"));
+    EXPECT_FALSE(inComboBox(combo, "Def"));
     EXPECT_FALSE(inComboBox(combo, "Default "));
     EXPECT_FALSE(inComboBox(combo, "D*"));
     EXPECT_FALSE(inComboBox(combo, ""));

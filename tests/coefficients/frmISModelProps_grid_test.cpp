@@ -3,7 +3,9 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QScrollBar>
+#include <QToolTip>
 
 #include "tests/coefficients/editor_fixture.h"
 
@@ -259,6 +261,20 @@ TEST_F(GridTest, CellThatIsPartlyInViewStaysUnderTheMouseWhenClicked) {
     QTest::mouseClick(grid().viewport(), Qt::LeftButton, Qt::NoModifier, place);
     EXPECT_EQ(current().row, row);
     EXPECT_EQ(grid().indexAt(place).row() + 1, row);
+}
+
+TEST_F(GridTest, CellThatShowsAPartOfItsTextTellsTheWholeOfItUnderTheMouse) {
+    const auto hover = [this](GridCell at) {
+        const QPoint place = grid().place_of(at).center();
+        QHelpEvent event(QEvent::ToolTip, place, grid().viewport()->mapToGlobal(place));
+        QApplication::sendEvent(grid().viewport(), &event);
+        return QToolTip::text();
+    };
+    const QString name = "A name that is far too long for the column of names, so that its end is not seen";
+    grid().set_text({2, 2}, name);
+    EXPECT_EQ(hover({1, 2}), "") << "it is seen whole";
+    EXPECT_EQ(hover({2, 2}), name);
+    QToolTip::hideText();
 }
 
 // Keys in the overlay.
