@@ -34,7 +34,7 @@ bool is_empty(const GridRow& row) {
 
 /// The text of a cell that must hold a number.
 const std::string& number_in(const GridRow& row, GridColumn column) {
-    const std::string& text = row[column];
+    const std::string& text = row[static_cast<std::size_t>(column)];
     if (!platform::numeric(text)) {
         throw platform::RuntimeError(platform::kTypeMismatch,
                                      fmt::format("Type mismatch: \"{}\" in row {} is no number", text, row[0]));
