@@ -33,10 +33,10 @@ struct FeatureClass::Source {
 
 namespace {
 
-std::string layer_list(GDALDataset& dataset) {
-    std::string names;
+std::vector<std::string> layer_names(GDALDataset& dataset) {
+    std::vector<std::string> names;
     for (OGRLayer* const layer : dataset.GetLayers()) {
-        names += (names.empty() ? "" : ", ") + std::string(layer->GetName());
+        names.emplace_back(layer->GetName());
     }
     return names;
 }
@@ -51,7 +51,7 @@ OGRLayer* find_layer(GDALDataset& dataset, const FeatureSource& source) {
         throw RuntimeError(kLibraryFailure, fmt::format("{} holds no layer of features", source.path));
     }
     throw RuntimeError(kLibraryFailure, fmt::format("{} has no layer \"{}\"; its layers are: {}", source.path,
-                                                    source.layer_name, layer_list(dataset)));
+                                                    source.layer_name, fmt::join(layer_names(dataset), ", ")));
 }
 
 SpatialReference reference_of(OGRLayer& layer) {
@@ -230,6 +230,10 @@ FeatureClass FeatureClass::open(const FeatureSource& source) {
 
 const FeatureSource& FeatureClass::source() const noexcept {
     return m_source->source;
+}
+
+std::vector<std::string> FeatureClass::layers_in_source() const {
+    return layer_names(*m_source->dataset);
 }
 
 const std::string& FeatureClass::layer_name() const noexcept {

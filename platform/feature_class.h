@@ -49,6 +49,8 @@ class FeatureClass {
     static FeatureClass open(const FeatureSource& source);
 
     const FeatureSource& source() const noexcept;
+    /// Names of all layers in the source, in order.
+    std::vector<std::string> layers_in_source() const;
     /// Name of the layer inside the source.
     const std::string& layer_name() const noexcept;
     /// Attribute fields in order, without object id and geometry.

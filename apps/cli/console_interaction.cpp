@@ -97,7 +97,13 @@ void ConsoleInteraction::show_help() {
 }
 
 void ConsoleInteraction::notice(std::string_view text) {
-    if (!m_options.quiet && m_notices.emplace(text).second) {
+    if (!m_options.quiet) {
+        explain(text);
+    }
+}
+
+void ConsoleInteraction::explain(std::string_view text) {
+    if (m_notices.emplace(text).second) {
         write("Kestrel: " + std::string(text));
     }
 }

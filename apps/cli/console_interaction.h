@@ -35,6 +35,8 @@ class ConsoleInteraction final : public platform::Interaction {
     void show_help() override;
     /// Writes a notice once, however often it is given.
     void notice(std::string_view text) override;
+    /// Writes a notice once although notices are left out: it says why a run failed.
+    void explain(std::string_view text);
     void beep() override {}
 
     /// The boxes and call stacks so far, as they were written.

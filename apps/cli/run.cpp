@@ -116,7 +116,7 @@ Ending execute(const RunRequest& request, ConsoleProgress& progress) {
 int tell_result(const RunRequest& request, const Ending& ending, std::ostream& out, ConsoleInteraction& console) {
     const RunResult& result = ending.result;
     for (const std::string& notice : result.notices) {
-        console.notice(notice);
+        result.finished ? console.notice(notice) : console.explain(notice);
     }
     if (const std::string unknown = unknown_classes_text(result); !unknown.empty()) {
         console.message_box({unknown});

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "apps/cli/run_inputs.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <optional>
@@ -43,6 +45,11 @@ FeatureClass open_polygons(std::string_view option, const FeatureSource& source)
             refuse("The source of {} cannot be opened. There is no file '{}'.", option, source.path);
         }
         refuse("The source of {} cannot be opened. {}", option, error.description());
+    }
+    const std::vector<std::string> layers = opened->layers_in_source();
+    if (source.layer_name.empty() && layers.size() > 1) {
+        refuse("'{}' of {} holds several layers: {}. Name one of them, as in '{}|layername={}'.", source.path, option,
+               fmt::join(layers, ", "), source.path, layers.front());
     }
     if (!opened->polygonal()) {
         refuse("The layer '{}' of {} holds no polygons, in '{}'. Give a polygon layer.", opened->layer_name(), option,

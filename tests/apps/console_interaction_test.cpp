@@ -85,6 +85,14 @@ TEST(ConsoleInteraction, QuietLeavesNoticesOutButNotBoxes) {
     EXPECT_EQ(console.stream.str(), "Kestrel: Failed\n");
 }
 
+TEST(ConsoleInteraction, WhyARunFailedIsSaidAlsoWhenNoticesAreLeftOut) {
+    Console console({.quiet = true});
+    console.interaction.notice("The raster cannot be read.");
+    console.interaction.explain("The raster cannot be read.");
+    console.interaction.explain("The raster cannot be read.");
+    EXPECT_EQ(console.stream.str(), "Kestrel: The raster cannot be read.\n");
+}
+
 TEST(ConsoleInteraction, TheProgressLineGivesWayToAText) {
     Console console;
     console.progress.report(0.5, "Reading");

@@ -69,6 +69,19 @@ TEST_F(RunRefusal, ALayerThatTheSourceDoesNotHave) {
     EXPECT_NE(text.find("sheds"), std::string::npos) << "lists the layers that there are";
 }
 
+TEST_F(RunRefusal, ASourceOfSeveralLayersWithoutALayersName) {
+    const std::string two_layers = m_data / "several";
+    platform::create_folder(two_layers);
+    for (const char* name : {"east", "west"}) {
+        for (const char* part : {".shp", ".shx", ".dbf", ".prj"}) {
+            platform::copy_file((m_data / "sheds") + part, two_layers + "/" + name + part);
+        }
+    }
+    const std::string text = refusal(m_data.with("--zones", two_layers));
+    EXPECT_TRUE(starts(text, "'" + two_layers + "' of --zones holds several layers: ")) << text;
+    EXPECT_NE(text.find("Name one of them, as in '" + two_layers + "|layername="), std::string::npos) << text;
+}
+
 TEST_F(RunRefusal, LayersWithoutPolygons) {
     EXPECT_EQ(
         refusal(m_data.with("--zones", points())),
