@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "coefficients/frmISModelProps.h"
+#include "platform/files.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
 
@@ -69,9 +70,23 @@ class EditorTest : public testing::Test {
         key(Qt::Key_F2);
     }
 
+    platform::MessageBox save_failure() const {
+        return {
+            "Failed To Save XML - verify the permissions to write to file '" + m_folder.path() + "\\etc\\isprops.xml'.",
+            "", platform::Icon::critical, platform::Buttons::ok_cancel};
+    }
+    /// Makes every save fail while it lives.
+    std::unique_ptr<platform::FolderLock> no_saving() const {
+        return std::make_unique<platform::FolderLock>(m_folder.path());
+    }
+
     TemporaryFolder m_folder;
     ScriptedInteraction m_user;
     std::unique_ptr<frmISModelProps> m_form;
 };
+
+inline const platform::MessageBox kQuitPrompt = {
+    "Changes to the coefficient set have not been saved. \r\n Click 'Yes' to save changes, 'No' to quit, or 'Cancel' to return.",
+    "", platform::Icon::none, platform::Buttons::yes_no_cancel};
 
 }  // namespace kestrel::test

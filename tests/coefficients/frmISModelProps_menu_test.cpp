@@ -4,7 +4,7 @@
 #include <QContextMenuEvent>
 #include <QHeaderView>
 
-#include "tests/coefficients/editor_fixture.h"
+#include "tests/coefficients/grid_fixture.h"
 
 namespace kestrel::test {
 namespace {
@@ -15,7 +15,6 @@ using platform::Icon;
 using platform::MessageBox;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using GridCell = basISModelPropsUtil::GridCell;
 
 /// The row menu, on the set "Town": rows "1,Roof,90,80,70", "2,Park,10,5,1" and "3,Pond,0,0,0".
 class RowMenuTest : public EditorTest {
