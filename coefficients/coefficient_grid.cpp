@@ -87,7 +87,7 @@ void CoefficientGrid::lay_out_headers(const std::vector<GridHeader>& headers) {
     for (int column = kFirstDataColumn; column < static_cast<int>(headers.size()); ++column) {
         const GridHeader& header = headers[static_cast<std::size_t>(column)];
         auto* label = new QTableWidgetItem(QString::fromStdString(header.text));
-        label->setTextAlignment(static_cast<int>(alignment_of(column)));
+        label->setData(Qt::TextAlignmentRole, static_cast<int>(alignment_of(column)));
         setHorizontalHeaderItem(column - 1, label);
         const int width = std::max(pixels(header.width, dots), horizontalHeader()->sectionSizeHint(column - 1));
         setColumnWidth(column - 1, width);
@@ -114,7 +114,7 @@ void CoefficientGrid::set_contents(const GridContents& contents) {
 void CoefficientGrid::fill_row(int row, const GridRow& texts) {
     for (int column = kFirstDataColumn; column <= kLastColumn; ++column) {
         auto* cell = new QTableWidgetItem(QString::fromStdString(texts[static_cast<std::size_t>(column)]));
-        cell->setTextAlignment(static_cast<int>(alignment_of(column)));
+        cell->setData(Qt::TextAlignmentRole, static_cast<int>(alignment_of(column)));
         setItem(row, column - 1, cell);
     }
 }
