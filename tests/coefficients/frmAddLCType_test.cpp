@@ -91,6 +91,36 @@ TEST_F(frmAddLCTypeTest, NewSetStartsEmptyAndReachesTheStoreWithTheNextApplyOnly
     EXPECT_FALSE(apply_enabled());
 }
 
+TEST_F(frmAddLCTypeTest, NewSetIsNoChangeToAskAboutUntilItIsEdited) {
+    const std::string before = store_text();
+    in_new_dialog([this] {
+        type("Fields");
+        press("cmdOK");
+    });
+    select_set(1);
+    EXPECT_THAT(m_user.boxes, IsEmpty());
+    EXPECT_EQ(row(1), "1,Roof,90,80,70");
+    EXPECT_FALSE(apply_enabled());
+    select_set(2);
+    EXPECT_EQ(grid().rows(), 0);
+    action("MnuFGridAddRow").trigger();
+    click("cmdQuit");
+    EXPECT_THAT(m_user.boxes, ElementsAre(kQuitPrompt));
+    EXPECT_EQ(store_text(), before);
+}
+
+TEST_F(frmAddLCTypeTest, ClosingTheEditorWithAnUneditedNewSetAsksNothing) {
+    const std::string before = store_text();
+    in_new_dialog([this] {
+        type("Fields");
+        press("cmdOK");
+    });
+    click("cmdQuit");
+    EXPECT_FALSE(m_form->isVisible());
+    EXPECT_THAT(m_user.boxes, IsEmpty());
+    EXPECT_EQ(store_text(), before);
+}
+
 TEST_F(frmAddLCTypeTest, NewSetModelledOnAnotherStartsAsACopyOfIt) {
     in_new_dialog([this] {
         type("Copy");

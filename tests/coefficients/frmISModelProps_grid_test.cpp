@@ -162,6 +162,45 @@ TEST_F(GridTest, EscapeOnTheGridDoesNothing) {
     EXPECT_THAT(m_user.boxes, IsEmpty());
 }
 
+TEST_F(GridTest, EscapeOnTheGridDoesNothingThoughThereAreUnsavedChanges) {
+    click_cell(2, 2);
+    key(Qt::Key_Backspace);
+    key(Qt::Key_Escape);
+    EXPECT_TRUE(m_form->isVisible());
+    EXPECT_EQ(row(2), "2,Par,10,5,1");
+    EXPECT_TRUE(apply_enabled());
+    EXPECT_THAT(m_user.boxes, IsEmpty());
+}
+
+TEST_F(GridTest, EnterOnTheGridPressesNoButton) {
+    click_cell(2, 2);
+    key(Qt::Key_Backspace);
+    const std::string before = store_text();
+    key(Qt::Key_Return);
+    key(Qt::Key_Enter, Qt::KeypadModifier);
+    EXPECT_EQ(current(), (GridCell{2, 4}));
+    EXPECT_EQ(QApplication::focusWidget(), &grid());
+    EXPECT_TRUE(apply_enabled());
+    EXPECT_EQ(store_text(), before);
+    EXPECT_TRUE(m_form->isVisible());
+    EXPECT_THAT(m_user.boxes, IsEmpty());
+}
+
+TEST_F(GridTest, EnterAndEscapeOnAGridWithoutRowsDoNothing) {
+    while (grid().rows() > 0) {
+        m_user.answers = {platform::Answer::yes};
+        action("MnuFGridDelRow").trigger();
+    }
+    m_user.boxes.clear();
+    grid().setFocus();
+    key(Qt::Key_Return);
+    key(Qt::Key_Escape);
+    EXPECT_TRUE(m_form->isVisible());
+    EXPECT_EQ(QApplication::focusWidget(), &grid());
+    EXPECT_THAT(m_user.boxes, IsEmpty());
+    EXPECT_THAT(m_user.call_stacks, IsEmpty());
+}
+
 TEST_F(GridTest, ArrowsMoveTheCurrentCell) {
     click_cell(1, 1);
     key(Qt::Key_Down);
@@ -301,6 +340,8 @@ TEST_F(GridTest, LeavingARefusedFirstCharacterByMousePuts0IntoTheCell) {
     type("x");
     click_cell(3, 2);
     EXPECT_EQ(cell(2, 3), "0");
+    EXPECT_EQ(overlay_text(), "0");
+    EXPECT_FALSE(editing());
 }
 
 }  // namespace

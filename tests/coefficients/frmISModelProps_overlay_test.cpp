@@ -49,6 +49,29 @@ TEST_F(GridTest, EscapeAfterAFirstCharacterBringsTheOldTextBack) {
     EXPECT_EQ(overlay_text(), "Roof");
 }
 
+TEST_F(GridTest, EscapeDoesNotReachTheCellWithoutEnter) {
+    edit(1, 2);
+    type("xyz");
+    key(Qt::Key_Escape);
+    key(Qt::Key_Down);
+    EXPECT_EQ(cell(1, 2), "Roofxyz");
+    EXPECT_EQ(cell(2, 2), "Park");
+    EXPECT_EQ(overlay_text(), "Park");
+}
+
+TEST_F(GridTest, MovingAwayWithoutEnterLeavesTheCellWithTheCharacterAtItsEnd) {
+    for (const Qt::Key away : {Qt::Key_Up, Qt::Key_Down}) {
+        grid().set_text({2, 2}, "Park");
+        edit(2, 2);
+        key(Qt::Key_Home);
+        type("X");
+        EXPECT_EQ(overlay_text(), "XPark");
+        key(away);
+        EXPECT_EQ(cell(2, 2), "ParkX");
+        EXPECT_EQ(overlay_text(), cell(current().row, 2));
+    }
+}
+
 TEST_F(GridTest, LeftMovesWithinTheTextUntilTheCaretIsAtItsBeginning) {
     edit(2, 3);
     key(Qt::Key_Left);

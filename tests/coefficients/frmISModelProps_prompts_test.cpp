@@ -88,6 +88,46 @@ TEST_P(QuittingWay, FailedSaveIsToldAndTheWindowStays) {
 INSTANTIATE_TEST_SUITE_P(frmISModelProps, QuittingWay, testing::Values("QuitButton", "CloseButton", "Escape"),
                          [](const auto& tested) { return std::string(tested.param); });
 
+class StartedEdit : public UnsavedChangesTest, public testing::WithParamInterface<const char*> {};
+
+TEST_P(StartedEdit, MakesClosingAskThoughNothingWasChanged) {
+    open();
+    click_cell(1, 3);
+    const std::string way = GetParam();
+    if (way == "F2") {
+        key(Qt::Key_F2);
+    } else if (way == "RefusedKey") {
+        type("x");
+        m_user.boxes.clear();
+    } else {
+        double_click_cell(1, 3);
+    }
+    ASSERT_TRUE(editing());
+    m_user.answers = {Answer::no};
+    click("cmdQuit");
+    EXPECT_THAT(m_user.boxes, ElementsAre(kQuitPrompt));
+}
+
+INSTANTIATE_TEST_SUITE_P(frmISModelProps, StartedEdit, testing::Values("F2", "RefusedKey", "DoubleClick"),
+                         [](const auto& tested) { return std::string(tested.param); });
+
+TEST_F(UnsavedChangesTest, CellThatCannotBeSavedKeepsTheWindowOpenAndItsSetShown) {
+    open();
+    const std::string before = store_text();
+    edit(2, 3);
+    key(Qt::Key_Backspace);
+    m_user.answers = {Answer::yes, Answer::yes};
+    click("cmdQuit");
+    EXPECT_TRUE(m_form->isVisible());
+    EXPECT_THAT(m_user.call_stacks, SizeIs(1));
+    select_set(1);
+    EXPECT_THAT(m_user.call_stacks, SizeIs(2));
+    EXPECT_EQ(list().currentIndex(), 0);
+    EXPECT_EQ(cell(2, 3), "");
+    EXPECT_TRUE(apply_enabled());
+    EXPECT_EQ(store_text(), before);
+}
+
 // The other prompts.
 
 struct Prompted {

@@ -91,6 +91,22 @@ TEST_F(frmISModelPropsTest, StoreWithoutSetsOpensEmptyAndOffersNoRowsToFillIn) {
     EXPECT_EQ(m_form->windowTitle(), "Coefficient Sets[*]");
 }
 
+TEST_F(frmISModelPropsTest, FirstSetOfAnEmptyStoreCanBeFilledInAndApplied) {
+    platform::write_file(store_path(), "<ISModelProperties><ISLCDefs/></ISModelProperties>");
+    open();
+    in_dialog([](QDialog& dialog) {
+        QTest::keyClicks(dialog.findChild<QLineEdit*>("txtLCType"), "First");
+        QTest::mouseClick(dialog.findChild<QPushButton*>("cmdOK"), Qt::LeftButton);
+    });
+    click("cmdNew");
+    EXPECT_EQ(list().currentIndex(), 0);
+    EXPECT_TRUE(grid().isEnabled());
+    EXPECT_TRUE(apply_enabled());
+    action("MnuFGridAddRow").trigger();
+    click("cmdApply");
+    EXPECT_THAT(stored(), ElementsAre("First: 0"));
+}
+
 TEST_F(frmISModelPropsTest, ReopeningLoadsTheStoreAnew) {
     open();
     click_cell(1, 2);
