@@ -172,6 +172,7 @@ void frmISModelProps::move_overlay(GridCell to) {
 }
 
 void frmISModelProps::take_off_last_character() {
+    hide_overlay();  // Tab leaves it shown over what changes here
     const GridCell cell = grdLCDef->current();
     QString text = grdLCDef->text(cell);
     if (!text.isEmpty()) {
@@ -182,6 +183,7 @@ void frmISModelProps::take_off_last_character() {
 }
 
 void frmISModelProps::empty_cell() {
+    hide_overlay();
     grdLCDef->set_text(grdLCDef->current(), QString());
     mark_changed();
 }

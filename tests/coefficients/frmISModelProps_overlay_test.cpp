@@ -190,6 +190,17 @@ TEST_F(GridTest, BackspaceInTheOverlayDeletesBeforeTheCaretAndWritesTheResultInt
     EXPECT_EQ(overlay().cursorPosition(), 2);
 }
 
+TEST_F(GridTest, OverlayDoesNotHideWhatKeysOnTheGridDoToTheCell) {
+    for (const auto& [pressed, left] : {std::pair(Qt::Key_Backspace, "Par"), std::pair(Qt::Key_Delete, "")}) {
+        edit(2, 2);
+        key(Qt::Key_Tab, Qt::ShiftModifier);
+        ASSERT_EQ(QApplication::focusWidget(), &grid());
+        key(pressed);
+        EXPECT_EQ(cell(2, 2), left);
+        EXPECT_FALSE(editing());
+    }
+}
+
 TEST_F(GridTest, DeleteInTheOverlayDeletesBehindTheCaretAndWritesTheResultIntoTheCell) {
     edit(2, 2);
     key(Qt::Key_Home);
