@@ -28,6 +28,16 @@ TEST_F(GridTest, F2StartsEditingTheCurrentCell) {
     EXPECT_EQ(cell(2, 2), "Park");
 }
 
+TEST_F(GridTest, OverlayHasTheGridsFontWhateverItsOwn) {
+    QFont other = grid().font();
+    other.setPointSize(2 * other.pointSize());
+    overlay().setFont(other);
+    ASSERT_NE(overlay().font(), grid().font());
+    click_cell(2, 2);
+    key(Qt::Key_F2);
+    EXPECT_EQ(overlay().font(), grid().font());
+}
+
 TEST_F(GridTest, PrintableCharacterReplacesTheTextAndStartsEditing) {
     click_cell(2, 2);
     type("Q");

@@ -87,6 +87,7 @@ TEST_F(frmISModelPropsTest, StoreWithoutSetsOpensEmptyAndOffersNoRowsToFillIn) {
     EXPECT_EQ(grid().rows(), 0);
     EXPECT_FALSE(grid().isEnabled());
     EXPECT_FALSE(button("CmdExport").isEnabled());
+    EXPECT_FALSE(apply_enabled());
     EXPECT_TRUE(button("cmdNew").isEnabled());
     EXPECT_EQ(m_form->windowTitle(), "Coefficient Sets[*]");
 }
