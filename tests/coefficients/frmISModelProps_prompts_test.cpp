@@ -108,7 +108,7 @@ TEST_P(StartedEdit, MakesClosingAskThoughNothingWasChanged) {
     EXPECT_THAT(m_user.boxes, ElementsAre(kQuitPrompt));
 }
 
-INSTANTIATE_TEST_SUITE_P(frmISModelProps, StartedEdit, testing::Values("F2", "RefusedKey", "DoubleClick"),
+INSTANTIATE_TEST_SUITE_P(frmISModelProps, StartedEdit, testing::Values("F2", "RefusedKey", "ClickTwice"),
                          [](const auto& tested) { return std::string(tested.param); });
 
 TEST_F(UnsavedChangesTest, CellThatCannotBeSavedKeepsTheWindowOpenAndItsSetShown) {
