@@ -21,7 +21,7 @@ class XmlDocument {
   public:
     /// A document whose root is an empty element of this name.
     static XmlDocument with_root(std::string_view element_name);
-    /// \throws RuntimeError (library failure) when the text is not well-formed or beyond a bound; the description says
+    /// \throws RuntimeError (library failure) when the text is not well-formed or beyond a bound; its text tells
     ///         what and where.
     static XmlDocument parse(std::string_view text, int line = __builtin_LINE());
     /// \throws RuntimeError the one that fits when the file cannot be read, otherwise as parse() with the path in
