@@ -72,8 +72,7 @@ inline constexpr std::int64_t kWideNodata = std::numeric_limits<std::int64_t>::m
 class RasterDataset {
   public:
     /// \throws RuntimeError 53 when the file is missing, library failure when it cannot be opened, 5 when it is
-    /// rotated,
-    ///         has no position, no band, or complex values; its text tells what is wrong and what to do.
+    ///         rotated, has no position, no band, or complex values; its text tells what is wrong and what to do.
     static RasterDataset open(const std::string& source);
 
     const std::string& source() const noexcept;
