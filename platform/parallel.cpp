@@ -78,6 +78,9 @@ void ItemQueue::thread_ended() {
 void ItemQueue::watch(int threads, Progress& progress, std::string_view text) {
     std::unique_lock lock(m_mutex);
     while (!m_changed.wait_for(lock, kReportInterval, [&] { return m_ended_threads == threads; })) {
+        if (m_stop) {
+            continue;  // there is nothing more to ask: what is under way is only waited for
+        }
         const double fraction = static_cast<double>(m_done) / static_cast<double>(m_count);
         lock.unlock();
         const bool go_on = progress.report(fraction, text);
@@ -113,6 +116,9 @@ int thread_count(int wanted) {
 
 bool for_each_item(std::size_t count, int threads, Progress& progress, std::string_view text,
                    const std::function<void(std::size_t item, int worker)>& work) {
+    if (!progress.report(0, text)) {
+        return false;
+    }
     const int used = static_cast<int>(std::min(static_cast<std::size_t>(threads), count));
     ItemQueue queue(count);
     {

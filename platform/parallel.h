@@ -17,8 +17,8 @@ int thread_count(int wanted);
 /// ascending order; `worker`, from 0 to `threads` - 1, is the same for all items of one thread.
 ///
 /// \param threads as thread_count() gives it.
-/// \param progress hears the share of the items that is done, about every 50 ms and on the calling thread only. When it
-///        answers stop, no further item is begun.
+/// \param progress hears the share of the items that is done, at the start and about every 50 ms, on the calling thread
+///        only. When it answers stop, no further item is begun, and it is not asked again.
 /// \return whether all items were done.
 /// \throws what the lowest item threw, which does not depend on the number of threads.
 bool for_each_item(std::size_t count, int threads, Progress& progress, std::string_view text,

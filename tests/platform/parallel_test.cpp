@@ -83,6 +83,25 @@ TEST(Parallel, NoItemIsBegunAfterStop) {
     EXPECT_EQ(listener.reports, 2);
 }
 
+TEST(Parallel, WorkHoweverShortIsToldOf) {
+    Listener listener;
+    EXPECT_TRUE(for_each_item(1, 1, listener, "Working", [](std::size_t, int) {}));
+    EXPECT_GE(listener.reports, 1);
+}
+
+TEST(Parallel, NothingIsBegunWhenStopWasAskedForBefore) {
+    Listener listener(1);
+    EXPECT_FALSE(for_each_item(5, 2, listener, "Working", [](std::size_t, int) { FAIL() << "an item was begun"; }));
+    EXPECT_EQ(listener.reports, 1);
+}
+
+TEST(Parallel, WhoHasSaidStopIsNotAskedAgainWhileWorkEnds) {
+    Listener listener(2);
+    EXPECT_FALSE(for_each_item(50, 2, listener, "Working",
+                               [](std::size_t, int) { std::this_thread::sleep_for(std::chrono::milliseconds(180)); }));
+    EXPECT_EQ(listener.reports, 2);
+}
+
 TEST(Parallel, ThreadsAreAsManyAsAskedForOrAsCores) {
     EXPECT_EQ(thread_count(3), 3);
     EXPECT_GE(thread_count(0), 1);
