@@ -3,12 +3,10 @@
 #include "platform/raster_writer.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
-
-#include <csignal>
 
 #include "platform/errors.h"
 #include "platform/files.h"
+#include "tests/support/file_size_limit.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel::platform {
@@ -88,33 +86,13 @@ TEST(RasterWriter, AFileThatCannotBeMadeIsAnErrorThatNamesIt) {
     }
 }
 
-/// Files of this process cannot grow beyond a limit while it lives, as on a device that is full.
-class FileSizeLimit {
-  public:
-    explicit FileSizeLimit(rlim_t bytes) : m_handler(std::signal(SIGXFSZ, SIG_IGN)) {
-        ::getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-  private:
-    rlimit m_before{};
-    void (*m_handler)(int);
-};
-
 TEST(RasterWriter, AFullDeviceIsAnErrorAtTheLatestOnClosing) {
     const test::TemporaryFolder folder;
     std::vector<std::uint8_t> cells;
     for (unsigned i = 0; i < 500 * 500; ++i) {
         cells.push_back(static_cast<std::uint8_t>(((i * i + 77U) * 2654435761U) >> 21));
     }
-    const FileSizeLimit limit(20000);
+    const test::FileSizeLimit limit(20000);
     EXPECT_THROW(
         {
             RasterWriter writer(folder / "a.tif", {.grid = {0, 0, 1, -1, 500, 500}, .reference = {}});

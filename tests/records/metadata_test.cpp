@@ -4,14 +4,13 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <algorithm>
-#include <csignal>
 
 #include "platform/errors.h"
 #include "platform/files.h"
 #include "tests/records/sample_run.h"
+#include "tests/support/file_size_limit.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel {
@@ -306,32 +305,12 @@ TEST_F(Metadata, FullDeviceFailsAndIsLeftToTheCaller) {
     }
 }
 
-/// Lets no file of the process grow beyond `bytes`: the write that would fails.
-class FileSizeLimit {
-  public:
-    explicit FileSizeLimit(rlim_t bytes) : m_handler(std::signal(SIGXFSZ, SIG_IGN)) {
-        ::getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-  private:
-    void (*m_handler)(int);
-    rlimit m_before{};
-};
-
 TEST_F(Metadata, LinesWrittenBeforeAFailureStay) {
     OutputRecord output = planar_output();
     output.analysis_values = Lines(5000, "7");
     const std::string whole = metadata_of(test::sample_run("1"), output);
     {
-        const FileSizeLimit limit(100000);
+        const test::FileSizeLimit limit(100000);
         EXPECT_THROW(write_metadata(m_path, test::sample_run("1"), output, sample_contact()), platform::RuntimeError);
     }
     EXPECT_EQ(read_file(m_path), whole.substr(0, 100000));
