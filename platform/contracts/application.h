@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "platform/contracts/extension.h"
+#include "platform/contracts/interaction.h"
 #include "platform/contracts/map.h"
 #include "platform/contracts/progress.h"
 #include "platform/run_result.h"
@@ -30,10 +31,14 @@ class Application {
     /// The extension registered under `class_id`, or nothing when the host has none of that name.
     virtual IExtensionConfig* find_extension(std::string_view class_id) = 0;
 
-    /// A layer named `name` on the shapefile at `path`; it is not in the map yet.
+    /// A layer named `name` on the shapefile at `path`; it is not in the map yet. Nothing when the host cannot make
+    /// one.
     virtual std::shared_ptr<FeatureLayer> make_feature_layer(const std::string& path, const std::string& name) = 0;
 
-    /// The progress of the run in hand.
+    /// How the host speaks with its user. An extension makes it its own thread's interaction when it starts up.
+    virtual Interaction& interaction() = 0;
+
+    /// The progress of the run in hand. Where a waiting window of interaction() is up, it is that one.
     virtual Progress& progress() = 0;
 
     /// Takes what a run made, also when the run ended without an output.

@@ -29,6 +29,8 @@ class HeadlessApplication final : public Application {
     HeadlessMap& map() { return m_document.focus_map(); }
     IExtensionConfig* find_extension(std::string_view class_id) override;
     std::shared_ptr<FeatureLayer> make_feature_layer(const std::string& path, const std::string& name) override;
+    /// The calling thread's own, which whoever runs the engine has set.
+    Interaction& interaction() override { return platform::interaction(); }
     Progress& progress() override { return m_progress; }
     void run_ended(RunResult result) override { m_result = std::move(result); }
 

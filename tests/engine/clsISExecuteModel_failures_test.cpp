@@ -226,6 +226,7 @@ class BlindApplication final : public platform::Application {
         }
         return nullptr;
     }
+    platform::Interaction& interaction() override { return m_host.interaction(); }
     platform::Progress& progress() override { return m_host.progress(); }
     void run_ended(platform::RunResult result) override { m_host.run_ended(std::move(result)); }
 
