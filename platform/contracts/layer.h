@@ -40,6 +40,9 @@ class FeatureLayer : public Layer {
     /// The source that the layer draws from, with its subset filter.
     /// \throws RuntimeError when the source cannot be opened.
     virtual FeatureClass feature_class() const = 0;
+    /// Where the layer's own data lie, found out without opening them. Its path is empty when they are in no file that
+    /// OGR opens: feature_class() then reads a copy.
+    virtual FeatureSource source() const = 0;
     virtual const Selection& selection() const = 0;
     virtual void set_renderer(const ClassBreaksRenderer& renderer) = 0;
 };

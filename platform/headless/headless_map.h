@@ -29,6 +29,7 @@ class HeadlessFeatureLayer final : public FeatureLayer {
 
     std::string name() const override { return m_name; }
     FeatureClass feature_class() const override;
+    FeatureSource source() const override { return m_source; }
     const Selection& selection() const override { return m_selection; }
     void set_renderer(const ClassBreaksRenderer& renderer) override { m_renderer = renderer; }
     /// The renderer that was set; nothing before.

@@ -1,0 +1,64 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "records/record_files.h"
+
+#include "platform/files.h"
+
+namespace kestrel {
+
+using platform::FeatureLayer;
+
+namespace {
+
+void take_feature_layer(const std::shared_ptr<platform::Layer>& layer,
+                        std::vector<std::shared_ptr<FeatureLayer>>& taken) {
+    if (auto features = std::dynamic_pointer_cast<FeatureLayer>(layer)) {
+        taken.push_back(std::move(features));
+    }
+}
+
+std::string source_name(const platform::FeatureSource& source) {
+    return source.layer_name.empty() ? platform::base_name_of(source.path) : source.layer_name;
+}
+
+}  // namespace
+
+std::vector<std::shared_ptr<FeatureLayer>> feature_layers(const platform::Map& map) {
+    std::vector<std::shared_ptr<FeatureLayer>> found;
+    for (const auto& layer : map.layers()) {
+        take_feature_layer(layer, found);
+        if (const auto* group = dynamic_cast<const platform::GroupLayer*>(layer.get())) {
+            for (const auto& member : group->members()) {
+                take_feature_layer(member, found);
+            }
+        }
+    }
+    return found;
+}
+
+std::string source_folder(const platform::FeatureSource& source) {
+    if (source.path.empty()) {
+        return {};
+    }
+    // A folder of shapefiles is a source of several layers.
+    std::string folder = platform::folder_exists(source.path) ? source.path : platform::folder_of(source.path);
+    if (folder.empty()) {
+        return "./";
+    }
+    return folder.back() == '/' ? folder : folder + "/";
+}
+
+std::optional<std::string> record_name(const FeatureLayer& layer, const std::string& folder,
+                                       const std::string& ending) {
+    if (folder.empty()) {
+        return std::nullopt;
+    }
+    for (const std::string& name : {source_name(layer.source()), layer.name()}) {
+        if (!name.empty() && platform::file_exists(folder + name + "." + ending)) {
+            return name;
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace kestrel
