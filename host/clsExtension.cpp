@@ -8,7 +8,12 @@
 
 namespace kestrel {
 
-clsExtension::clsExtension(std::string extension_folder) : m_extension_folder(std::move(extension_folder)) {}
+clsExtension::clsExtension(std::string extension_folder, std::unique_ptr<ExtensionWindows> windows)
+    : m_extension_folder(std::move(extension_folder)), m_windows(std::move(windows)) {}
+
+clsExtension::~clsExtension() {
+    clsExtension::IExtension_Shutdown();
+}
 
 std::string clsExtension::IExtension_Name() const {
     return "Kestrel";
@@ -16,9 +21,15 @@ std::string clsExtension::IExtension_Name() const {
 
 void clsExtension::IExtension_Startup(platform::Application* initializationData) {
     m_application = initializationData;
+    if (m_windows && m_application != nullptr) {
+        m_windows->start(*m_application);
+    }
 }
 
 void clsExtension::IExtension_Shutdown() {
+    if (m_windows) {
+        m_windows->stop();
+    }
     m_application = nullptr;
 }
 

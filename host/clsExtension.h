@@ -2,19 +2,30 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <memory>
 #include <string>
 
+#include "host/extension_windows.h"
 #include "platform/contracts/extension.h"
+#include "platform/contracts/extension_object.h"
 
 namespace kestrel {
 
-/// The program as its host knows it: what it is called, whether it is switched on, and its working folders.
+/// The program as its host knows it: what it is called, whether it is switched on, its working folders, and its windows
+/// where there is a desktop.
 ///
 /// It has no error handlers: what goes wrong in a state read passes to the host.
-class clsExtension final : public platform::IExtension, public platform::IExtensionConfig {
+class clsExtension final : public platform::ExtensionObject,
+                           public platform::IExtension,
+                           public platform::IExtensionConfig {
   public:
     /// \param extension_folder in which `temp` and `output` are made. Nothing is done there before the state is read.
-    explicit clsExtension(std::string extension_folder);
+    /// \param windows nothing where there is no desktop.
+    explicit clsExtension(std::string extension_folder, std::unique_ptr<ExtensionWindows> windows = nullptr);
+    /// Shuts down, if the host has not.
+    ~clsExtension() override;
+    clsExtension(const clsExtension&) = delete;
+    clsExtension& operator=(const clsExtension&) = delete;
 
     std::string IExtension_Name() const override;
     void IExtension_Startup(platform::Application* initializationData) override;
@@ -31,11 +42,14 @@ class clsExtension final : public platform::IExtension, public platform::IExtens
     const std::string& extension_folder() const noexcept { return m_extension_folder; }
     /// The host application between start-up and shut-down, else nothing.
     platform::Application* application() const noexcept { return m_application; }
+    /// Nothing where there is no desktop.
+    ExtensionWindows* windows() const noexcept { return m_windows.get(); }
 
   private:
     void ensure_working_folders() const;
 
     std::string m_extension_folder;
+    std::unique_ptr<ExtensionWindows> m_windows;
     platform::Application* m_application = nullptr;
     std::int32_t m_state = 0;
 };

@@ -11,6 +11,7 @@
 #include "platform/field.h"
 #include "platform/headless/headless_application.h"
 #include "platform/polygons.h"
+#include "tests/support/raster_analysis.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
 
@@ -50,20 +51,6 @@ class LimitedProgress final : public platform::Progress {
 
   private:
     mutable int m_asked = 0;
-};
-
-/// The host's raster analysis, which can be made to refuse its service.
-class RasterAnalysis final : public platform::IExtensionConfig {
-  public:
-    std::string IExtensionConfig_ProductName() const override { return "Raster analysis"; }
-    std::string IExtensionConfig_Description() const override { return {}; }
-    std::int32_t IExtensionConfig_State() override { return m_state; }
-    void IExtensionConfig_State(std::int32_t state) override { m_state = refuses ? m_state : state; }
-
-    bool refuses = false;
-
-  private:
-    std::int32_t m_state = platform::kExtensionDisabled;
 };
 
 /// What the parameter file of a run says; its classes are lines without their keyword.

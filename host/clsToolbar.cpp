@@ -1,0 +1,15 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "host/clsToolbar.h"
+
+#include "host/class_ids.h"
+
+namespace kestrel {
+
+void clsToolbar::IToolBarDef_GetItemInfo(std::int32_t position, platform::ItemDef& item) const {
+    if (position == 0) {
+        item = {kMenuClass, false, 1};
+    }
+}
+
+}  // namespace kestrel

@@ -1,0 +1,19 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/contracts/command.h"
+#include "platform/contracts/extension_object.h"
+
+namespace kestrel {
+
+/// The toolbar that carries the menu as its only control.
+class clsToolbar final : public platform::ExtensionObject, public platform::IToolBarDef {
+  public:
+    std::int32_t IToolBarDef_ItemCount() const override { return 1; }
+    void IToolBarDef_GetItemInfo(std::int32_t position, platform::ItemDef& item) const override;
+    std::string IToolBarDef_Name() const override { return "Kestrel Tools"; }
+    std::string IToolBarDef_Caption() const override { return "Kestrel Tools"; }
+};
+
+}  // namespace kestrel
