@@ -24,20 +24,15 @@ std::string user_etc() {
     return data.empty() ? data : platform::join_path(data, "kestrel/etc");
 }
 
-/// The `etc` that came with the program: beside it, or where packages put it. Empty when there is none.
+/// The `etc` that came with the program, beside the extension library. Empty when there is none.
 std::string installed_etc() {
     std::error_code error;
     const fs::path program = fs::read_symlink("/proc/self/exe", error);
     if (error) {
         return {};
     }
-    for (const fs::path& candidate :
-         {program.parent_path() / "etc", program.parent_path().parent_path() / "share/kestrel/etc"}) {
-        if (fs::is_regular_file(candidate / "isprops.xml", error)) {
-            return candidate.string();
-        }
-    }
-    return {};
+    const fs::path etc = (program.parent_path() / KESTREL_FOLDER_FROM_COMMAND / "etc").lexically_normal();
+    return fs::is_regular_file(etc / "isprops.xml", error) ? etc.string() : std::string();
 }
 
 }  // namespace

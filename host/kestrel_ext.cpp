@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+
+/// \file
+/// The one function that the extension library exports.
+
+#include <cstdio>
+#include <exception>
+#include <memory>
+#include <string_view>
+
+#include "host/class_ids.h"
+#include "host/clsCommands.h"
+#include "host/clsExtension.h"
+#include "host/clsMenuDef.h"
+#include "host/clsToolbar.h"
+#include "host/extension_folder.h"
+#include "host/shared_windows.h"
+
+namespace {
+
+using kestrel::platform::ExtensionObject;
+
+std::unique_ptr<ExtensionObject> make_extension() {
+    const std::string folder = kestrel::extension_folder(kestrel::loaded_library_folder(), kestrel::user_data_folder());
+    return std::make_unique<kestrel::clsExtension>(folder, std::make_unique<kestrel::SharedWindows>(folder));
+}
+
+std::unique_ptr<ExtensionObject> make_object(std::string_view class_id) {
+    if (class_id == kestrel::platform::kKestrelExtension) {
+        return make_extension();
+    }
+    if (class_id == kestrel::kCommandsClass) {
+        return std::make_unique<kestrel::clsCommands>();
+    }
+    if (class_id == kestrel::kMenuClass) {
+        return std::make_unique<kestrel::clsMenuDef>();
+    }
+    if (class_id == kestrel::platform::kKestrelToolbar) {
+        return std::make_unique<kestrel::clsToolbar>();
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+extern "C" [[gnu::visibility("default")]] ExtensionObject* kestrel_create_object(const char* class_id) try {
+    return class_id == nullptr ? nullptr : make_object(class_id).release();
+} catch (const std::exception& error) {
+    // Nobody to speak through exists yet.
+    std::fprintf(stderr, "kestrel: %s cannot be made: %s\n", class_id, error.what());
+    return nullptr;
+}

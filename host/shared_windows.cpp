@@ -1,0 +1,101 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "host/shared_windows.h"
+
+#include "coefficients/frmISModelProps.h"
+#include "host/frmHelpBrowser2.h"
+#include "host/frmISAbout.h"
+#include "platform/errors.h"
+
+namespace kestrel {
+
+namespace {
+
+/// The window in `form`, made on first use.
+template <typename Form, typename... Arguments>
+Form& shared(std::unique_ptr<Form>& form, Arguments&&... arguments) {
+    if (!form) {
+        form = std::make_unique<Form>(std::forward<Arguments>(arguments)...);
+    }
+    return *form;
+}
+
+void bring_to_front(QWidget& form) {
+    form.setWindowState(form.windowState() & ~Qt::WindowMinimized);
+    form.show();
+    // A window that had nothing to show has stayed closed.
+    if (form.isVisible()) {
+        form.raise();
+        form.activateWindow();
+    }
+}
+
+}  // namespace
+
+struct SharedWindows::Forms {
+    std::unique_ptr<frmISModelProps> editor;
+    std::unique_ptr<frmHelpBrowser2> help;
+    std::unique_ptr<frmISAbout> about;
+};
+
+/// The host's interaction, with the help window of this extension.
+class SharedWindows::HostInteraction final : public platform::Interaction {
+  public:
+    HostInteraction(platform::Interaction& host, SharedWindows& windows) : m_host(host), m_windows(windows) {}
+
+    platform::Answer message_box(const platform::MessageBox& box) override { return m_host.message_box(box); }
+    std::string input_box(const platform::InputBox& box) override { return m_host.input_box(box); }
+    std::optional<std::string> file_dialog(const platform::FileDialog& dialog) override {
+        return m_host.file_dialog(dialog);
+    }
+    void show_call_stack(std::string_view text) override { m_host.show_call_stack(text); }
+    std::unique_ptr<platform::WaitingWindow> waiting_window(std::string_view text) override {
+        return m_host.waiting_window(text);
+    }
+    void show_help() override { m_windows.show_help(); }
+    void notice(std::string_view text) override { m_host.notice(text); }
+    void beep() override { m_host.beep(); }
+
+  private:
+    platform::Interaction& m_host;
+    SharedWindows& m_windows;
+    platform::ScopedInteraction m_scope{*this};
+};
+
+SharedWindows::SharedWindows(std::string extension_folder)
+    : m_extension_folder(std::move(extension_folder)), m_forms(std::make_unique<Forms>()) {}
+
+SharedWindows::~SharedWindows() = default;
+
+void SharedWindows::start(platform::Application& application) {
+    stop();
+    m_interaction = std::make_unique<HostInteraction>(application.interaction(), *this);
+}
+
+void SharedWindows::stop() {
+    m_forms = std::make_unique<Forms>();  // the old ones go while they can still speak
+    m_interaction.reset();
+}
+
+void SharedWindows::open(CommandKind command, platform::Application& application) {
+    bring_to_front(form_of(command, application));
+}
+
+void SharedWindows::show_help() {
+    bring_to_front(shared(m_forms->help, m_extension_folder));
+}
+
+QWidget& SharedWindows::form_of(CommandKind command, platform::Application&) {
+    switch (command) {
+        case CommandKind::change_coefficients:
+            return shared(m_forms->editor, CoefficientStore::in_extension_folder(m_extension_folder));
+        case CommandKind::help:
+            return shared(m_forms->help, m_extension_folder);
+        case CommandKind::about:
+            return shared(m_forms->about, m_extension_folder);
+        default:
+            throw platform::RuntimeError(platform::kInvalidProcedureCall, "There is no window of this command");
+    }
+}
+
+}  // namespace kestrel

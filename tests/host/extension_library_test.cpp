@@ -1,0 +1,177 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QWidget>
+
+#include "platform/errors.h"
+#include "platform/files.h"
+#include "tests/support/error_of.h"
+#include "tests/support/test_host.h"
+
+/// \file
+/// The built extension library, loaded and driven as a host does it.
+namespace kestrel {
+namespace {
+
+using platform::HostedItem;
+using platform::kExtensionDisabled;
+using platform::kExtensionEnabled;
+using platform::MessageBox;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+TEST(ExtensionLibrary, ToolbarCarriesTheMenuAsItsOnlyControl) {
+    test::TestHost host;
+    EXPECT_EQ(host.kestrel().toolbar().IToolBarDef_Name(), "Kestrel Tools");
+    EXPECT_EQ(host.kestrel().toolbar().IToolBarDef_Caption(), "Kestrel Tools");
+    ASSERT_EQ(host.kestrel().items().size(), 1U);
+    ASSERT_NE(host.menu().menu, nullptr);
+    EXPECT_EQ(host.menu().menu->IMenuDef_Name(), "Kestrel");
+    EXPECT_EQ(host.menu().menu->IMenuDef_Caption(), "Impervious Surface Tools");
+}
+
+TEST(ExtensionLibrary, MenuHasSixCommandsAndASeparatorAboveHelp) {
+    test::TestHost host;
+    EXPECT_THAT(host.shown_menu(),
+                ElementsAre("Run Impervious Surface Analysis...", "View Kestrel Parameters for a Layer...",
+                            "View Kestrel Metadata for a Layer...", "Change Coefficients...", "-", "Help...",
+                            "About Kestrel..."));
+}
+
+TEST(ExtensionLibrary, SwitchedOffAllSixEntriesAreGreyedHelpAndAboutIncluded) {
+    test::TestHost host;
+    host.set_state(kExtensionDisabled);
+    EXPECT_THAT(host.shown_menu(),
+                ElementsAre("(Run Impervious Surface Analysis...)", "(View Kestrel Parameters for a Layer...)",
+                            "(View Kestrel Metadata for a Layer...)", "(Change Coefficients...)", "-", "(Help...)",
+                            "(About Kestrel...)"));
+}
+
+TEST(ExtensionLibrary, AskingForTheMenuMakesTheWorkingFoldersBesideTheLibrary) {
+    test::TestHost host;
+    EXPECT_THAT(test::names_in(host.extension_folder()), ElementsAre("etc", "help", "libkestrel_ext.so"));
+    host.shown_menu();
+    EXPECT_THAT(test::names_in(host.extension_folder()),
+                ElementsAre("etc", "help", "libkestrel_ext.so", "output", "temp"));
+    platform::remove_folder(host.extension_folder() + "/output");
+    host.shown_menu();
+    EXPECT_THAT(test::names_in(host.extension_folder() + "/output"), IsEmpty());
+}
+
+TEST(ExtensionLibrary, WithSpatialAnalystOffAboutShowsTheMessageInsteadOfItsWindow) {
+    test::TestHost host;
+    host.raster_analysis.IExtensionConfig_State(kExtensionDisabled);
+    host.click("About Kestrel...");
+    EXPECT_THAT(host.windows(), IsEmpty());
+    EXPECT_THAT(host.said.boxes,
+                ElementsAre(MessageBox{"Spatial Analyst Extension required to run Impervious Surface Analysis.", "",
+                                       platform::Icon::exclamation, platform::Buttons::ok}));
+}
+
+TEST(ExtensionLibrary, WithoutSpatialAnalystEveryClickIsReportedAndOpensNothing) {
+    test::TestHost host(test::TestHost::Raster::missing);
+    for (const HostedItem& item : host.menu().items) {
+        host.said.call_stacks.clear();
+        host.click(item.command->ICommand_Caption());
+        EXPECT_THAT(host.windows(), IsEmpty());
+        ASSERT_EQ(host.said.call_stacks.size(), 1U);
+        EXPECT_THAT(
+            host.said.call_stacks[0],
+            HasSubstr("Record Call Stack Sequence - Bottom line is error line.\r\n\r\n\tApplication clsCommands "
+                      "Line : "));
+        EXPECT_THAT(host.said.call_stacks[0], HasSubstr("\r\nError Number \r\n\t91\r\nDescription\r\n\t"));
+    }
+}
+
+TEST(ExtensionLibrary, ClickingTwiceBringsUpTheSameWindow) {
+    test::TestHost host;
+    for (const auto& [caption, name] : {std::pair{"Change Coefficients...", "frmISModelProps"},
+                                        {"Help...", "frmHelpBrowser2"},
+                                        {"About Kestrel...", "frmISAbout"}}) {
+        host.click(caption);
+        QWidget* const first = host.window(name);
+        ASSERT_NE(first, nullptr) << name;
+        EXPECT_EQ(first->parentWidget(), nullptr);
+        EXPECT_FALSE(first->isModal());
+        EXPECT_EQ(QApplication::activeWindow(), first);
+        host.click(caption);
+        EXPECT_EQ(host.window(name), first);
+        first->close();
+        EXPECT_EQ(host.window(name), nullptr);
+        host.click(caption);
+        EXPECT_EQ(host.window(name), first);
+    }
+    EXPECT_THAT(host.windows(), ElementsAre("frmHelpBrowser2", "frmISAbout", "frmISModelProps"));
+    EXPECT_THAT(host.said.call_stacks, IsEmpty());
+    EXPECT_THAT(host.said.boxes, IsEmpty());
+}
+
+TEST(ExtensionLibrary, ClickOnAnOpenWindowBringsItToTheFrontAndUnminimisesIt) {
+    test::TestHost host;
+    host.click("About Kestrel...");
+    host.click("Help...");
+    QWidget* const about = host.window("frmISAbout");
+    ASSERT_NE(about, nullptr);
+    ASSERT_NE(QApplication::activeWindow(), about);
+    about->showMinimized();
+    host.click("About Kestrel...");
+    EXPECT_EQ(QApplication::activeWindow(), about);
+    EXPECT_FALSE(about->isMinimized());
+}
+
+TEST(ExtensionLibrary, ShutDownClosesAllWindows) {
+    test::TestHost host;
+    host.click("Change Coefficients...");
+    host.click("Help...");
+    host.shut_down();
+    EXPECT_THAT(host.windows(), IsEmpty());
+    EXPECT_THAT(QApplication::topLevelWidgets(), IsEmpty());
+}
+
+TEST(ExtensionLibrary, StartsAgainAfterAShutDown) {
+    test::TestHost host;
+    host.shut_down();
+    host.kestrel().start(host.application);
+    host.click("About Kestrel...");
+    EXPECT_THAT(host.windows(), ElementsAre("frmISAbout"));
+}
+
+/// Clicks a button of a window.
+void press(QWidget& window, const char* name) {
+    QMetaObject::invokeMethod(window.findChild<QObject*>(name), "click");
+    QApplication::processEvents();
+}
+
+TEST(ExtensionLibrary, HelpButtonsOpenTheOneHelpWindow) {
+    test::TestHost host;
+    host.click("Change Coefficients...");
+    press(*host.window("frmISModelProps"), "cmdHelp");
+    QWidget* const help = host.window("frmHelpBrowser2");
+    ASSERT_NE(help, nullptr);
+    EXPECT_EQ(host.said.help_requests, 0);
+    host.click("Help...");
+    EXPECT_EQ(host.window("frmHelpBrowser2"), help);
+    EXPECT_THAT(host.windows(), ElementsAre("frmHelpBrowser2", "frmISModelProps"));
+}
+
+TEST(ExtensionLibrary, WindowsSpeakThroughTheHost) {
+    test::TestHost host;
+    platform::remove_file(host.extension_folder() + "/help/is_index.html");
+    host.click("Help...");
+    EXPECT_THAT(host.said.boxes, ElementsAre(MessageBox{"The Kestrel help file (" + host.extension_folder() +
+                                                        "/help/is_index.html) does not exist."}));
+}
+
+TEST(ExtensionLibrary, AnErrorOfTheStateReadReachesTheHostAsARuntimeError) {
+    test::TestHost host;
+    platform::write_file(host.extension_folder() + "/temp", "a file where the folder belongs");
+    // Thrown by the library's code, caught by the host's.
+    EXPECT_THROW(host.shown_menu(), platform::RuntimeError);
+}
+
+}  // namespace
+}  // namespace kestrel
