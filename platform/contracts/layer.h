@@ -43,6 +43,9 @@ class FeatureLayer : public Layer {
     /// Where the layer's own data lie, found out without opening them. Its path is empty when they are in no file that
     /// OGR opens: feature_class() then reads a copy.
     virtual FeatureSource source() const = 0;
+    /// Attribute fields and geometry type as feature_class() has them, for which a host need not copy any data.
+    virtual std::vector<Field> fields() const { return feature_class().fields(); }
+    virtual bool polygonal() const { return feature_class().polygonal(); }
     virtual const Selection& selection() const = 0;
     virtual void set_renderer(const ClassBreaksRenderer& renderer) = 0;
 };
