@@ -5,7 +5,9 @@
 #include "coefficients/frmISModelProps.h"
 #include "host/frmHelpBrowser2.h"
 #include "host/frmISAbout.h"
+#include "parameters/frmISParams.h"
 #include "platform/errors.h"
+#include "records/frmISTParams.h"
 
 namespace kestrel {
 
@@ -33,6 +35,8 @@ void bring_to_front(QWidget& form) {
 }  // namespace
 
 struct SharedWindows::Forms {
+    std::unique_ptr<frmISParams> parameters;
+    std::unique_ptr<frmISTParams> viewer;
     std::unique_ptr<frmISModelProps> editor;
     std::unique_ptr<frmHelpBrowser2> help;
     std::unique_ptr<frmISAbout> about;
@@ -85,17 +89,32 @@ void SharedWindows::show_help() {
     bring_to_front(shared(m_forms->help, m_extension_folder));
 }
 
-QWidget& SharedWindows::form_of(CommandKind command, platform::Application&) {
+QWidget& SharedWindows::form_of(CommandKind command, platform::Application& application) {
     switch (command) {
+        case CommandKind::run_analysis: {
+            frmISParams& form = shared(m_forms->parameters, m_extension_folder);
+            form.Application(&application);
+            return form;
+        }
+        case CommandKind::view_parameters:
+            return viewer_of("prm", application);
+        case CommandKind::view_metadata:
+            return viewer_of("met", application);
         case CommandKind::change_coefficients:
             return shared(m_forms->editor, CoefficientStore::in_extension_folder(m_extension_folder));
         case CommandKind::help:
             return shared(m_forms->help, m_extension_folder);
         case CommandKind::about:
             return shared(m_forms->about, m_extension_folder);
-        default:
-            throw platform::RuntimeError(platform::kInvalidProcedureCall, "There is no window of this command");
     }
+    throw platform::RuntimeError(platform::kInvalidProcedureCall, "There is no window of this command");
+}
+
+QWidget& SharedWindows::viewer_of(const char* file_type, platform::Application& application) {
+    frmISTParams& form = shared(m_forms->viewer);
+    form.Application(&application);
+    form.FileType(file_type);
+    return form;
 }
 
 }  // namespace kestrel

@@ -29,6 +29,7 @@ class SharedWindows final : public ExtensionWindows {
     class HostInteraction;
 
     QWidget& form_of(CommandKind command, platform::Application& application);
+    QWidget& viewer_of(const char* file_type, platform::Application& application);
 
     std::string m_extension_folder;
     std::unique_ptr<HostInteraction> m_interaction;

@@ -89,7 +89,8 @@ TEST(ExtensionLibrary, WithoutSpatialAnalystEveryClickIsReportedAndOpensNothing)
 
 TEST(ExtensionLibrary, ClickingTwiceBringsUpTheSameWindow) {
     test::TestHost host;
-    for (const auto& [caption, name] : {std::pair{"Change Coefficients...", "frmISModelProps"},
+    for (const auto& [caption, name] : {std::pair{"Run Impervious Surface Analysis...", "frmISParams"},
+                                        {"Change Coefficients...", "frmISModelProps"},
                                         {"Help...", "frmHelpBrowser2"},
                                         {"About Kestrel...", "frmISAbout"}}) {
         host.click(caption);
@@ -105,7 +106,7 @@ TEST(ExtensionLibrary, ClickingTwiceBringsUpTheSameWindow) {
         host.click(caption);
         EXPECT_EQ(host.window(name), first);
     }
-    EXPECT_THAT(host.windows(), ElementsAre("frmHelpBrowser2", "frmISAbout", "frmISModelProps"));
+    EXPECT_THAT(host.windows(), ElementsAre("frmHelpBrowser2", "frmISAbout", "frmISModelProps", "frmISParams"));
     EXPECT_THAT(host.said.call_stacks, IsEmpty());
     EXPECT_THAT(host.said.boxes, IsEmpty());
 }
@@ -138,6 +139,43 @@ TEST(ExtensionLibrary, StartsAgainAfterAShutDown) {
     host.kestrel().start(host.application);
     host.click("About Kestrel...");
     EXPECT_THAT(host.windows(), ElementsAre("frmISAbout"));
+}
+
+/// A layer with the files beside its data that a run writes.
+void add_output(test::TestHost& host, const test::TemporaryFolder& folder, const std::vector<std::string>& records) {
+    for (const std::string& ending : records) {
+        platform::write_file(folder / ("sheds." + ending), "the " + ending + " of sheds");
+    }
+    host.application.map().append_layer(
+        std::make_shared<platform::HeadlessFeatureLayer>("sheds", platform::FeatureSource{folder / "sheds.shp"}));
+}
+
+TEST(ExtensionLibrary, OneViewerShowsRunReportsAndMetadata) {
+    const test::TemporaryFolder folder;
+    test::TestHost host;
+    add_output(host, folder, {"prm", "met"});
+    host.click("View Kestrel Parameters for a Layer...");
+    QWidget* const viewer = host.window("frmISTParams");
+    ASSERT_NE(viewer, nullptr);
+    EXPECT_EQ(viewer->windowTitle(), "Kestrel Parameters for sheds.shp");
+    host.click("View Kestrel Metadata for a Layer...");
+    EXPECT_EQ(host.window("frmISTParams"), viewer);
+    EXPECT_EQ(viewer->windowTitle(), "Kestrel Metadata for sheds.shp");
+    EXPECT_THAT(host.windows(), ElementsAre("frmISTParams"));
+    EXPECT_THAT(host.said.boxes, IsEmpty());
+}
+
+TEST(ExtensionLibrary, LayerWithoutMetadataIsListedByTheOneViewCommandOnly) {
+    const test::TemporaryFolder folder;
+    test::TestHost host;
+    add_output(host, folder, {"prm"});
+    host.click("View Kestrel Parameters for a Layer...");
+    EXPECT_THAT(host.windows(), ElementsAre("frmISTParams"));
+    host.window("frmISTParams")->close();
+    host.click("View Kestrel Metadata for a Layer...");
+    EXPECT_THAT(host.windows(), IsEmpty());
+    EXPECT_THAT(host.said.boxes, ElementsAre(MessageBox{"There are no layers with an associated \"Metadata\" file.",
+                                                        "No Metadata Files"}));
 }
 
 /// Clicks a button of a window.
