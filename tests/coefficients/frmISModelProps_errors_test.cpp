@@ -8,6 +8,7 @@
 #include "platform/errors.h"
 #include "platform/files.h"
 #include "tests/coefficients/editor_fixture.h"
+#include "tests/support/failing_interaction.h"
 
 namespace kestrel::test {
 namespace {
@@ -16,25 +17,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-/// A user with whom nothing goes well: whatever is asked or shown fails. Reports of errors are kept.
-class FailingInteraction final : public platform::Interaction {
-  public:
-    platform::Answer message_box(const platform::MessageBox&) override { fail(); }
-    std::string input_box(const platform::InputBox&) override { fail(); }
-    std::optional<std::string> file_dialog(const platform::FileDialog&) override { fail(); }
-    void show_call_stack(std::string_view text) override { call_stacks.emplace_back(text); }
-    std::unique_ptr<platform::WaitingWindow> waiting_window(std::string_view) override { fail(); }
-    void show_help() override { fail(); }
-    void notice(std::string_view) override {}
-    void beep() override {}
-
-    std::vector<std::string> call_stacks;
-
-  private:
-    [[noreturn]] static void fail() { throw platform::RuntimeError(70, "Permission denied", "Kestrel", 45); }
-    platform::ScopedInteraction m_scope{*this};
-};
 
 /// Entries of a report, from the outermost procedure in, without their lines; then number and description.
 std::string outline_of(const std::string& report) {
