@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QDialogButtonBox>
 #include <QFontDatabase>
+#include <QFontInfo>
 #include <QGuiApplication>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -23,14 +24,19 @@ CallStackWindow::CallStackWindow(const QString& text, QWidget* parent)
     m_view->setReadOnly(true);
     // Readable by keyboard alone, too.
     m_view->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    m_view->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    // Where the desktop names none, what it gives is not of one width.
+    font.setFamily(QFontInfo(font).fixedPitch() ? font.family() : QStringLiteral("monospace"));
+    font.setStyleHint(QFont::Monospace);
+    m_view->setFont(font);
     m_view->setTabStopDistance(4 * m_view->fontMetrics().horizontalAdvance(' '));
     m_view->setPlainText(m_text);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
-    QPushButton* copy = buttons->addButton("&Copy All", QDialogButtonBox::ActionRole);
-    copy->setObjectName("copyCallStack");
-    connect(copy, &QPushButton::clicked, this, &CallStackWindow::copy_all);
+    buttons->button(QDialogButtonBox::Close)->setObjectName("closeCallStack");
+    m_copy = buttons->addButton("&Copy All", QDialogButtonBox::ActionRole);
+    m_copy->setObjectName("copyCallStack");
+    connect(m_copy, &QPushButton::clicked, this, &CallStackWindow::copy_all);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
     auto* layout = new QVBoxLayout(this);
@@ -43,6 +49,7 @@ CallStackWindow::CallStackWindow(const QString& text, QWidget* parent)
 
 void CallStackWindow::copy_all() {
     QGuiApplication::clipboard()->setText(m_text);
+    m_copy->setText("Copied");
 }
 
 }  // namespace kestrel

@@ -5,6 +5,7 @@
 #include <QDialog>
 
 class QPlainTextEdit;
+class QPushButton;
 
 namespace kestrel {
 
@@ -20,6 +21,7 @@ class CallStackWindow final : public QDialog {
   private:
     QString m_text;
     QPlainTextEdit* m_view;
+    QPushButton* m_copy;
 };
 
 }  // namespace kestrel

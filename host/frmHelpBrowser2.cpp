@@ -134,14 +134,19 @@ std::string frmHelpBrowser2::help_file() const {
 
 void frmHelpBrowser2::Form_Load() try {
     const std::string path = help_file();
+    const bool exists = platform::file_exists(path);
     brwHelp->setFocus();
-    if (platform::file_exists(path)) {
-        brwHelp->setSource(QUrl::fromLocalFile(QString::fromStdString(path)));
-        brwHelp->clearHistory();
-        return;
-    }
+    // Read anew, also when it was the page on view.
+    brwHelp->setSource(QUrl());
     brwHelp->clear();
-    platform::interaction().message_box({"The Kestrel help file (" + path + ") does not exist."});
+    if (exists) {
+        brwHelp->setSource(QUrl::fromLocalFile(QString::fromStdString(path)));
+    }
+    brwHelp->clearHistory();
+    show_title();
+    if (!exists) {
+        platform::interaction().message_box({"The Kestrel help file (" + path + ") does not exist."});
+    }
 } catch (...) {
     report_current({"Form_Load", kModule});
 }

@@ -64,8 +64,9 @@ void frmISAbout::build_layout() {
         part->setMinimumWidth(width);
         layout->addWidget(part);
     }
-    layout->addStretch(1);
     layout->addWidget(buttons);
+    // As high as the texts need it, whatever is configured.
+    layout->setSizeConstraint(QLayout::SetFixedSize);
     cmdOK->setDefault(true);  // only now that it belongs to the dialog
 }
 

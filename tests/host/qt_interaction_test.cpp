@@ -6,11 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QClipboard>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
-#include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTest>
@@ -116,19 +114,6 @@ TEST(QtInputBox, YieldsWhatWasTypedAndNothingWhenCancelled) {
 TEST(QtNameFilter, TakesThePatternsBehindTheBar) {
     EXPECT_EQ(qt_name_filter("Coefficient Text File(*.txt;*.csv)|*.txt;*.csv"), "Coefficient Text File (*.txt *.csv)");
     EXPECT_EQ(qt_name_filter("Anything"), "Anything");
-}
-
-TEST(QtCallStack, CanBeReadAndCopiedButNotChanged) {
-    const std::string report = "Record Call Stack Sequence\r\n\r\n\tApply clsX Line : 4\r\n";
-    when_open([](QWidget& window) {
-        auto* const view = window.findChild<QPlainTextEdit*>("callStackText");
-        ASSERT_NE(view, nullptr);
-        EXPECT_EQ(view->toPlainText(), "Record Call Stack Sequence\n\n\tApply clsX Line : 4\n");
-        EXPECT_TRUE(view->isReadOnly());
-        window.findChild<QPushButton*>("copyCallStack")->click();
-    });
-    QtInteraction().show_call_stack(report);
-    EXPECT_EQ(QApplication::clipboard()->text().toStdString(), report);
 }
 
 /// The waiting window, or nothing.
