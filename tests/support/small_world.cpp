@@ -162,10 +162,14 @@ void SmallWorld::write_parameters() const {
     platform::write_file(extension / "temp/model_params.txt", text);
 }
 
-bool SmallWorld::run(RunOptions options) {
+void SmallWorld::run_in(platform::Application& host, RunOptions options) {
     write_parameters();
     clsISExecuteModel model(std::move(options));
-    model.ExecuteModel(&application, extension.path(), "model_params.txt", output_folder, "out.shp", "Sheds IS");
+    model.ExecuteModel(&host, extension.path(), "model_params.txt", output_folder, "out.shp", "Sheds IS");
+}
+
+bool SmallWorld::run(RunOptions options) {
+    run_in(application, std::move(options));
     return application.result().has_value() && application.result()->finished;
 }
 

@@ -1,0 +1,67 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "apps/qgis/desktop_map.h"
+#include "platform/contracts/application.h"
+
+class QgsProject;
+
+namespace kestrel::qgis {
+
+/// QGIS as the extension knows it.
+class DesktopApplication final : public platform::Application {
+  public:
+    /// What the windows of QGIS do for it.
+    struct Desktop {
+        platform::Interaction& interaction;
+        /// The progress of the run in hand.
+        std::function<platform::Progress&()> progress;
+        /// Draws the canvas anew.
+        std::function<void()> redraw;
+        /// Tells the user how a run ended.
+        std::function<void(const platform::RunResult&)> run_ended;
+        /// The folder for copies of layers.
+        std::function<std::string()> copies_folder;
+    };
+
+    DesktopApplication(QgsProject& project, Desktop desktop);
+    ~DesktopApplication() override;
+
+    platform::Document& document() override { return m_document; }
+    DesktopMap& map() { return m_map; }
+    platform::IExtensionConfig* find_extension(std::string_view class_id) override;
+    std::shared_ptr<platform::FeatureLayer> make_feature_layer(const std::string& path,
+                                                               const std::string& name) override;
+    platform::Interaction& interaction() override { return m_desktop.interaction; }
+    platform::Progress& progress() override { return m_desktop.progress(); }
+    void run_ended(platform::RunResult result) override;
+
+    /// Makes an extension findable; it outlives the application.
+    void register_extension(std::string class_id, platform::IExtensionConfig& extension);
+
+  private:
+    class ProjectDocument final : public platform::Document {
+      public:
+        explicit ProjectDocument(platform::Map& map) : m_map(map) {}
+        platform::Map& focus_map() override { return m_map; }
+
+      private:
+        platform::Map& m_map;
+    };
+
+    void reload_rewritten_layers(const platform::RunResult& result) const;
+
+    QgsProject& m_project;
+    Desktop m_desktop;
+    DesktopMap m_map;
+    ProjectDocument m_document{m_map};
+    std::map<std::string, platform::IExtensionConfig*, std::less<>> m_extensions;
+};
+
+}  // namespace kestrel::qgis
