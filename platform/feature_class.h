@@ -29,6 +29,8 @@ struct FeatureSource {
     /// to the end of the text; `geometrytype` and `option:` parts are passed over. \throws RuntimeError 5 for a layer
     /// given by its number.
     static FeatureSource parse(std::string_view text);
+    /// The file that the features lie in: the path, or in a folder of shapefiles the one of the layer.
+    std::string file() const;
     friend bool operator==(const FeatureSource&, const FeatureSource&) = default;
 };
 

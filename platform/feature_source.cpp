@@ -6,6 +6,7 @@
 
 #include "platform/errors.h"
 #include "platform/feature_class.h"
+#include "platform/files.h"
 
 namespace kestrel::platform {
 
@@ -52,6 +53,10 @@ FeatureSource FeatureSource::parse(std::string_view text) {
         option = following;
     }
     return result;
+}
+
+std::string FeatureSource::file() const {
+    return !layer_name.empty() && folder_exists(path) ? join_path(path, layer_name + ".shp") : path;
 }
 
 }  // namespace kestrel::platform

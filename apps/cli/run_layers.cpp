@@ -20,11 +20,6 @@ std::string real_path(const std::string& path) {
     return error ? path : result.string();
 }
 
-/// A folder of shapefiles is a source whose layers are files in it.
-std::string file_behind(const std::string& path, const std::string& layer) {
-    return platform::folder_exists(path) ? platform::join_path(path, layer + ".shp") : path;
-}
-
 }  // namespace
 
 std::string layer_name_from(const std::string& wanted) {
@@ -71,7 +66,7 @@ std::string RunLayers::add_features(const platform::FeatureSource& source, const
     const std::string name = distinct_name(layer_name_from(base.empty() ? opened.layer_name() : base));
     m_layers.push_back(std::make_shared<platform::HeadlessFeatureLayer>(name, source, std::move(selected)));
     m_identities.push_back(std::move(identity));
-    m_files.push_back(file_behind(source.path, opened.layer_name()));
+    m_files.push_back(platform::FeatureSource{.path = source.path, .layer_name = opened.layer_name()}.file());
     return name;
 }
 

@@ -5,21 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "parameters/run_output.h"
+
 namespace kestrel::cli {
-
-/// Where the output of a run goes.
-struct RunOutput {
-    /// Absolute.
-    std::string folder;
-    /// Ends in ".shp", in whatever letter case.
-    std::string file_name;
-    /// Name in the map, and of the records beside the shapefile.
-    std::string layer_name;
-
-    std::string path() const;
-    /// Run report, metadata, layer file and style.
-    std::vector<std::string> records() const;
-};
 
 /// \param text what the user gave: a name without ".shp" gets it, one without a folder means the present folder.
 /// \param layer_name the output's base name when empty.
