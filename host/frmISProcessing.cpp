@@ -3,6 +3,7 @@
 #include "host/frmISProcessing.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
@@ -13,11 +14,29 @@
 namespace kestrel {
 
 namespace {
+
 constexpr int kSteps = 1000;
+constexpr int kStepCharacters = 60;
+
+/// A window inside a modal one is not blocked by it.
+QWidget* owner() {
+    QWidget* const modal = QApplication::activeModalWidget();
+    return modal != nullptr ? modal : QApplication::activeWindow();
 }
 
+/// An open menu or list would take all input.
+void close_popups() {
+    while (QWidget* const popup = QApplication::activePopupWidget()) {
+        if (!popup->close()) {
+            return;
+        }
+    }
+}
+
+}  // namespace
+
 frmISProcessing::frmISProcessing(const QString& text, QWidget* parent)
-    : QDialog(parent), lblStep(new QLabel), m_bar(new QProgressBar), cmdCancel(new QPushButton("Cancel")) {
+    : QDialog(parent), lblStep(new QLabel), m_bar(new QProgressBar), cmdCancel(new QPushButton("&Cancel")) {
     setObjectName("frmISProcessing");
     setWindowTitle("Kestrel");
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
@@ -28,10 +47,14 @@ frmISProcessing::frmISProcessing(const QString& text, QWidget* parent)
     lblStep->setObjectName("lblStep");
     lblStep->setTextFormat(Qt::PlainText);
     lblStep->setWordWrap(true);
+    lblStep->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    // Room for two lines, so that the window does not jump from step to step.
+    lblStep->setMinimumHeight(2 * lblStep->fontMetrics().lineSpacing());
     m_bar->setObjectName("barProgress");
     m_bar->setAccessibleName("Progress");
     m_bar->setRange(0, kSteps);
     cmdCancel->setObjectName("cmdCancel");
+    cmdCancel->setToolTip("Stop the run; nothing is changed then");
     connect(cmdCancel, &QPushButton::clicked, this, &frmISProcessing::reject);
 
     auto* layout = new QVBoxLayout(this);
@@ -39,31 +62,54 @@ frmISProcessing::frmISProcessing(const QString& text, QWidget* parent)
     layout->addWidget(m_bar);
     layout->addWidget(lblStep);
     layout->addWidget(cmdCancel, 0, Qt::AlignRight);
-    setMinimumWidth(50 * fontMetrics().averageCharWidth());
+    setMinimumWidth(kStepCharacters * fontMetrics().averageCharWidth());
+    setCursor(Qt::ArrowCursor);  // its owner's may be the hourglass
 }
 
 void frmISProcessing::show_progress(double fraction, const QString& text) {
     m_bar->setValue(static_cast<int>(std::lround(std::clamp(fraction, 0.0, 1.0) * kSteps)));
-    lblStep->setText(text);
+    if (!m_cancelled) {
+        lblStep->setText(text);
+    }
 }
 
 void frmISProcessing::reject() {
     m_cancelled = true;
     cmdCancel->setEnabled(false);
+    lblStep->setText("Cancelling...");
 }
 
-ProcessingWindow::ProcessingWindow(const QString& text)
-    : m_window(std::make_unique<frmISProcessing>(text, QApplication::activeWindow())) {
+bool frmISProcessing::event(QEvent* event) {
+    // Esc is this window's, also where the host has a shortcut of that key.
+    if (event->type() == QEvent::ShortcutOverride && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        event->accept();
+        return true;
+    }
+    return QDialog::event(event);
+}
+
+ProcessingWindow::ProcessingWindow(const QString& text) : m_window(new frmISProcessing(text, owner())) {
+    close_popups();
+    m_filter = std::make_unique<InputFilter>(*m_window);
     m_window->show();
+    m_window->activateWindow();
     QApplication::processEvents();
 }
 
-ProcessingWindow::~ProcessingWindow() = default;
+ProcessingWindow::~ProcessingWindow() {
+    m_filter.reset();
+    delete m_window.data();
+    if (m_closed) {
+        m_closed();
+    }
+}
 
 bool ProcessingWindow::report(double fraction, std::string_view text) {
-    m_window->show_progress(fraction, QString::fromUtf8(text.data(), static_cast<int>(text.size())));
+    if (m_window != nullptr) {
+        m_window->show_progress(fraction, QString::fromUtf8(text.data(), static_cast<int>(text.size())));
+    }
     QApplication::processEvents();
-    return !m_window->cancelled();
+    return !cancelled();
 }
 
 }  // namespace kestrel

@@ -3,8 +3,11 @@
 #pragma once
 
 #include <QDialog>
+#include <QPointer>
+#include <functional>
 #include <memory>
 
+#include "host/input_filter.h"
 #include "platform/contracts/interaction.h"
 
 class QLabel;
@@ -13,7 +16,7 @@ class QPushButton;
 
 namespace kestrel {
 
-/// The window shown while a run works: a text, a bar and a Cancel button. Does not block the caller.
+/// The window shown while a run works: a text, a bar, the current step and a Cancel button. Does not block the caller.
 class frmISProcessing final : public QDialog {
     Q_OBJECT
   public:
@@ -26,6 +29,9 @@ class frmISProcessing final : public QDialog {
     /// Esc and the close button cancel, too; the window stays until the run has ended.
     void reject() override;
 
+  protected:
+    bool event(QEvent* event) override;
+
   private:
     QLabel* lblStep;
     QProgressBar* m_bar;
@@ -33,17 +39,24 @@ class frmISProcessing final : public QDialog {
     bool m_cancelled = false;
 };
 
-/// frmISProcessing as a run's progress; shown while it lives.
+/// frmISProcessing as a run's progress; shown while it lives. It belongs to the window that is active when it is made,
+/// and goes with it: the run is stopped then.
 class ProcessingWindow final : public platform::WaitingWindow {
   public:
     explicit ProcessingWindow(const QString& text);
     ~ProcessingWindow() override;
 
+    /// `act` is called when it has closed.
+    void when_closed(std::function<void()> act) { m_closed = std::move(act); }
+
+    /// Processes all events that are due; input reaches this window only.
     bool report(double fraction, std::string_view text) override;
-    bool cancelled() const override { return m_window->cancelled(); }
+    bool cancelled() const override { return m_window == nullptr || m_window->cancelled(); }
 
   private:
-    std::unique_ptr<frmISProcessing> m_window;
+    QPointer<frmISProcessing> m_window;
+    std::unique_ptr<InputFilter> m_filter;
+    std::function<void()> m_closed;
 };
 
 }  // namespace kestrel

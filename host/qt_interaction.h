@@ -5,6 +5,7 @@
 #include <QString>
 #include <functional>
 #include <string_view>
+#include <vector>
 
 #include "platform/contracts/interaction.h"
 
@@ -33,8 +34,14 @@ class QtInteraction final : public platform::Interaction {
     void notice(std::string_view text) override;
     void beep() override;
 
+    /// The progress of the waiting window that was opened last and is still there; without one, progress that nobody
+    /// watches and that never stops. What a host's Application::progress() gives back.
+    platform::Progress& progress();
+
   private:
     Hooks m_hooks;
+    platform::NoProgress m_no_progress;
+    std::vector<platform::Progress*> m_waiting;
 };
 
 /// A filter of platform::FileDialog as Qt writes it: "Text(*.txt;*.csv)|*.txt;*.csv" gives "Text (*.txt *.csv)".
