@@ -1,0 +1,193 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "parameters/basISModelUtil.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <set>
+
+#include "host/error_report.h"
+#include "parameters/run_output.h"
+#include "platform/conversions.h"
+#include "platform/errors.h"
+#include "platform/files.h"
+
+namespace kestrel::basISModelUtil {
+
+using platform::FieldType;
+
+namespace {
+
+constexpr const char* kModule = "basISModelUtil";
+
+bool suits(FieldType type, FieldMode mode) {
+    switch (mode) {
+        case kNumericFields:
+            return platform::integral(type) || type == FieldType::single || type == FieldType::real;
+        case kAnalysisFields:
+            return platform::integral(type) || type == FieldType::text;
+        case kAllFields:
+            break;
+    }
+    return true;
+}
+
+std::string lower_case(std::string_view text) {
+    std::string result(text);
+    std::transform(result.begin(), result.end(), result.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return result;
+}
+
+std::string_view trimmed(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(" \t");
+    return first == std::string_view::npos ? std::string_view()
+                                           : text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+std::string with_extension(std::string_view name) {
+    // Three letters without the point are enough. Intended; do not "fix".
+    if (lower_case(name).ends_with("shp")) {
+        return std::string(name);
+    }
+    return std::string(name) + (name.ends_with('.') ? "shp" : ".shp");
+}
+
+/// Whether a list holds the layer. One that cannot be opened is not: the reason goes to `left_out`.
+bool listed(const platform::Layer& layer, LayerKind kind, FieldMode mode, std::vector<std::string>& left_out) {
+    if (kind == LayerKind::RasterLayer) {
+        return dynamic_cast<const platform::RasterLayer*>(&layer) != nullptr;
+    }
+    const auto* features = dynamic_cast<const platform::FeatureLayer*>(&layer);
+    try {
+        return features != nullptr && GetFThemes(*features, mode) >= 0;
+    } catch (const platform::RuntimeError& error) {
+        left_out.push_back(fmt::format("The layer '{}' is not listed, because its source cannot be opened: {}",
+                                       layer.name(), error.description()));
+        return false;
+    }
+}
+
+}  // namespace
+
+std::vector<std::shared_ptr<platform::Layer>> layers_in_order(const platform::Map& map) {
+    std::vector<std::shared_ptr<platform::Layer>> layers;
+    for (const auto& layer : map.layers()) {
+        layers.push_back(layer);
+        if (const auto* group = dynamic_cast<const platform::GroupLayer*>(layer.get())) {
+            const auto members = group->members();
+            layers.insert(layers.end(), members.begin(), members.end());
+        }
+    }
+    return layers;
+}
+
+LayerList GetLayerIndex(LayerKind kind, const platform::Map& map, FieldMode mode) try {
+    LayerList list;
+    int position = 0;
+    for (const auto& layer : layers_in_order(map)) {
+        if (listed(*layer, kind, mode, list.left_out)) {
+            list.layers.push_back({layer->name(), position});
+        }
+        ++position;
+    }
+    return list;
+} catch (...) {
+    return reported<LayerList>({"GetLayerIndex", kModule});
+}
+
+int GetFThemes(const platform::FeatureLayer& layer, FieldMode mode) {
+    const auto fields = layer.fields();
+    const auto first = std::find_if(fields.begin(), fields.end(), [&](const auto& f) { return suits(f.type, mode); });
+    return first != fields.end() && layer.polygonal() ? static_cast<int>(first - fields.begin()) : -1;
+}
+
+std::vector<std::string> field_names(const platform::FeatureLayer& layer, FieldMode mode) {
+    std::vector<std::string> names;
+    for (const platform::Field& field : layer.fields()) {
+        if (suits(field.type, mode)) {
+            names.push_back(field.name);
+        }
+    }
+    return names;
+}
+
+std::string_view default_units(platform::DistanceUnits units) {
+    switch (units) {
+        case platform::kFeet:
+            return "Feet";
+        case platform::kMeters:
+            return "Meters";
+        default:
+            return {};
+    }
+}
+
+OutputName completed_output_name(std::string_view typed, const std::string& temporary_folder,
+                                 const std::string& extension_folder) {
+    const std::string_view text = trimmed(typed);
+    if (text.empty()) {
+        return {};
+    }
+    OutputName name;
+    name.path = with_extension(text);
+    name.file_name = platform::file_name_of(name.path);
+    name.folder = name.path.substr(0, name.path.size() - name.file_name.size());
+    if (name.folder.empty() || !platform::folder_exists(name.folder)) {
+        const std::string chosen = !temporary_folder.empty() && platform::folder_exists(temporary_folder)
+                                       ? temporary_folder
+                                       : platform::join_path(extension_folder, "output");
+        name.folder_chosen = true;
+        name.path = platform::join_path(chosen, name.file_name);
+        name.folder = name.path.substr(0, name.path.size() - name.file_name.size());
+    }
+    return name;
+}
+
+std::string SetThemeName(std::string_view path) try {
+    std::string name = platform::file_name_of(path);
+    if (lower_case(name).ends_with(".shp")) {
+        name.resize(name.size() - 4);
+    }
+    return name;
+} catch (...) {
+    return reported<std::string>({"SetThemeName", kModule});
+}
+
+std::vector<std::string> shared_names(const std::vector<std::string>& names, const platform::Map& map) {
+    const auto layers = layers_in_order(map);
+    std::vector<std::string> sentences;
+    for (const std::string& name : std::set<std::string>(names.begin(), names.end())) {
+        if (std::count_if(layers.begin(), layers.end(), [&](const auto& layer) { return layer->name() == name; }) > 1) {
+            sentences.push_back(
+                fmt::format("Several layers of the map are named '{}'; the run takes the first of them.", name));
+        }
+    }
+    return sentences;
+}
+
+void remove_other_layers_of(const std::string& path, platform::Map& map) {
+    bool first = true;
+    for (const auto& layer : layers_in_order(map)) {
+        const auto* features = dynamic_cast<const platform::FeatureLayer*>(layer.get());
+        if (features == nullptr || !same_file(features->source().file(), path)) {
+            continue;
+        }
+        if (!first) {
+            map.remove_layer(layer);
+        }
+        first = false;
+    }
+}
+
+std::optional<std::int16_t> scenario_number(std::string_view typed, int rows) {
+    if (!platform::numeric(typed)) {
+        return std::nullopt;
+    }
+    const double number = platform::to_double(typed);
+    const bool whole = number >= 1 && number <= rows && number == static_cast<int>(number);
+    return whole ? std::optional(static_cast<std::int16_t>(number)) : std::nullopt;
+}
+
+}  // namespace kestrel::basISModelUtil

@@ -1,0 +1,179 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include <QButtonGroup>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QVBoxLayout>
+
+#include "parameters/frmISParams.h"
+#include "parameters/named_control.h"
+
+/// \file
+/// The parameter form's controls: made, laid out, connected.
+namespace kestrel {
+
+namespace {
+
+constexpr int kNameCharacters = 30;
+
+/// A caption in front of the control that its mnemonic leads to.
+void add_field(QGridLayout& grid, int row, const char* caption, QWidget* control, QWidget* beside = nullptr) {
+    auto* label = new QLabel(caption);
+    label->setBuddy(control);
+    grid.addWidget(label, row, 0);
+    grid.addWidget(control, row, 1, 1, beside != nullptr ? 1 : 2);
+    if (beside != nullptr) {
+        grid.addWidget(beside, row, 2);
+    }
+}
+
+QPushButton* button(const char* name, const char* caption, const char* tip) {
+    auto* made = named(name, new QPushButton(caption));
+    made->setToolTip(tip);
+    return made;
+}
+
+}  // namespace
+
+frmISParams::frmISParams(std::string extension_folder, QWidget* parent)
+    : QDialog(parent), m_extension_folder(std::move(extension_folder)), m_contents(new QWidget) {
+    setObjectName("frmISParams");
+    setWindowTitle("Kestrel");
+    setWindowFlags(Qt::Window);
+    build_controls();
+    build_options();
+    build_buttons();
+    build_layout();
+    order_tabs();
+    connect_controls();
+}
+
+void frmISParams::build_controls() {
+    const auto list = [](const char* name, const char* tip) {
+        auto* made = new NameList(name, kNameCharacters);
+        made->setToolTip(tip);
+        return made;
+    };
+    cboLCTheme = list("cboLCTheme", "The raster layer whose cells are land-cover classes");
+    cboLCUnits =
+        list("cboLCUnits", "The unit in which the land-cover grid measures: acres come of feet, hectares of meters");
+    cboAnalysisTheme = list("cboAnalysisTheme", "The polygon layer to analyze: its selected features, or all of them");
+    cboAnalysisUnit = list("cboAnalysisUnit", "The field whose values group the polygons");
+    cboLCType = list("cboLCType", "The impervious percentage of every land-cover class");
+    txtOutputTheme = named("txtOutputTheme", new QLineEdit);
+    txtOutputTheme->setToolTip("The shapefile to write; one of this name is replaced without asking");
+    txtThemeName = named("txtThemeName", new QLineEdit);
+    txtThemeName->setToolTip("The name of the new layer in the map");
+    fraDSMain = new ScenarioRows;
+}
+
+void frmISParams::build_options() {
+    fraPopDensity = named("fraPopDensity", new QGroupBox("Coefficients"));
+    m_options = new QButtonGroup(this);
+    auto* row = new QHBoxLayout(fraPopDensity);
+    row->addWidget(new QLabel("Which Coefficient?"));
+    const char* const captions[] = {"Hi&gh", "&Medium", "Lo&w", "Calcula&te"};
+    const char* const tips[] = {"Take the coefficient for high population density everywhere",
+                                "Take the coefficient for medium population density everywhere",
+                                "Take the coefficient for low population density everywhere",
+                                "Choose the coefficient place by place, by a layer of population density"};
+    for (int i = 0; i < kDensityOptions; ++i) {
+        auto* option = named(element_name("optPopDensity", static_cast<std::size_t>(i)), new QRadioButton(captions[i]));
+        option->setToolTip(tips[i]);
+        m_options->addButton(option, i);
+        row->addWidget(option);
+        optPopDensity.push_back(option);
+    }
+    row->addStretch(1);
+}
+
+void frmISParams::build_buttons() {
+    cmdOutputBrowse = button("cmdOutputBrowse", "&Browse...", "Choose where the shapefile goes");
+    cmdISRun = button("cmdISRun", "&Run", "Start the analysis");
+    cmdISQuit = button("cmdISQuit", "&Quit", "Close this window");
+    cmdISHelp = button("cmdISHelp", "&Help", "Show the help");
+}
+
+QGridLayout* frmISParams::build_inputs() {
+    auto* inputs = new QGridLayout;
+    inputs->setColumnStretch(1, 1);
+    add_field(*inputs, 0, "&Land Cover Grid", cboLCTheme);
+    add_field(*inputs, 1, "Land Cover Grid &Units", cboLCUnits);
+    add_field(*inputs, 2, "&Analysis Layer", cboAnalysisTheme);
+    add_field(*inputs, 3, "Analysis &Field", cboAnalysisUnit);
+    add_field(*inputs, 4, "&Coefficient Set", cboLCType);
+    return inputs;
+}
+
+QGridLayout* frmISParams::build_output() {
+    auto* output = new QGridLayout;
+    output->setColumnStretch(1, 1);
+    add_field(*output, 0, "&Output Shapefile", txtOutputTheme, cmdOutputBrowse);
+    add_field(*output, 1, "Layer &Name", txtThemeName);
+    return output;
+}
+
+void frmISParams::build_layout() {
+    QGridLayout* const inputs = build_inputs();
+    QGridLayout* const output = build_output();
+    // One column of captions for both.
+    int captions = 0;
+    for (QGridLayout* grid : {inputs, output}) {
+        for (int row = 0; row < grid->rowCount(); ++row) {
+            captions = std::max(captions, grid->itemAtPosition(row, 0)->sizeHint().width());
+        }
+    }
+    inputs->setColumnMinimumWidth(0, captions);
+    output->setColumnMinimumWidth(0, captions);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    for (QPushButton* made : {cmdISRun, cmdISQuit, cmdISHelp}) {
+        buttons->addWidget(made);
+    }
+    auto* contents = new QVBoxLayout(m_contents);
+    contents->setContentsMargins(0, 0, 0, 0);
+    contents->addLayout(inputs);
+    contents->addWidget(fraPopDensity);
+    contents->addWidget(fraDSMain, 1);
+    contents->addLayout(output);
+    contents->addLayout(buttons);
+    auto* all = new QVBoxLayout(this);
+    all->addWidget(m_contents);
+    cmdISRun->setDefault(true);
+}
+
+void frmISParams::order_tabs() {
+    QWidget* previous = cboLCTheme;
+    std::vector<QWidget*> order = {cboLCUnits, cboAnalysisTheme, cboAnalysisUnit, cboLCType};
+    order.insert(order.end(), optPopDensity.begin(), optPopDensity.end());
+    for (const char* name : {"chkDSApply(0)", "cboDSTheme(0)", "cboDSToClass(0)"}) {
+        order.push_back(fraDSMain->findChild<QWidget*>(name));
+    }
+    order.insert(order.end(), {&fraDSMain->add_button(), &fraDSMain->delete_button(), txtOutputTheme, cmdOutputBrowse,
+                               txtThemeName, cmdISRun, cmdISQuit, cmdISHelp});
+    for (QWidget* control : order) {
+        setTabOrder(previous, control);
+        previous = control;
+    }
+}
+
+void frmISParams::connect_controls() {
+    const auto chosen = QOverload<int>::of(&QComboBox::currentIndexChanged);
+    connect(cboAnalysisTheme, chosen, this, &frmISParams::cboAnalysisTheme_Click);
+    connect(cboLCType, chosen, this, &frmISParams::cboLCType_Click);
+    // A click is what a released mouse button, the space bar and the arrow keys make.
+    connect(m_options, &QButtonGroup::idClicked, this, &frmISParams::optPopDensity_MouseUp);
+    connect(txtOutputTheme, &QLineEdit::textChanged, this, &frmISParams::txtOutputTheme_Change);
+    connect(txtOutputTheme, &QLineEdit::editingFinished, this, &frmISParams::txtOutputTheme_Validate);
+    connect(cmdOutputBrowse, &QPushButton::clicked, this, &frmISParams::cmdOutputBrowse_Click);
+    connect(&fraDSMain->add_button(), &QPushButton::clicked, this, &frmISParams::cmdDSAdd_Click);
+    connect(&fraDSMain->delete_button(), &QPushButton::clicked, this, &frmISParams::cmdDSDelete_Click);
+    connect(cmdISRun, &QPushButton::clicked, this, &frmISParams::cmdISRun_Click);
+    connect(cmdISQuit, &QPushButton::clicked, this, &frmISParams::cmdISQuit_Click);
+    connect(cmdISHelp, &QPushButton::clicked, this, &frmISParams::cmdISHelp_Click);
+    txtOutputTheme->installEventFilter(this);
+}
+
+}  // namespace kestrel

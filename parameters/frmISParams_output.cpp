@@ -1,0 +1,124 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include <QApplication>
+#include <QFocusEvent>
+#include <QScopedValueRollback>
+
+#include "host/error_report.h"
+#include "parameters/basISModelUtil.h"
+#include "parameters/form_texts.h"
+#include "parameters/frmISParams.h"
+#include "platform/files.h"
+
+/// \file
+/// The parameter form's output: what leaving the box of its name does.
+namespace kestrel {
+
+using platform::interaction;
+
+namespace {
+
+constexpr const char* kModule = "ISParams";
+
+/// The button that the mouse is pressing, if that is where the focus has gone.
+QAbstractButton* button_being_pressed() {
+    return QApplication::mouseButtons() == Qt::NoButton ? nullptr
+                                                        : qobject_cast<QAbstractButton*>(QApplication::focusWidget());
+}
+
+}  // namespace
+
+bool frmISParams::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == txtOutputTheme && event->type() == QEvent::FocusIn) {
+        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+        // The box was not left when only its window was.
+        if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason) {
+            txtOutputTheme_GotFocus();
+        }
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+void frmISParams::txtOutputTheme_GotFocus() {
+    m_output_pending = true;
+}
+
+void frmISParams::txtOutputTheme_Change() {
+    m_output_pending = !m_applying_rules;
+}
+
+void frmISParams::txtOutputTheme_Validate() try {
+    if (QAbstractButton* pressed = button_being_pressed()) {
+        // A box that opened now would swallow the click. The button's own procedure comes first, and those that need
+        // the name apply the rules themselves.
+        connect(pressed, &QAbstractButton::released, this, &frmISParams::leave_output_box_late,
+                static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::UniqueConnection));
+        return;
+    }
+    leave_output_box();
+} catch (...) {
+    report_current({"txtOutputTheme_Validate", kModule});
+}
+
+/// The button that took the focus has been released.
+void frmISParams::leave_output_box_late() try {
+    if (auto* const button = qobject_cast<QAbstractButton*>(sender())) {
+        disconnect(button, &QAbstractButton::released, this, &frmISParams::leave_output_box_late);
+    }
+    if (m_map != nullptr && !m_running && !txtOutputTheme->hasFocus()) {
+        leave_output_box();
+    }
+} catch (...) {
+    report_current({"txtOutputTheme_Validate", kModule});
+}
+
+void frmISParams::leave_output_box() {
+    // Return leaves the box twice, since a box that is shown takes the focus away.
+    if (m_output_pending && !m_applying_rules) {
+        m_output_pending = false;
+        const QScopedValueRollback<bool> applying(m_applying_rules, true);
+        apply_output_rules();
+    }
+}
+
+void frmISParams::apply_output_rules() {
+    const basISModelUtil::OutputName name = basISModelUtil::completed_output_name(
+        txtOutputTheme->text().toStdString(), platform::temporary_folder(), m_extension_folder);
+    txtOutputTheme->setText(QString::fromStdString(name.path));
+    if (name.path.empty()) {
+        return;
+    }
+    txtThemeName->setText(QString::fromStdString(basISModelUtil::SetThemeName(name.file_name)));
+    m_land_cover_position = cboLCTheme->currentIndex();
+    m_analysis_position = cboAnalysisTheme->currentIndex();
+    m_field_position = cboAnalysisUnit->currentIndex();
+    m_output_file = name.file_name;
+    m_output_folder = name.folder;
+    if (name.folder_chosen) {
+        interaction().message_box(form_texts::other_output_folder(platform::folder_of(name.path)));
+    }
+}
+
+void frmISParams::cmdOutputBrowse_Click() try {
+    const auto path = interaction().file_dialog(form_texts::output_file());
+    const QString chosen = QString::fromStdString(path.value_or("")).trimmed();
+    txtOutputTheme->setText(chosen.isEmpty() ? QStringLiteral("kestrel") : chosen);
+    txtOutputTheme->setFocus();
+} catch (...) {
+    report_current({"cmdOutputBrowse_Click", kModule});
+}
+
+void frmISParams::RefreshForm() try {
+    if (m_analysis_position < cboAnalysisTheme->count()) {
+        cboAnalysisTheme->setCurrentIndex(m_analysis_position);
+    }
+    cboLCTheme->setCurrentIndex(m_land_cover_position);
+    cboAnalysisUnit->setCurrentIndex(m_field_position);
+    txtOutputTheme->clear();
+    txtThemeName->clear();
+    m_output_pending = false;
+} catch (...) {
+    report_current({"RefreshForm", kModule});
+}
+
+}  // namespace kestrel

@@ -1,0 +1,289 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include <QButtonGroup>
+#include <memory>
+#include <utility>
+
+#include "engine/basUtil.h"
+#include "engine/clsISExecuteModel.h"
+#include "host/error_report.h"
+#include "parameters/basISModelUtil.h"
+#include "parameters/form_texts.h"
+#include "parameters/frmISParams.h"
+#include "platform/errors.h"
+#include "platform/files.h"
+#include "platform/output_files.h"
+
+/// \file
+/// The parameter form's run: what is checked first, what is written, and what stands when the run has ended.
+namespace kestrel {
+
+using platform::interaction;
+
+namespace {
+
+constexpr const char* kModule = "ISParams";
+constexpr const char* kParameterFile = "model_params.txt";
+
+/// The host, and a listener to how a run ends.
+class RunWatch final : public platform::Application {
+  public:
+    explicit RunWatch(platform::Application& app) : m_app(app) {}
+
+    platform::Document& document() override { return m_app.document(); }
+    platform::IExtensionConfig* find_extension(std::string_view class_id) override {
+        return m_app.find_extension(class_id);
+    }
+    std::shared_ptr<platform::FeatureLayer> make_feature_layer(const std::string& path,
+                                                               const std::string& name) override {
+        return m_app.make_feature_layer(path, name);
+    }
+    platform::Interaction& interaction() override { return m_app.interaction(); }
+    platform::Progress& progress() override { return m_app.progress(); }
+    void run_ended(platform::RunResult result) override {
+        m_finished = result.finished;
+        m_app.run_ended(std::move(result));
+    }
+
+    bool finished() const noexcept { return m_finished; }
+
+  private:
+    platform::Application& m_app;
+    bool m_finished = false;
+};
+
+/// The file that the run would read a layer of this name from; empty when it is in none.
+std::string file_of(const std::string& layer_name, const platform::Map& map) {
+    const auto layer = basUtil::FindLayer(layer_name, map);
+    if (const auto* raster = dynamic_cast<const platform::RasterLayer*>(layer.get())) {
+        return raster->source();
+    }
+    const auto* features = dynamic_cast<const platform::FeatureLayer*>(layer.get());
+    return features != nullptr ? features->source().file() : std::string();
+}
+
+/// Names of the layers that a run with these choices reads.
+std::vector<std::string> layers_read(const ModelParameters& choices) {
+    std::vector<std::string> names{choices.land_cover_layer, choices.analysis_layer};
+    if (choices.density_option == kCalculate) {
+        names.push_back(choices.density_layer);
+    }
+    for (const ScenarioChoice& scenario : choices.scenarios) {
+        names.push_back(scenario.layer);
+    }
+    return names;
+}
+
+/// Nothing when the folder is in use or cannot be locked, which is told.
+std::unique_ptr<platform::FolderLock> locked(const std::string& folder) {
+    try {
+        return std::make_unique<platform::FolderLock>(folder);
+    } catch (const platform::RuntimeError& error) {
+        interaction().message_box(form_texts::folder_refused(error.description()));
+        return nullptr;
+    }
+}
+
+/// Carries the run out, with nothing of the form: that may be destroyed meanwhile.
+void execute(platform::Application& app, const std::string& extension_folder, const RunOutput& output) {
+    const bool replaces = !existing_files(output).empty();
+    platform::SetAsideOutput older(output.path(), output.records());
+    RunWatch watch(app);
+    clsISExecuteModel().ExecuteModel(&watch, extension_folder, kParameterFile, output.folder, output.file_name,
+                                     output.layer_name);
+    if (watch.finished()) {
+        older.discard();
+        if (replaces) {
+            basISModelUtil::remove_other_layers_of(output.path(), app.document().focus_map());
+        }
+    }
+}
+
+}  // namespace
+
+/// The time in which a run is under way.
+class frmISParams::Running {
+  public:
+    explicit Running(frmISParams& form) : m_form(&form) { form.begin_run(); }
+    ~Running() {
+        if (m_form) {
+            m_form->end_run();
+        }
+    }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+  private:
+    QPointer<frmISParams> m_form;
+};
+
+void frmISParams::cmdISRun_Click() try {
+    if (m_running) {
+        return;
+    }
+    leave_output_box();
+    if (txtOutputTheme->text().isEmpty()) {
+        interaction().message_box(form_texts::no_output_name());
+        txtOutputTheme->setFocus();
+        return;
+    }
+    if (basISModelUtil::SetThemeName(m_output_file).empty()) {
+        interaction().message_box(form_texts::no_shapefile_name());
+        txtOutputTheme->setFocus();
+        return;
+    }
+    const QPointer<frmISParams> alive(this);
+    if (ValidateForm(fraDSMain->highest())) {
+        run();
+    }
+    if (alive) {
+        RefreshForm();
+    }
+} catch (...) {
+    report_current({"cmdISRun_Click", kModule});
+}
+
+void frmISParams::run() {
+    const RunOutput place = output();
+    const ModelParameters chosen = choices();
+    if (!output_usable(place, chosen)) {
+        return;
+    }
+    const auto lock = locked(m_extension_folder);
+    if (!lock) {
+        return;
+    }
+    tell_once(basISModelUtil::shared_names(layers_read(chosen), map()));
+    const QPointer<frmISParams> alive(this);
+    const Running running(*this);
+    const auto waiting = interaction().waiting_window(form_texts::kWaiting);
+    if (!alive) {
+        return;
+    }
+    // Whether it was written is not asked: the run says so itself when there is no file to read. Intended.
+    write_model_parameters(platform::join_path(m_extension_folder, "temp"), kParameterFile, chosen, m_props,
+                           cboLCType->currentText().toStdString(), "");
+    execute(*m_app, std::string(m_extension_folder), place);
+}
+
+RunOutput frmISParams::output() {
+    if (txtThemeName->text().trimmed().isEmpty()) {
+        txtThemeName->setText(QString::fromStdString(basISModelUtil::SetThemeName(m_output_file)));
+    }
+    const std::string folder = platform::folder_of(m_output_folder);
+    // A name that ends in "shp" without a point is taken as it is, but a shapefile is not without one.
+    const bool whole = basISModelUtil::SetThemeName(m_output_file) != m_output_file;
+    return {folder, m_output_file + (whole ? "" : ".shp"), txtThemeName->text().toStdString()};
+}
+
+bool frmISParams::output_usable(const RunOutput& place, const ModelParameters& chosen) {
+    std::vector<std::string> inputs{platform::join_path(m_extension_folder, "etc/isprops.xml")};
+    for (const std::string& name : layers_read(chosen)) {
+        inputs.push_back(file_of(name, map()));
+    }
+    auto reason = wrong_name(place);
+    if (reason) {
+        *reason += '.';
+    } else {
+        reason = unusable_folder(place);
+    }
+    if (!reason) {
+        reason = replaced_input(place, inputs);
+    }
+    if (reason) {
+        interaction().message_box(form_texts::output_refused(*reason));
+        txtOutputTheme->setFocus();
+    }
+    return !reason;
+}
+
+ModelParameters frmISParams::choices() {
+    ModelParameters chosen;
+    chosen.land_cover_layer = cboLCTheme->currentText().toStdString();
+    chosen.land_cover_units = cboLCUnits->currentText().toStdString();
+    chosen.analysis_layer = cboAnalysisTheme->currentText().toStdString();
+    chosen.analysis_field = cboAnalysisUnit->currentText().toStdString();
+    chosen.density_option = density_option();
+    if (chosen.density_option == kCalculate) {
+        density().write_into(chosen);
+    }
+    chosen.output_path = txtOutputTheme->text().toStdString();
+    chosen.layer_name = txtThemeName->text().toStdString();
+    chosen.scenarios = fraDSMain->choices();
+    return chosen;
+}
+
+void frmISParams::begin_run() {
+    m_running = true;
+    m_focus_before_run = focusWidget();
+    m_contents->setEnabled(false);
+    setCursor(Qt::WaitCursor);
+}
+
+void frmISParams::end_run() {
+    setCursor(Qt::ArrowCursor);
+    m_contents->setEnabled(true);
+    if (m_focus_before_run) {
+        m_focus_before_run->setFocus();
+    }
+    m_running = false;
+    if (std::exchange(m_refresh_due, false) && m_map != nullptr) {
+        refresh_lists("cmdISRun_Click");
+    }
+}
+
+bool frmISParams::ValidateForm(std::int16_t highest_row) try {
+    const auto refusal = first_refusal(state(highest_row));
+    if (!refusal) {
+        return true;
+    }
+    control_of(refusal->control)->setFocus();
+    interaction().message_box(refusal->box);
+    return false;
+} catch (...) {
+    return reported<bool>({"ValidateForm", "basISModelUtil"});
+}
+
+FormState frmISParams::state(std::int16_t highest_row) {
+    FormState state{.analysis_layer_chosen = cboAnalysisTheme->currentIndex() >= 0,
+                    .land_cover_chosen = cboLCTheme->currentIndex() >= 0,
+                    .units_chosen = cboLCUnits->currentIndex() >= 0,
+                    .set_chosen = cboLCType->currentIndex() >= 0,
+                    .analysis_field_chosen = cboAnalysisUnit->currentIndex() >= 0,
+                    .density_option = density_option(),
+                    .output = txtOutputTheme->text().toStdString(),
+                    .highest_row = highest_row,
+                    .scenarios = fraDSMain->states()};
+    if (state.density_option == kCalculate) {
+        state.density = density().state();
+    }
+    return state;
+}
+
+QWidget* frmISParams::control_of(FormControl control) {
+    switch (control) {
+        case FormControl::cboAnalysisTheme:
+            return cboAnalysisTheme;
+        case FormControl::cboLCTheme:
+            return cboLCTheme;
+        case FormControl::cboLCUnits:
+            return cboLCUnits;
+        case FormControl::cboLCType:
+            return cboLCType;
+        case FormControl::cboAnalysisUnit:
+            return cboAnalysisUnit;
+        case FormControl::optPopDensity:
+            return optPopDensity.front();
+        case FormControl::density:
+            return optPopDensity[kCalculate];
+        case FormControl::cboDSTheme:
+            return &fraDSMain->themes(0);
+        case FormControl::cboDSToClass:
+            return &fraDSMain->classes(0);
+        case FormControl::txtOutputTheme:
+            break;
+    }
+    return txtOutputTheme;
+}
+
+}  // namespace kestrel
