@@ -12,10 +12,11 @@
 #include <cmath>
 #include <limits>
 
+#include "platform/dbase_records.h"
 #include "platform/errors.h"
 #include "platform/files.h"
 #include "platform/gdal_support.h"
-#include "platform/ogr_polygons.h"
+#include "platform/shape_records.h"
 #include "platform/shapefile_files.h"
 
 namespace kestrel::platform {
@@ -24,8 +25,6 @@ namespace {
 
 constexpr int kLongestText = 254;
 constexpr int kBigIntegerDigits = 18;
-
-constexpr std::int64_t kShapeHeader = 100;
 
 // Room for 16 digits before the point; the library's own choice has no room for values from 1e8 on.
 constexpr int kRealWidth = 32;
@@ -93,173 +92,217 @@ std::int64_t integer_of(const Value& value, const std::string& field) {
     return static_cast<std::int64_t>(*number);
 }
 
-/// Bytes that a feature takes in the .shp.
-std::int64_t shape_size(const PolygonSet& polygons, std::size_t feature) {
-    constexpr std::size_t kRecordHeader = 8;
-    constexpr std::size_t kNullShape = 4;
-    constexpr std::size_t kFixedPart = 44;
-    std::size_t size = kRecordHeader + (polygons.empty(feature) ? kNullShape : kFixedPart);
-    for (std::size_t r = polygons.first_ring_of(feature); r < polygons.first_ring_of(feature + 1); ++r) {
-        size += sizeof(std::int32_t) + sizeof(Point) * polygons.ring(r).size();
-    }
-    return static_cast<std::int64_t>(size);
-}
-
 void remove_members(const std::string& path) {
     for (const std::string& member : shapefile_members(path)) {
         remove_file(member);
     }
 }
 
-}  // namespace
+/// The files of a new shapefile without features, made by the library: schema, coordinate system and encoding are its.
+class NewShapefile {
+  public:
+    explicit NewShapefile(const std::string& path) : m_path(path) {
+        CPLErrorReset();  // earlier failures, of which messages of later ones would tell
+        errno = 0;
+    }
 
-struct ShapefileWriter::State {
-    std::string path;
-    std::vector<FieldType> types;
-    std::vector<double> bounds;  // of each real field, what its width can hold
-    bool referenced = false;
-    GDALDatasetUniquePtr dataset;
-    OGRLayer* layer = nullptr;
-    OGRFeatureUniquePtr feature;
-    std::int64_t count = 0;
-    std::int64_t shape_bytes = kShapeHeader;
-    int flush_count = 0;
+    void create(std::span<const Field> fields, const SpatialReference& reference);
 
-    void create(const SpatialReference& reference);
-    void add_fields(std::span<const Field> fields);
-    void set(int position, const Value& value);
-    void set_real(int position, double value);
-    void begin();
-    bool beyond_limit() const;
+  private:
+    void create_layer(const SpatialReference& reference);
+    void add_field(const Field& field);
     void check(bool good) const;
+
+    const std::string& m_path;
+    GDALDatasetUniquePtr m_dataset;
+    OGRLayer* m_layer = nullptr;
 };
 
-/// Forgets earlier failures, of which messages of later ones would tell.
-void ShapefileWriter::State::begin() {
-    CPLErrorReset();
-    errno = 0;
-}
-
-/// Whether a file with all that was inserted is larger than the format's offsets can tell.
-bool ShapefileWriter::State::beyond_limit() const {
-    std::int64_t record = 1;
-    for (int i = 0; feature != nullptr && i < feature->GetFieldCount(); ++i) {
-        record += feature->GetFieldDefnRef(i)->GetWidth();
-    }
-    return shape_bytes > std::numeric_limits<std::int32_t>::max() ||
-           record * (count + 1) > std::numeric_limits<std::int32_t>::max();
-}
-
-/// A warning counts as a failure: the library merely warns of values that it could not store.
-void ShapefileWriter::State::check(bool good) const {
+/// A warning counts as a failure: the library merely warns of what it could not do as asked.
+void NewShapefile::check(bool good) const {
     if (good && CPLGetLastErrorType() < CE_Warning) {
         return;
     }
-    const RuntimeError error = gdal_error(fmt::format("{} cannot be written", path));
-    if (beyond_limit()) {
-        throw RuntimeError(
-            kDiskFull,
-            fmt::format("{} would pass the 2 GB that a shapefile may have; use fewer or simpler polygons", path));
-    }
+    const RuntimeError error = gdal_error(fmt::format("{} cannot be written", m_path));
     // Some of the library's messages leave the reason out.
-    throw device_full(folder_of(path)) ? RuntimeError(kDiskFull, error.description() + ": the device is full") : error;
+    throw device_full(folder_of(m_path)) ? RuntimeError(kDiskFull, error.description() + ": the device is full")
+                                         : error;
 }
 
-void ShapefileWriter::State::create(const SpatialReference& reference) {
+void NewShapefile::create_layer(const SpatialReference& reference) {
     GDALDriver* const driver = GetGDALDriverManager()->GetDriverByName("ESRI Shapefile");
     if (driver == nullptr) {
         throw RuntimeError(kLibraryFailure, "GDAL has no driver for shapefiles");
     }
-    dataset.reset(driver->Create(path.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
-    check(dataset != nullptr);
+    m_dataset.reset(driver->Create(m_path.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
+    check(m_dataset != nullptr);
     OGRSpatialReference system;
     if (reference.known()) {
         check(system.importFromWkt(reference.wkt().c_str()) == OGRERR_NONE);
-        referenced = true;
     }
     CPLStringList options;
     options.SetNameValue("ENCODING", "UTF-8");
-    options.SetNameValue("2GB_LIMIT", "YES");
-    layer =
-        dataset->CreateLayer(base_name_of(path).c_str(), referenced ? &system : nullptr, wkbPolygon, options.List());
-    check(layer != nullptr);
+    m_layer = m_dataset->CreateLayer(base_name_of(m_path).c_str(), reference.known() ? &system : nullptr, wkbPolygon,
+                                     options.List());
+    check(m_layer != nullptr);
 }
 
-void ShapefileWriter::State::add_fields(std::span<const Field> fields) {
+void NewShapefile::add_field(const Field& field) {
+    const Storage storage = storage_of(field);
+    OGRFieldDefn definition(field.name.c_str(), storage.type);
+    definition.SetWidth(storage.width);
+    definition.SetPrecision(storage.scale);
+    check(m_layer->CreateField(&definition, FALSE) == OGRERR_NONE);
+}
+
+void NewShapefile::create(std::span<const Field> fields, const SpatialReference& reference) {
+    create_layer(reference);
     for (const Field& field : fields) {
+        add_field(field);
+    }
+    const bool synced = m_layer->SyncToDisk() == OGRERR_NONE;
+    m_dataset.reset();
+    check(synced);
+    check_shapefile_files(m_path, 0, reference.known());
+}
+
+/// A table needs a field: numbers of the records, where none is asked for.
+Field record_number_field() {
+    return {.name = "FID", .type = FieldType::integer, .length = 11};
+}
+
+}  // namespace
+
+struct ShapefileWriter::State {
+    State(const std::string& path, std::span<const Field> fields);
+
+    void set(std::size_t field, const Value& value);
+    void set_real(std::size_t field, double value);
+    void check_limits(std::int64_t more_shape_bytes) const;
+    template <typename Call>
+    void written(Call call) const;
+
+    std::string path;
+    std::vector<Field> fields;
+    std::vector<int> scales;
+    std::vector<double> bounds;  // of each real field, what its width can hold
+    bool numbers_records = false;
+    bool referenced = false;
+    bool open = true;
+    ShapeRecords shapes;
+    DbaseRecords table;
+    std::int64_t count = 0;
+    int flush_count = 0;
+};
+
+ShapefileWriter::State::State(const std::string& shapefile, std::span<const Field> given)
+    : path(shapefile),
+      fields(given.begin(), given.end()),
+      shapes(join_path(folder_of(shapefile), base_name_of(shapefile))),
+      table(join_path(folder_of(shapefile), base_name_of(shapefile) + ".dbf")) {
+    for (const Field& field : given) {
         const Storage storage = storage_of(field);
-        OGRFieldDefn definition(field.name.c_str(), storage.type);
-        definition.SetWidth(storage.width);
-        definition.SetPrecision(storage.scale);
-        check(layer->CreateField(&definition, FALSE) == OGRERR_NONE);
-        types.push_back(field.type);
+        scales.push_back(storage.scale);
         bounds.push_back(bound_of(storage));
     }
-    feature.reset(OGRFeature::CreateFeature(layer->GetLayerDefn()));
 }
 
-void ShapefileWriter::State::set_real(int position, double value) {
-    const double bound = bounds[static_cast<std::size_t>(position)];
-    // A sign takes the room of a digit. What rounds up to one more digit is left to check().
-    if (!(value < bound && value > -bound / 10)) {
-        throw RuntimeError(kOverflow, fmt::format("{} is too large for the field {} of {}", value,
-                                                  layer->GetLayerDefn()->GetFieldDefn(position)->GetNameRef(), path));
+/// Calls what writes, and lets its failures name the shapefile.
+template <typename Call>
+void ShapefileWriter::State::written(Call call) const {
+    try {
+        call();
+    } catch (const RuntimeError& error) {
+        throw RuntimeError(error.number(), fmt::format("{} cannot be written: {}", path, error.description()));
     }
-    feature->SetField(position, value);
 }
 
-void ShapefileWriter::State::set(int position, const Value& value) {
-    const FieldType type = types[static_cast<std::size_t>(position)];
+/// The format's offsets can tell of 2 GB.
+void ShapefileWriter::State::check_limits(std::int64_t more_shape_bytes) const {
+    constexpr std::int64_t kLimit = std::numeric_limits<std::int32_t>::max();
+    if (shapes.size() + more_shape_bytes > kLimit || table.size() + table.record_size() > kLimit) {
+        throw RuntimeError(
+            kDiskFull,
+            fmt::format("{} would pass the 2 GB that a shapefile may have; use fewer or simpler polygons", path));
+    }
+}
+
+void ShapefileWriter::State::set_real(std::size_t field, double value) {
+    const double bound = bounds[field];
+    // A sign takes the room of a digit; so does what rounds up to one more.
+    if (!(value < bound && value > -bound / 10) || !table.set_real(field, value, scales[field])) {
+        throw RuntimeError(kOverflow,
+                           fmt::format("{} is too large for the field {} of {}", value, fields[field].name, path));
+    }
+}
+
+void ShapefileWriter::State::set(std::size_t field, const Value& value) {
+    const FieldType type = fields[field].type;
+    const bool whole = integral(type) || type == FieldType::boolean;
     if (std::holds_alternative<std::monostate>(value)) {
-        feature->SetFieldNull(position);
-    } else if (integral(type) || type == FieldType::boolean) {
-        const char* const name = layer->GetLayerDefn()->GetFieldDefn(position)->GetNameRef();
-        feature->SetField(position, static_cast<GIntBig>(integer_of(value, name)));
+        whole || real(type) ? table.set_null_number(field) : table.set_null_text(field);
+    } else if (whole) {
+        table.set_integer(field, integer_of(value, fields[field].name));
     } else if (real(type)) {
-        set_real(position, number_of(value));
+        set_real(field, number_of(value));
+    } else if (const auto* const text = std::get_if<std::string>(&value);
+               text != nullptr && text->size() <= kLongestText) {
+        table.set_text(field, *text);
     } else {
-        feature->SetField(position, cut(text_of(value)).c_str());
+        table.set_text(field, cut(text_of(value)));
     }
 }
 
 ShapefileWriter::ShapefileWriter(const std::string& path, std::span<const Field> fields,
-                                 const SpatialReference& reference)
-    : m_state(std::make_unique<State>()) {
+                                 const SpatialReference& reference) {
     if (const std::string folder = folder_of(path); !folder.empty() && !folder_exists(folder)) {
         throw RuntimeError(kPathNotFound, fmt::format("{} cannot be written: its folder is missing", path));
     }
     start_gdal();
     remove_members(path);
-    m_state->path = path;
-    m_state->begin();
-    m_state->create(reference);
-    m_state->add_fields(fields);
+    const std::vector<Field> numbered{record_number_field()};
+    NewShapefile(path).create(fields.empty() ? numbered : fields, reference);
+    m_state = std::make_unique<State>(path, fields);
+    m_state->numbers_records = fields.empty();
+    m_state->referenced = reference.known();
 }
 
-ShapefileWriter::~ShapefileWriter() = default;
+ShapefileWriter::~ShapefileWriter() {
+    try {
+        close();
+    } catch (const RuntimeError&) {
+        return;  // whoever wants to know calls close()
+    }
+}
 
 void ShapefileWriter::insert(const PolygonSet& polygons, std::size_t feature, std::span<const Value> values) {
     State& state = *m_state;
-    if (state.layer == nullptr || values.size() != state.types.size()) {
+    if (!state.open || values.size() != state.fields.size()) {
         throw RuntimeError(kInvalidProcedureCall,
                            fmt::format("{} takes a value for each field until it is closed", state.path));
     }
-    state.begin();
+    state.check_limits(shape_size(polygons, feature));
     for (std::size_t i = 0; i < values.size(); ++i) {
-        state.set(static_cast<int>(i), values[i]);
+        state.set(i, values[i]);
     }
-    state.feature->SetFID(OGRNullFID);
-    state.shape_bytes += shape_size(polygons, feature);
-    state.feature->SetGeometryDirectly(geometry_of(polygons, feature).release());
-    state.check(state.layer->CreateFeature(state.feature.get()) == OGRERR_NONE);
+    if (state.numbers_records) {
+        state.table.set_integer(0, state.count);
+    }
+    state.written([&] {
+        state.table.append();
+        state.shapes.append(polygons, feature);
+    });
     ++state.count;
 }
 
 void ShapefileWriter::flush() {
-    ++m_state->flush_count;
-    if (m_state->layer != nullptr) {
-        m_state->begin();
-        m_state->check(m_state->layer->SyncToDisk() == OGRERR_NONE);
+    State& state = *m_state;
+    ++state.flush_count;
+    if (state.open) {
+        state.written([&] {
+            state.shapes.flush();
+            state.table.flush();
+        });
     }
 }
 
@@ -269,15 +312,14 @@ int ShapefileWriter::flush_count() const noexcept {
 
 void ShapefileWriter::close() {
     State& state = *m_state;
-    if (state.layer == nullptr) {
+    if (!state.open) {
         return;
     }
-    state.begin();
-    const bool synced = state.layer->SyncToDisk() == OGRERR_NONE;
-    state.layer = nullptr;
-    state.feature.reset();
-    state.dataset.reset();
-    state.check(synced);
+    state.open = false;
+    state.written([&] {
+        state.shapes.close();
+        state.table.close();
+    });
     check_shapefile_files(state.path, state.count, state.referenced);
 }
 

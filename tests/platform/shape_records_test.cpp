@@ -1,0 +1,129 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "platform/shape_records.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <random>
+
+#include "platform/feature_class.h"
+#include "platform/files.h"
+#include "platform/shapefile_writer.h"
+#include "tests/support/test_files.h"
+
+namespace kestrel::platform {
+namespace {
+
+/// A shapefile without features, for records to be appended; its table has no records either.
+std::string new_stem(const test::TemporaryFolder& folder) {
+    const std::vector<Field> fields{{"A", "", FieldType::integer, 4}};
+    ShapefileWriter(folder / "out.shp", fields, {}).close();
+    return folder / "out";
+}
+
+void add_box(PolygonSet& set, double x, double y, double size, bool clockwise) {
+    set.begin_ring();
+    const Point corners[] = {{x, y}, {x + size, y}, {x + size, y + size}, {x, y + size}, {x, y}};
+    for (int i = 0; i < 5; ++i) {
+        set.add(corners[clockwise ? 4 - i : i]);
+    }
+}
+
+/// Features of no to three squares beside one another, some with holes, running either way.
+PolygonSet random_features(std::mt19937& random, int count) {
+    PolygonSet set;
+    for (int f = 0; f < count; ++f) {
+        set.begin_feature();
+        const auto parts = random() % 4;
+        for (std::size_t p = 0; p < parts; ++p) {
+            set.begin_polygon();
+            const double x = 1e6 + 100.0 * static_cast<double>(p) + static_cast<double>(random() % 1000) / 64;
+            add_box(set, x, f, 80, random() % 2 == 0);
+            const auto holes = random() % 3;
+            for (std::size_t h = 0; h < holes; ++h) {
+                add_box(set, x + 5 + 20 * static_cast<double>(h), f + 5, 10, random() % 2 == 0);
+            }
+        }
+    }
+    return set;
+}
+
+std::vector<Point> sorted(std::span<const Point> ring) {
+    std::vector<Point> points(ring.begin(), ring.end() - 1);
+    std::sort(points.begin(), points.end(), [](Point a, Point b) { return a.x != b.x ? a.x < b.x : a.y < b.y; });
+    return points;
+}
+
+TEST(ShapeRecords, ReadBackAsTheyWereWhateverWayRingsRun) {
+    std::mt19937 random(3);
+    for (int round = 0; round < 40; ++round) {
+        const test::TemporaryFolder folder;
+        const int count = static_cast<int>(random() % 60);
+        const PolygonSet set = random_features(random, count);
+        ShapeRecords records(new_stem(folder));
+        for (std::size_t f = 0; f < set.feature_count(); ++f) {
+            records.append(set, f);
+            if (random() % 16 == 0) {
+                records.flush();
+            }
+        }
+        records.close();
+        std::filesystem::remove(folder / "out.dbf");  // it has no records: the shapes alone are read
+        const PolygonSet read = FeatureClass::open({folder / "out.shp"}).read_polygons({}).polygons;
+        ASSERT_EQ(read.feature_count(), set.feature_count());
+        ASSERT_EQ(read.polygon_count(), set.polygon_count());
+        ASSERT_EQ(read.ring_count(), set.ring_count());
+        for (std::size_t f = 0; f < set.feature_count(); ++f) {
+            EXPECT_EQ(read.area(f), set.area(f));
+        }
+        for (std::size_t r = 0; r < set.ring_count(); ++r) {
+            EXPECT_EQ(sorted(read.ring(r)), sorted(set.ring(r)));
+        }
+        if (set.polygon_count() > 0) {
+            EXPECT_EQ(FeatureClass::open({folder / "out.shp"}).extent().max_x, set.envelope().max_x);
+            EXPECT_EQ(FeatureClass::open({folder / "out.shp"}).extent().min_y, set.envelope().min_y);
+        }
+    }
+}
+
+TEST(ShapeRecords, SizeIsWhatTheFileHas) {
+    const test::TemporaryFolder folder;
+    std::mt19937 random(4);
+    const PolygonSet set = random_features(random, 50);
+    ShapeRecords records(new_stem(folder));
+    std::int64_t size = records.size();
+    EXPECT_EQ(size, 100);
+    for (std::size_t f = 0; f < set.feature_count(); ++f) {
+        records.append(set, f);
+        size += shape_size(set, f);
+        EXPECT_EQ(records.size(), size);
+    }
+    records.close();
+    EXPECT_EQ(std::filesystem::file_size(folder / "out.shp"), static_cast<std::uintmax_t>(size));
+    EXPECT_EQ(std::filesystem::file_size(folder / "out.shx"), 100U + 8 * set.feature_count());
+}
+
+TEST(ShapeRecords, ShellsRunClockwiseAndHolesTheOtherWay) {
+    const test::TemporaryFolder folder;
+    PolygonSet set;
+    set.begin_feature();
+    set.begin_polygon();
+    add_box(set, 0, 0, 10, false);
+    add_box(set, 2, 2, 2, true);
+    ShapeRecords records(new_stem(folder));
+    records.append(set, 0);
+    records.close();
+    const std::string bytes = read_file(folder / "out.shp");
+    std::vector<Point> points(10);
+    const std::size_t start = 100 + 8 + 44 + 2 * 4;
+    ASSERT_EQ(bytes.size(), start + 160);
+    std::memcpy(points.data(), bytes.data() + start, 160);
+    EXPECT_LT(twice_signed_area(std::span(points).first(5)), 0);
+    EXPECT_GT(twice_signed_area(std::span(points).last(5)), 0);
+}
+
+}  // namespace
+}  // namespace kestrel::platform
