@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -9,8 +10,10 @@
 
 namespace kestrel::cli {
 
-/// A run as one JSON object, indented, with a line end. Bytes that are no UTF-8 are replaced by U+FFFD.
+/// Writes a run as one JSON object, indented, with a line end. Bytes that are no UTF-8 are replaced by U+FFFD. The
+/// zones are written one by one: there may be hundreds of thousands.
 /// \param messages what the user was told, such as why there is no output.
-std::string result_json(const platform::RunResult& result, const std::vector<std::string>& messages = {});
+void write_result_json(std::ostream& out, const platform::RunResult& result,
+                       const std::vector<std::string>& messages = {});
 
 }  // namespace kestrel::cli

@@ -127,7 +127,7 @@ int tell_result(const RunRequest& request, const Ending& ending, std::ostream& o
             {cancelled ? "The run was cancelled. Nothing has been changed." : "The run ended without an output."});
     }
     if (request.json) {
-        out << result_json(result, console.messages());
+        write_result_json(out, result, console.messages());
     } else if (result.finished) {
         out << result_table(result, request.quiet);
     }
@@ -154,7 +154,7 @@ int run(const RunRequest& request, std::ostream& out, std::ostream& err, bool on
             throw;
         }
         console.message_box({refusal.description()});
-        out << result_json({}, console.messages());
+        write_result_json(out, {}, console.messages());
         out.flush();
         return kRefused;
     }

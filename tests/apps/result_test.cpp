@@ -2,6 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <nlohmann/json.hpp>
+#include <random>
+#include <sstream>
+
 #include "apps/cli/result_json.h"
 #include "apps/cli/result_table.h"
 
@@ -128,6 +133,12 @@ TEST(UnknownClasses, AreSilentWhenThereAreNone) {
     EXPECT_EQ(unknown_classes_text({}), "");
 }
 
+std::string json_of(const RunResult& result, const std::vector<std::string>& messages = {}) {
+    std::ostringstream out;
+    write_result_json(out, result, messages);
+    return out.str();
+}
+
 TEST(ResultJson, HoldsTheWholeResult) {
     RunResult result = three_zones();
     result.zones.resize(1);
@@ -185,13 +196,44 @@ TEST(ResultJson, HoldsTheWholeResult) {
   ]
 }
 )json";
-    EXPECT_EQ(result_json(result, {"NODATA Cells!: Some of them"}), expected);
+    EXPECT_EQ(json_of(result, {"NODATA Cells!: Some of them"}), expected);
+}
+
+TEST(ResultJson, ValuesOfEveryKindReadBack) {
+    RunResult result;
+    std::mt19937_64 random(5);
+    const std::vector<std::string> texts{"plain", "", "a \"quote\" \\", "tab\t line\r\n", "Łódź 川", "\x7f", "\x01"};
+    for (int i = 0; i < 500; ++i) {
+        const int exponent = static_cast<int>(random() % 40) - 20;
+        const double number = std::ldexp(static_cast<double>(random() % 100000), exponent) * (i % 3 == 0 ? -1 : 1);
+        result.zones.push_back({.value = texts[random() % texts.size()],
+                                .total_area = number,
+                                .impervious_area = number * 1e12,
+                                .percent = std::round(number) * 1e-6,
+                                .cells = random()});
+    }
+    result.zones[0].total_area = 0;
+    result.zones[1].total_area = -0.0;
+    const std::string text = json_of(result);
+    const auto zones = nlohmann::json::parse(text)["zones"];
+    ASSERT_EQ(zones.size(), result.zones.size());
+    for (std::size_t i = 0; i < zones.size(); ++i) {
+        const ZoneResult& zone = result.zones[i];
+        EXPECT_EQ(zones[i]["value"], zone.value);
+        EXPECT_EQ(zones[i]["total_area"].get<double>(), zone.total_area);
+        EXPECT_EQ(zones[i]["impervious_area"].get<double>(), zone.impervious_area);
+        EXPECT_EQ(zones[i]["percent"].get<double>(), zone.percent);
+        EXPECT_EQ(zones[i]["cells"], zone.cells);
+        EXPECT_TRUE(zones[i]["total_area"].is_number_float());
+    }
+    EXPECT_NE(text.find("\"total_area\": 0.0,"), std::string::npos);
+    EXPECT_NE(text.find("\"total_area\": -0.0,"), std::string::npos);
 }
 
 TEST(ResultJson, OfAFailedRunNamesTheUnknownClasses) {
     RunResult result;
     result.unknown_classes = {{99, 12}};
-    const std::string json = result_json(result);
+    const std::string json = json_of(result);
     EXPECT_NE(json.find("\"finished\": false"), std::string::npos);
     EXPECT_NE(json.find("\"code\": 99,\n      \"cells\": 12"), std::string::npos) << json;
 }
@@ -199,7 +241,7 @@ TEST(ResultJson, OfAFailedRunNamesTheUnknownClasses) {
 TEST(ResultJson, StaysReadableWhenAValueIsNoUtf8) {
     RunResult result;
     result.zones = {{.value = "M\xFChl"}};
-    EXPECT_NE(result_json(result).find("M\xEF\xBF\xBDhl"), std::string::npos);
+    EXPECT_NE(json_of(result).find("M\xEF\xBF\xBDhl"), std::string::npos);
 }
 
 }  // namespace
