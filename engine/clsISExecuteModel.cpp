@@ -4,7 +4,9 @@
 
 #include <fmt/format.h>
 
+#include <span>
 #include <utility>
+#include <vector>
 
 #include "engine/basUtil.h"
 #include "engine/clsISTableFunctions.h"
@@ -42,6 +44,28 @@ Table snapshot(const Table& table, const std::string& name) {
     copy.rename(name);
     return copy;
 }
+
+/// The columns of an area table that are summed up.
+class Columns {
+  public:
+    Columns(const Table& table, bool (*wanted)(const Field&)) {
+        for (int field = 2; field < static_cast<int>(table.fields().size()); ++field) {
+            if (wanted(table.fields()[static_cast<std::size_t>(field)])) {
+                m_columns.push_back(table.numbers(field));
+            }
+        }
+    }
+    double sum(std::size_t row) const {
+        double result = 0;
+        for (const std::span<const double> column : m_columns) {
+            result += column[row];
+        }
+        return result;
+    }
+
+  private:
+    std::vector<std::span<const double>> m_columns;
+};
 
 /// The files of an output that stands in its place but is not in the map yet: unless they are kept, they go again.
 class PublishedFiles {
@@ -235,15 +259,16 @@ bool clsISExecuteModel::AddNewFields() try {
 bool clsISExecuteModel::isCalPctIS() try {
     ModelRun& run = *m_run;
     const Table& table = *run.summary;
+    const Columns areas(table, is_area_column);
+    const Columns impervious_areas(table, is_impervious_column);
+    std::size_t likely_row = 0;
     for (std::size_t i = 0; i < run.groups.count(); ++i) {
         double area = 0;
         double impervious = 0;
-        if (const std::optional<std::size_t> row = table.find_row(run.groups.text(i))) {
-            for (int field = 2; field < static_cast<int>(table.fields().size()); ++field) {
-                const Field& column = table.fields()[static_cast<std::size_t>(field)];
-                area += is_area_column(column) ? table.number(*row, field) : 0;
-                impervious += is_impervious_column(column) ? table.number(*row, field) : 0;
-            }
+        if (const std::optional<std::size_t> row = table.find_row(run.groups.text(i), likely_row)) {
+            area = areas.sum(*row);
+            impervious = impervious_areas.sum(*row);
+            likely_row = *row + 1;
         }
         run.output.total_area.push_back(platform::round_to_scale(area, 6));
         run.output.impervious_area.push_back(platform::round_to_scale(impervious, 6));

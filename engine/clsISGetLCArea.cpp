@@ -164,6 +164,7 @@ bool clsISGetLCArea::CalculateAreas(const Tabulation& tabulation, double factor,
                                     Table& table) try {
     const CoefficientLookup lookup(m_option, dictCL);
     ColumnCoefficients known(lookup, tabulation, !(m_option < "3"));
+    table.reserve(tabulation.rows.size());
     for (std::size_t id = 0; id < tabulation.rows.size(); ++id) {
         const std::string zone = AnalysisFieldValues(tabulation, id);
         const std::vector<double>& coefficients = known.of(zone);

@@ -5,6 +5,9 @@
 #include "platform/conversions.h"
 #include "platform/errors.h"
 
+#include <algorithm>
+#include <bit>
+#include <functional>
 #include <utility>
 
 namespace kestrel::platform {
@@ -14,9 +17,38 @@ namespace {
 /// Object id and key come before the numbers.
 constexpr std::size_t kFirstNumberField = 2;
 
+constexpr std::uint32_t kFree = UINT32_MAX;
+constexpr std::size_t kFewestSlots = 16;
+
+/// Makes `shared` the only holder of what it points at.
+template <typename Part>
+Part& owned(std::shared_ptr<Part>& shared) {
+    if (shared.use_count() > 1) {
+        shared = std::make_shared<Part>(*shared);
+    }
+    return *shared;
+}
+
 }  // namespace
 
-Table::Table(std::string name, std::vector<Field> fields, int line) : m_name(std::move(name)) {
+/// The slot that holds the row of this key, or is free for it.
+std::uint32_t& Table::Rows::slot_of(std::string_view key) {
+    std::size_t at = std::hash<std::string_view>()(key) & (slots.size() - 1);
+    while (slots[at] != kFree && keys[slots[at]] != key) {
+        at = (at + 1) & (slots.size() - 1);
+    }
+    return slots[at];
+}
+
+void Table::Rows::grow() {
+    slots.assign(std::max(kFewestSlots, 4 * std::bit_ceil(keys.size() + 1)), kFree);
+    for (std::uint32_t row = 0; row < keys.size(); ++row) {
+        slot_of(keys[row]) = row;
+    }
+}
+
+Table::Table(std::string name, std::vector<Field> fields, int line)
+    : m_name(std::move(name)), m_rows(std::make_shared<Rows>()) {
     if (fields.size() < kFirstNumberField) {
         throw RuntimeError(kInvalidProcedureCall, "A table needs an object id and a key: " + m_name, "Kestrel", line);
     }
@@ -38,43 +70,74 @@ int Table::add_field(Field field, int line) {
     }
     m_fields.push_back(std::move(field));
     if (m_fields.size() > kFirstNumberField) {
-        m_numbers.emplace_back(m_keys.size(), 0.0);
+        m_numbers.push_back(std::make_shared<Column>(row_count(), 0.0));
     }
     return position;
 }
 
+void Table::reserve(std::size_t rows) {
+    owned(m_rows).keys.reserve(rows);
+    for (std::size_t column = 0; column < m_numbers.size(); ++column) {
+        own_column(column).reserve(rows);
+    }
+}
+
 std::size_t Table::add_row(std::string key, int line) {
-    const std::size_t row = m_keys.size();
-    if (!m_rows.try_emplace(key, row).second) {
+    Rows& rows = owned(m_rows);
+    const std::size_t row = rows.keys.size();
+    if (row == kFree) {
+        throw RuntimeError(kOverflow, "The table " + m_name + " has too many rows", "Kestrel", line);
+    }
+    if (2 * (row + 1) > rows.slots.size()) {
+        rows.grow();
+    }
+    std::uint32_t& slot = rows.slot_of(key);
+    if (slot != kFree) {
         throw RuntimeError(kKeyAlreadyExists, "The table " + m_name + " has a row of this key: " + key, "Kestrel",
                            line);
     }
-    m_keys.push_back(std::move(key));
-    for (std::vector<double>& column : m_numbers) {
-        column.push_back(0);
+    slot = static_cast<std::uint32_t>(row);
+    rows.keys.push_back(std::move(key));
+    for (std::size_t column = 0; column < m_numbers.size(); ++column) {
+        own_column(column).push_back(0);
     }
     return row;
 }
 
-std::optional<std::size_t> Table::find_row(const std::string& key) const {
-    const auto found = m_rows.find(key);
-    return found == m_rows.end() ? std::nullopt : std::optional(found->second);
+std::optional<std::size_t> Table::find_row(std::string_view key) const {
+    if (m_rows->slots.empty()) {
+        return std::nullopt;
+    }
+    const std::uint32_t row = m_rows->slot_of(key);
+    return row == kFree ? std::nullopt : std::optional<std::size_t>(row);
+}
+
+std::optional<std::size_t> Table::find_row(std::string_view key, std::size_t likely) const {
+    return likely < row_count() && m_rows->keys[likely] == key ? likely : find_row(key);
+}
+
+std::vector<double>& Table::own_column(std::size_t column) {
+    return owned(m_numbers[column]);
 }
 
 const std::string& Table::key(std::size_t row, int line) const {
     check_row(row, line);
-    return m_keys[row];
+    return m_rows->keys[row];
 }
 
 double Table::number(std::size_t row, int field, int line) const {
     check_row(row, line);
-    return m_numbers[column_of(field, line)][row];
+    return (*m_numbers[column_of(field, line)])[row];
+}
+
+std::span<const double> Table::numbers(int field, int line) const {
+    return *m_numbers[column_of(field, line)];
 }
 
 void Table::set_number(std::size_t row, int field, double value, int line) {
     check_row(row, line);
     const std::size_t column = column_of(field, line);
-    m_numbers[column][row] = round_to_scale(value, m_fields[static_cast<std::size_t>(field)].scale);
+    own_column(column)[row] = round_to_scale(value, m_fields[static_cast<std::size_t>(field)].scale);
 }
 
 std::size_t Table::column_of(int field, int line) const {
@@ -86,7 +149,7 @@ std::size_t Table::column_of(int field, int line) const {
 }
 
 void Table::check_row(std::size_t row, int line) const {
-    if (row >= m_keys.size()) {
+    if (row >= row_count()) {
         throw RuntimeError(kSubscriptOutOfRange, "The table " + m_name + " has no row " + std::to_string(row),
                            "Kestrel", line);
     }

@@ -3,12 +3,14 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "platform/field.h"
@@ -21,6 +23,8 @@ namespace kestrel::platform {
 /// is stored is rounded to its field's scale, as dBASE would keep it; text is never cut. Rows are found by the exact
 /// text of their key through an index, so nothing in a key can be mistaken for a query. Positions that do not exist are
 /// error 9.
+///
+/// Copies share what neither of them changes: a table kept for the record costs little. Copies are used on one thread.
 class Table {
   public:
     /// \param fields in order, the object id first, the key second, then number fields.
@@ -32,7 +36,9 @@ class Table {
     const std::vector<Field>& fields() const noexcept { return m_fields; }
     /// Position of the field, compared exactly; -1 when there is none.
     int find_field(std::string_view name) const noexcept;
-    std::size_t row_count() const noexcept { return m_keys.size(); }
+    std::size_t row_count() const noexcept { return m_rows->keys.size(); }
+    /// Makes room for that many rows at once.
+    void reserve(std::size_t rows);
 
     /// Appends a number field at the end; every row starts from 0 there.
     /// \return its position.
@@ -43,24 +49,38 @@ class Table {
     /// \throws RuntimeError 457 when there is a row with this key: keys are zones.
     std::size_t add_row(std::string key, int line = __builtin_LINE());
     /// Position of the row with this key, or nothing.
-    std::optional<std::size_t> find_row(const std::string& key) const;
+    std::optional<std::size_t> find_row(std::string_view key) const;
+    /// The same, where `likely` is probably the row, as when going through rows in order.
+    std::optional<std::size_t> find_row(std::string_view key, std::size_t likely) const;
 
     const std::string& key(std::size_t row, int line = __builtin_LINE()) const;
     /// \param field a number field's position.
     double number(std::size_t row, int field, int line = __builtin_LINE()) const;
+    /// All values of a number field, row by row; until the table is changed.
+    std::span<const double> numbers(int field, int line = __builtin_LINE()) const;
     void set_number(std::size_t row, int field, double value, int line = __builtin_LINE());
 
   private:
     /// Position in m_numbers.
     std::size_t column_of(int field, int line) const;
     void check_row(std::size_t row, int line) const;
+    std::vector<double>& own_column(std::size_t column);
+
+    /// The keys of the rows, and where they are found: positions of rows, by the hash of their key.
+    struct Rows {
+        std::vector<std::string> keys;
+        std::vector<std::uint32_t> slots;
+
+        std::uint32_t& slot_of(std::string_view key);
+        void grow();
+    };
+    using Column = std::vector<double>;
 
     std::string m_name;
     std::vector<Field> m_fields;
     std::map<std::string, int, std::less<>> m_field_positions;
-    std::vector<std::string> m_keys;
-    std::unordered_map<std::string, std::size_t> m_rows;
-    std::vector<std::vector<double>> m_numbers;  // of the fields from position 2 on
+    std::shared_ptr<Rows> m_rows;
+    std::vector<std::shared_ptr<Column>> m_numbers;  // of the fields from position 2 on
 };
 
 /// Writes a table as a dBASE file, for inspection: without the object id, names cut to 10 characters, text to 254
