@@ -9,7 +9,7 @@
 
 #include "apps/cli/console_interaction.h"
 #include "apps/cli/console_progress.h"
-#include "apps/cli/raster_analysis.h"
+#include "host/raster_analysis.h"
 #include "apps/cli/refusal.h"
 #include "apps/cli/result_json.h"
 #include "apps/cli/result_table.h"

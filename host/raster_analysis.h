@@ -6,9 +6,10 @@
 
 #include "platform/contracts/extension.h"
 
-namespace kestrel::cli {
+namespace kestrel {
 
-/// The raster analysis that runs ask their host for. It is part of the program, so the command always has it.
+/// The raster analysis that runs ask their host for. It is part of the program, so every host has it; a desktop lets
+/// its user switch it off.
 class RasterAnalysis final : public platform::IExtensionConfig {
   public:
     std::string IExtensionConfig_ProductName() const override { return "Raster analysis"; }
@@ -20,4 +21,4 @@ class RasterAnalysis final : public platform::IExtensionConfig {
     std::int32_t m_state = platform::kExtensionEnabled;
 };
 
-}  // namespace kestrel::cli
+}  // namespace kestrel

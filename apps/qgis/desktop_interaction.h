@@ -1,0 +1,51 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "host/qt_interaction.h"
+#include "platform/contracts/interaction.h"
+#include "platform/run_result.h"
+
+class QgisInterface;
+
+namespace kestrel::qgis {
+
+/// How QGIS speaks with its user: boxes are those of Qt, warnings and the ends of runs stand in the message bar, and
+/// their details in the log.
+class DesktopInteraction final : public platform::Interaction {
+  public:
+    explicit DesktopInteraction(QgisInterface& iface);
+    ~DesktopInteraction() override;
+
+    platform::Answer message_box(const platform::MessageBox& box) override { return m_boxes.message_box(box); }
+    std::string input_box(const platform::InputBox& box) override { return m_boxes.input_box(box); }
+    std::optional<std::string> file_dialog(const platform::FileDialog& dialog) override {
+        return m_boxes.file_dialog(dialog);
+    }
+    void show_call_stack(std::string_view text) override;
+    /// While the window is up, the status bar shows the progress, too, and the map is not drawn: its files may change.
+    std::unique_ptr<platform::WaitingWindow> waiting_window(std::string_view text) override;
+    void show_help() override { m_boxes.show_help(); }
+    void notice(std::string_view text) override;
+    void beep() override { m_boxes.beep(); }
+
+    /// The living waiting window; where there is none, progress that nobody sees.
+    platform::Progress& progress();
+    /// Tells how a run ended.
+    void run_ended(const platform::RunResult& result);
+    /// Tells of something that does not work, and why.
+    void failure(std::string_view text);
+
+  private:
+    class DesktopWaitingWindow;
+
+    QgisInterface& m_iface;
+    QtInteraction m_boxes;
+    platform::NoProgress m_no_progress;
+    DesktopWaitingWindow* m_waiting = nullptr;
+};
+
+}  // namespace kestrel::qgis

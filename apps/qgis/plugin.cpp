@@ -1,0 +1,134 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "apps/qgis/plugin.h"
+
+#include <qgis.h>
+#include <qgisinterface.h>
+#include <qgsmapcanvas.h>
+#include <qgsproject.h>
+
+#include <QAction>
+#include <QMainWindow>
+#include <QPointer>
+
+#include "apps/qgis/command_bar.h"
+#include "apps/qgis/desktop_application.h"
+#include "apps/qgis/desktop_interaction.h"
+#include "apps/qgis/extension_list.h"
+#include "apps/qgis/extensions_window.h"
+#include "host/extension_folder.h"
+#include "host/raster_analysis.h"
+#include "platform/files.h"
+#include "platform/hosted_extension.h"
+
+namespace kestrel::qgis {
+
+namespace {
+
+std::string working_folder() {
+    return platform::join_path(extension_folder(loaded_library_folder(), user_data_folder()), "temp");
+}
+
+}  // namespace
+
+/// Members are taken down from the last to the first: the user's way in, then the extension, then what it stands on.
+struct KestrelPlugin::Running {
+    explicit Running(QgisInterface& iface)
+        : interaction(iface),
+          application(*QgsProject::instance(),
+                      {.interaction = interaction,
+                       .progress = [this]() -> platform::Progress& { return interaction.progress(); },
+                       .redraw = [&iface] { iface.mapCanvas()->refresh(); },
+                       .run_ended = [this](const platform::RunResult& result) { interaction.run_ended(result); },
+                       .copies_folder = working_folder}),
+          kestrel(platform::join_path(loaded_library_folder(), "libkestrel_ext.so")) {
+        application.register_extension(platform::kKestrelExtension, kestrel.config());
+        application.register_extension(platform::kRasterAnalysisExtension, raster_analysis);
+        kestrel.start(application);
+        extensions.add(platform::kKestrelExtension, kestrel.config());
+        extensions.add(platform::kRasterAnalysisExtension, raster_analysis);
+        commands = std::make_unique<CommandBar>(iface, kestrel,
+                                                [this](const std::string& failure) { interaction.failure(failure); });
+    }
+
+    DesktopInteraction interaction;
+    platform::ScopedInteraction scope{interaction};
+    RasterAnalysis raster_analysis;
+    DesktopApplication application;
+    ExtensionList extensions;
+    platform::HostedExtension kestrel;
+    std::unique_ptr<CommandBar> commands;
+    std::unique_ptr<QAction> extensions_action;
+    std::unique_ptr<ExtensionsWindow> extensions_window;
+};
+
+KestrelPlugin::KestrelPlugin(QgisInterface& iface) : m_iface(iface) {}
+
+KestrelPlugin::~KestrelPlugin() {
+    KestrelPlugin::unload();
+}
+
+void KestrelPlugin::initGui() try {
+    m_running = std::make_unique<Running>(m_iface);
+    m_running->extensions_action = std::make_unique<QAction>("Extensions...");
+    QAction& action = *m_running->extensions_action;
+    action.setObjectName("kestrelShowExtensions");
+    action.setStatusTip("Switch extensions on and off");
+    connect(&action, &QAction::triggered, this, &KestrelPlugin::show_extensions);
+    m_running->commands->add_to_plugins_menu(action);
+} catch (const std::exception& error) {
+    m_running.reset();
+    DesktopInteraction(m_iface).failure(std::string("The Kestrel Tools cannot be loaded. ") + error.what());
+}
+
+void KestrelPlugin::unload() {
+    m_running.reset();
+}
+
+void KestrelPlugin::show_extensions() try {
+    Running& running = *m_running;
+    if (!running.extensions_window) {
+        running.extensions_window = std::make_unique<ExtensionsWindow>(running.extensions, m_iface.mainWindow());
+        connect(running.extensions_window.get(), &ExtensionsWindow::states_changed, running.commands.get(),
+                &CommandBar::poll);
+    }
+    running.extensions_window->show();
+    running.extensions_window->raise();
+    running.extensions_window->activateWindow();
+} catch (const std::exception& error) {
+    m_running->interaction.failure(error.what());
+}
+
+}  // namespace kestrel::qgis
+
+namespace {
+
+const QString kName = QStringLiteral("Kestrel");
+const QString kDescription = QStringLiteral("Estimates the area of imperviousness of polygons from land cover");
+const QString kCategory = QStringLiteral("Analysis");
+const QString kVersion = QStringLiteral(KESTREL_VERSION);
+
+}  // namespace
+
+// What QGIS asks a plugin library for. Without one of these it is passed over in silence.
+QGISEXTERN QgisPlugin* classFactory(QgisInterface* iface) {
+    return new kestrel::qgis::KestrelPlugin(*iface);
+}
+QGISEXTERN const QString* name() {
+    return &kName;
+}
+QGISEXTERN const QString* description() {
+    return &kDescription;
+}
+QGISEXTERN const QString* category() {
+    return &kCategory;
+}
+QGISEXTERN const QString* version() {
+    return &kVersion;
+}
+QGISEXTERN int type() {
+    return QgisPlugin::UI;
+}
+QGISEXTERN void unload(QgisPlugin* plugin) {
+    delete plugin;
+}

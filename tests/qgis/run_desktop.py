@@ -1,0 +1,102 @@
+# SPDX-FileCopyrightText: The Kestrel developers
+# SPDX-License-Identifier: MIT
+"""Starts QGIS on a screen of its own, with a new profile and the built plugin, and lets it run a script.
+
+    run_desktop.py BUILT_FOLDER SCRIPT [--times N] [--keep]
+
+BUILT_FOLDER holds the libraries with etc and help; a copy of it becomes the extension folder. The script finds its own
+folder in KESTREL_DRIVE_FOLDER and ends QGIS by drive.finish(). Ends with the status of the script, 1 when QGIS did not
+end by itself, and 77 where QGIS cannot be started at all.
+"""
+
+import argparse
+import os
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+HERE = Path(__file__).resolve().parent
+SKIPPED = 77
+SETTINGS = """[plugins]
+searchPathsForPlugins={plugin}
+[Plugins]
+libkestrel_qgis=true
+[app]
+askToSaveMemoryLayers=false
+projections\\unknownCrsBehavior=NoAction
+[qgis]
+checkVersion=false
+"""
+
+
+def prepare(folder, built):
+    plugin = folder / "kestrel"
+    shutil.copytree(built, plugin, ignore=shutil.ignore_patterns("temp", "output"))
+    (folder / "work").mkdir()
+    (folder / "plugin.ini").write_text(SETTINGS.format(plugin=plugin))
+
+
+def start(folder, script, seconds):
+    environment = dict(os.environ, LC_ALL="C.UTF-8", KESTREL_DRIVE_FOLDER=str(folder), PYTHONPATH=str(HERE),
+                       PYTHONDONTWRITEBYTECODE="1", XDG_DATA_HOME=str(folder / "data"),
+                       XDG_CONFIG_HOME=str(folder / "config"))
+    environment.pop("QT_QPA_PLATFORM", None)
+    # QGIS's Python is the system's, and it looks for its modules beside the first python3 of the path.
+    environment["PATH"] = "/usr/bin:/bin"
+    command = ["xvfb-run", "-a", "-w", "1", "-s", "-screen 0 1280x900x24", "qgis", "--nologo", "--noversioncheck",
+               "--profiles-path", str(folder / "profiles"), "--globalsettingsfile", str(folder / "plugin.ini"),
+               "--code", str(script)]
+    log = folder / "qgis.log"
+    with log.open("w") as output:
+        desktop = subprocess.Popen(command, env=environment, stdout=output, stderr=subprocess.STDOUT, cwd=folder,
+                                   start_new_session=True)
+        try:
+            status = desktop.wait(timeout=seconds)
+        except subprocess.TimeoutExpired:
+            print(f"QGIS did not end within {seconds} seconds")
+            os.killpg(desktop.pid, signal.SIGKILL)
+            status = 1
+    report = folder / "report.txt"
+    print(report.read_text() if report.exists() else log.read_text())
+    if status != 0:
+        print("--- what QGIS said")
+        print("\n".join(log.read_text().splitlines()[-60:]))
+        print(f"--- QGIS ended with status {status}")
+    elif not report.exists():
+        print("the script told nothing")
+        return 1
+    return status
+
+
+def main():
+    arguments = argparse.ArgumentParser()
+    arguments.add_argument("built", type=Path)
+    arguments.add_argument("script", type=Path)
+    arguments.add_argument("--times", type=int, default=1)
+    arguments.add_argument("--seconds", type=int, default=180)
+    arguments.add_argument("--keep", action="store_true", help="leave the folder behind")
+    given = arguments.parse_args()
+    for program in ("xvfb-run", "qgis"):
+        if shutil.which(program) is None:
+            print(f"SKIPPED: there is no {program} here; tools/install-packages installs it")
+            sys.exit(SKIPPED)
+    folder = Path(tempfile.mkdtemp(prefix="kestrel-desktop-"))
+    try:
+        prepare(folder, given.built)
+        for _ in range(given.times):
+            (folder / "report.txt").unlink(missing_ok=True)
+            status = start(folder, given.script.resolve(), given.seconds)
+            if status != 0:
+                sys.exit(status)
+    finally:
+        if given.keep:
+            print(f"kept: {folder}")
+        else:
+            shutil.rmtree(folder, ignore_errors=True)
+
+
+if __name__ == "__main__":
+    main()
