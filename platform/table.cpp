@@ -33,15 +33,15 @@ Part& owned(std::shared_ptr<Part>& shared) {
 
 /// The slot that holds the row of this key, or is free for it.
 std::uint32_t& Table::Rows::slot_of(std::string_view key) {
-    std::size_t at = std::hash<std::string_view>()(key) & (slots.size() - 1);
-    while (slots[at] != kFree && keys[slots[at]] != key) {
-        at = (at + 1) & (slots.size() - 1);
+    std::size_t at = std::hash<std::string_view>()(key) & (buckets.size() - 1);
+    while (buckets[at] != kFree && keys[buckets[at]] != key) {
+        at = (at + 1) & (buckets.size() - 1);
     }
-    return slots[at];
+    return buckets[at];
 }
 
 void Table::Rows::grow() {
-    slots.assign(std::max(kFewestSlots, 4 * std::bit_ceil(keys.size() + 1)), kFree);
+    buckets.assign(std::max(kFewestSlots, 4 * std::bit_ceil(keys.size() + 1)), kFree);
     for (std::uint32_t row = 0; row < keys.size(); ++row) {
         slot_of(keys[row]) = row;
     }
@@ -88,7 +88,7 @@ std::size_t Table::add_row(std::string key, int line) {
     if (row == kFree) {
         throw RuntimeError(kOverflow, "The table " + m_name + " has too many rows", "Kestrel", line);
     }
-    if (2 * (row + 1) > rows.slots.size()) {
+    if (2 * (row + 1) > rows.buckets.size()) {
         rows.grow();
     }
     std::uint32_t& slot = rows.slot_of(key);
@@ -105,7 +105,7 @@ std::size_t Table::add_row(std::string key, int line) {
 }
 
 std::optional<std::size_t> Table::find_row(std::string_view key) const {
-    if (m_rows->slots.empty()) {
+    if (m_rows->buckets.empty()) {
         return std::nullopt;
     }
     const std::uint32_t row = m_rows->slot_of(key);

@@ -69,7 +69,7 @@ class Table {
     /// The keys of the rows, and where they are found: positions of rows, by the hash of their key.
     struct Rows {
         std::vector<std::string> keys;
-        std::vector<std::uint32_t> slots;
+        std::vector<std::uint32_t> buckets;  // "slots" is a keyword to Qt
 
         std::uint32_t& slot_of(std::string_view key);
         void grow();
