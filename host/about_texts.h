@@ -21,7 +21,7 @@ inline constexpr const char* kDescription =
 inline std::string disclaimer(const std::string& e_mail) {
     return "The results are estimates. They are no better than the land cover and the coefficients that they are made from, and are given without warranty of any kind. Please check them against what you know of the place before you base a decision on them."
            "\n\n"
-           "Questions or comments? Please write to the Marlin Institute: " +
+           "Questions or comments? Write to the Marlin Institute: " +
            e_mail;
 }
 

@@ -57,6 +57,7 @@ void frmHelpBrowser2::build_controls() {
     brwHelp = named("brwHelp", new QTextBrowser(this));
     brwHelp->setAccessibleName("Help page");
     brwHelp->setOpenExternalLinks(true);
+    brwHelp->document()->setDocumentMargin(fontMetrics().lineSpacing());
     m_bar = new QWidget(this);
     cmdBack = tool_button("cmdBack", "Back", "The page before (Alt+Left)");
     cmdForward = tool_button("cmdForward", "Forward", "The page after (Alt+Right)");

@@ -16,7 +16,7 @@ namespace kestrel {
 namespace {
 
 constexpr const char* kModule = "frmISAbout";
-constexpr int kLineCharacters = 64;
+constexpr int kLineCharacters = 72;
 
 QLabel* text_label(const char* name) {
     auto* const label = new QLabel;

@@ -7,78 +7,26 @@
 
 #include <QApplication>
 #include <QCheckBox>
-#include <QPainter>
-#include <QScreen>
 #include <QTest>
 #include <QTimer>
-#include <QVector>
-#include <algorithm>
 #include <iostream>
-#include <map>
-#include <vector>
 
 #include "coefficients/frmISModelProps.h"
 #include "host/qt_interaction.h"
 #include "platform/files.h"
+#include "tests/support/window_pictures.h"
 
 namespace {
 
 using kestrel::frmISModelProps;
 
-QString g_folder;
-constexpr int kTitleBar = 26;
+std::string g_folder;
 
-void wait_for_paint() {
-    QTest::qWait(300);
-}
-
-/// Draws a title bar and a frame around a window's place, as a desktop would: this screen has none.
-void draw_frame(QPainter& painter, const QWidget& window, QRect place) {
-    const QRect bar(place.left(), place.top() - kTitleBar, place.width(), kTitleBar);
-    painter.fillRect(bar, QColor(70, 78, 90));
-    painter.setPen(Qt::white);
-    const QString title = window.windowTitle().replace("[*]", window.isWindowModified() ? "*" : "");
-    painter.drawText(bar, Qt::AlignCenter, title);
-    painter.setPen(QColor(70, 78, 90));
-    painter.drawRect(bar.united(place).adjusted(-1, 0, 0, 0));
-}
-
-/// The palette of a small file that looks the same.
-QVector<QRgb> commonest_colours(const QImage& picture) {
-    std::map<QRgb, int> uses;
-    for (int y = 0; y < picture.height(); ++y)
-        for (int x = 0; x < picture.width(); ++x)
-            ++uses[picture.pixel(x, y)];
-    std::vector<std::pair<int, QRgb>> ordered;
-    for (const auto& [colour, count] : uses)
-        ordered.emplace_back(count, colour);
-    std::sort(ordered.rbegin(), ordered.rend());
-    QVector<QRgb> palette;
-    for (std::size_t i = 0; i < std::min<std::size_t>(ordered.size(), 256); ++i)
-        palette.push_back(ordered[i].second);
-    return palette;
-}
+using kestrel::test::wait_for_paint;
 
 /// What the screen shows of the editor, with everything that lies over it.
 void take(const frmISModelProps& form, const char* name) {
-    wait_for_paint();
-    const QRect place = form.geometry();
-    const QRect part = place.adjusted(-1, -kTitleBar, 1, 1);
-    QImage picture = QApplication::primaryScreen()
-                         ->grabWindow(0, part.x(), part.y(), part.width(), part.height())
-                         .toImage()
-                         .convertToFormat(QImage::Format_RGB32);
-    QPainter painter(&picture);
-    draw_frame(painter, form, place.translated(-part.topLeft()));
-    if (const QWidget* dialog = QApplication::activeModalWidget()) {
-        draw_frame(painter, *dialog, dialog->geometry().translated(-part.topLeft()));
-    }
-    painter.end();
-    const QString path = g_folder + "/" + name;
-    if (!picture.convertToFormat(QImage::Format_Indexed8, commonest_colours(picture)).save(path, "PNG", 0)) {
-        std::cerr << "cannot write " << path.toStdString() << "\n";
-        std::exit(1);
-    }
+    kestrel::test::take_picture(form, g_folder + "/" + name);
 }
 
 /// Does `act` while the dialog is open that the next call opens, and closes it.
@@ -145,10 +93,7 @@ int main(int argc, char** argv) {
         std::cerr << "usage: screenshots STORE FOLDER\n";
         return 2;
     }
-    QApplication::setStyle("fusion");
-    QFont font("DejaVu Sans", 9);
-    font.setStyleStrategy(QFont::NoSubpixelAntialias);  // small files
-    QApplication::setFont(font);
+    kestrel::test::use_picture_style();
     g_folder = argv[2];
     kestrel::QtInteraction user;
     const kestrel::platform::ScopedInteraction scope(user);

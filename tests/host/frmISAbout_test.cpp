@@ -64,14 +64,14 @@ TEST_F(frmISAboutTest, DisclaimerEndsWithTheConfiguredAddress) {
     contact("e_mail = kestrel@marlin.example\n");
     m_form.show();
     EXPECT_THAT(text("lblDisclaimer"),
-                EndsWith("\n\nQuestions or comments? Please write to the Marlin Institute: kestrel@marlin.example"));
+                EndsWith("\n\nQuestions or comments? Write to the Marlin Institute: kestrel@marlin.example"));
     EXPECT_THAT(text("lblDisclaimer"), HasSubstr("without warranty of any kind"));
 }
 
 TEST_F(frmISAboutTest, AddressThatIsNotConfiguredIsToBeEntered) {
     m_form.show();
     EXPECT_THAT(text("lblDisclaimer"),
-                EndsWith("\n\nQuestions or comments? Please write to the Marlin Institute: <enter value>"));
+                EndsWith("\n\nQuestions or comments? Write to the Marlin Institute: <enter value>"));
     // As text, not as markup.
     EXPECT_EQ(m_form.findChild<QLabel*>("lblDisclaimer")->textFormat(), Qt::PlainText);
 }
