@@ -18,16 +18,19 @@
 #include "coefficients/frmAddLCType.h"
 #include "coefficients/frmISModelProps.h"
 #include "host/clsCommands.h"
+#include "parameters/frmISPDensity.h"
+#include "parameters/frmISParams.h"
 #include "platform/files.h"
+#include "platform/headless/headless_application.h"
 #include "records/frmISTParams.h"
 #include "tests/support/scripted_interaction.h"
+#include "tests/support/test_files.h"
 
 /// \file
 /// The help pages: what they point at exists, and they speak of what the windows show.
 namespace kestrel {
 namespace {
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 const QString kHelp = QStringLiteral(KESTREL_SOURCE_DIR "/help/");
@@ -175,42 +178,20 @@ TEST(HelpPages, ExplainEveryControlOfTheViewer) {
 }
 
 TEST(HelpPages, ExplainEveryControlOfTheAnalysisWindows) {
-    for (const char* caption : {"Land Cover Grid",
-                                "Land Cover Grid Units",
-                                "Meters",
-                                "Feet",
-                                "Analysis Layer",
-                                "Analysis Field",
-                                "Coefficient Set",
-                                "Coefficients",
-                                "Which Coefficient?",
-                                "High",
-                                "Medium",
-                                "Low",
-                                "Calculate",
-                                "Output Shapefile",
-                                "Browse...",
-                                "Layer Name",
-                                "Land Cover Change Scenarios",
-                                "Apply",
-                                "Change land cover classes within",
-                                "layer to",
-                                "Add...",
-                                "Delete...",
-                                "Run",
-                                "Quit",
-                                "Help",
-                                "Population Density Calculation",
-                                "Pop. Density Layer",
-                                "Definition Field",
-                                ">=",
-                                "<=",
-                                "between",
-                                "AND",
-                                "OK",
-                                "Cancel"}) {
-        EXPECT_TRUE(whole_text().contains(caption)) << caption;
-    }
+    test::ScriptedInteraction said;
+    test::TemporaryFolder folder;
+    platform::create_folder(folder / "etc");
+    platform::copy_file(KESTREL_SOURCE_DIR "/etc/isprops.xml", folder / "etc/isprops.xml");
+    platform::NoProgress progress;
+    platform::HeadlessApplication application(progress);
+    frmISParams form(folder.path());
+    form.Application(&application);
+    form.show();
+    form.findChild<QPushButton*>("cmdDSAdd")->click();
+    EXPECT_THAT(unexplained(form), IsEmpty());
+    EXPECT_TRUE(whole_text().contains("Meters or Feet"));
+    EXPECT_THAT(unexplained(frmISPDensity()), IsEmpty());
+    EXPECT_TRUE(whole_text().contains(frmISPDensity().windowTitle()));
 }
 
 TEST(HelpPages, NameEveryCommand) {
