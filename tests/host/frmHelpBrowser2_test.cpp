@@ -15,6 +15,7 @@
 #include <QToolButton>
 
 #include "platform/files.h"
+#include "tests/support/failing_event.h"
 #include "tests/support/failing_interaction.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
@@ -255,19 +256,6 @@ TEST_F(frmHelpBrowser2Test, CloseAndEscCloseTheForm) {
     EXPECT_FALSE(m_form.isVisible());
 }
 
-/// Makes the next event of a kind fail on its way to a widget.
-class FailingEvent final : public QObject {
-  public:
-    FailingEvent(QWidget& widget, QEvent::Type type) : m_type(type) { widget.installEventFilter(this); }
-    bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == m_type) throw platform::RuntimeError(70, "Permission denied", "Kestrel", 45);
-        return false;
-    }
-
-  private:
-    QEvent::Type m_type;
-};
-
 /// The report of a failing procedure.
 std::string report_of(const std::string& procedure) {
     return "Record Call Stack Sequence - Bottom line is error line.\r\n\r\n\t" + procedure +
@@ -283,7 +271,7 @@ TEST_F(frmHelpBrowser2Test, FailingLoadIsReported) {
 TEST_F(frmHelpBrowser2Test, FailingResizeIsReported) {
     two_pages();
     open();
-    const FailingEvent failing(browser(), QEvent::Resize);
+    const test::FailingEvent failing(browser(), QEvent::Resize);
     m_form.resize(m_form.size() + QSize(10, 10));
     EXPECT_THAT(m_said.call_stacks, ElementsAre(report_of("Form_Resize")));
 }
@@ -291,7 +279,7 @@ TEST_F(frmHelpBrowser2Test, FailingResizeIsReported) {
 TEST_F(frmHelpBrowser2Test, FailingCloseIsReported) {
     two_pages();
     open();
-    const FailingEvent failing(m_form, QEvent::Close);
+    const test::FailingEvent failing(m_form, QEvent::Close);
     control<QPushButton>("cmdClose").click();
     EXPECT_THAT(m_said.call_stacks, ElementsAre(report_of("cmdClose_Click")));
 }

@@ -12,6 +12,7 @@
 
 #include "host/about_texts.h"
 #include "platform/files.h"
+#include "tests/support/failing_event.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
 
@@ -106,6 +107,16 @@ TEST_F(frmISAboutTest, OkEscAndEnterCloseIt) {
     expect_closed_by([this] { QTest::keyClick(&m_form, Qt::Key_Escape); });
     expect_closed_by([this] { QTest::keyClick(&m_form, Qt::Key_Return); });
     EXPECT_THAT(m_said.call_stacks, IsEmpty());
+}
+
+TEST_F(frmISAboutTest, FailingOkIsReported) {
+    m_form.show();
+    const test::FailingEvent failing(m_form, QEvent::Hide);
+    m_form.findChild<QPushButton*>("cmdOK")->click();
+    EXPECT_THAT(m_said.call_stacks,
+                ElementsAre("Record Call Stack Sequence - Bottom line is error line.\r\n\r\n"
+                            "\tcmdOK_Click frmISAbout Line : 45\r\n"
+                            "\r\nError Number \r\n\t70\r\nDescription\r\n\tPermission denied\r\n\r\n"));
 }
 
 TEST_F(frmISAboutTest, NothingIsCutOff) {

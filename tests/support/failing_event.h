@@ -1,0 +1,28 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QEvent>
+#include <QWidget>
+
+#include "platform/errors.h"
+
+namespace kestrel::test {
+
+/// Makes every event of a kind fail on its way to a widget, for procedures that nothing else makes fail.
+class FailingEvent final : public QObject {
+  public:
+    FailingEvent(QWidget& widget, QEvent::Type type) : m_type(type) { widget.installEventFilter(this); }
+
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == m_type) {
+            throw platform::RuntimeError(70, "Permission denied", "Kestrel", 45);
+        }
+        return false;
+    }
+
+  private:
+    QEvent::Type m_type;
+};
+
+}  // namespace kestrel::test
