@@ -9,7 +9,6 @@
 
 #include "apps/cli/console_interaction.h"
 #include "apps/cli/console_progress.h"
-#include "host/raster_analysis.h"
 #include "apps/cli/refusal.h"
 #include "apps/cli/result_json.h"
 #include "apps/cli/result_table.h"
@@ -17,20 +16,14 @@
 #include "apps/cli/run_inputs.h"
 #include "apps/cli/run_output.h"
 #include "apps/cli/user_files.h"
-#include "engine/clsISExecuteModel.h"
-#include "host/clsExtension.h"
+#include "host/headless_run.h"
 #include "platform/files.h"
-#include "platform/headless/headless_application.h"
-#include "platform/output_files.h"
 
 namespace kestrel::cli {
 
-using platform::HeadlessApplication;
 using platform::RunResult;
 
 namespace {
-
-constexpr const char* kParameterFile = "model_params.txt";
 
 /// The store of the extension folder that was named, or the user's own.
 std::string store_path(const RunRequest& request) {
@@ -48,18 +41,6 @@ void check_output(const RunOutput& output, const RunRequest& request, const RunI
     check_folder(output);
     check_not_an_input(output, files);
     check_replacement(output, request.overwrite);
-}
-
-void fill_map(HeadlessApplication& application, const RunInputs& inputs) {
-    for (const auto& layer : inputs.layers.layers()) {
-        application.map().append_layer(layer);
-    }
-    application.map().set_distance_units(inputs.distance_units);
-}
-
-/// The folder beside the output in which the working data are kept; empty when they are not.
-std::string kept_folder(const RunRequest& request, const RunOutput& output) {
-    return request.keep_temp ? platform::make_unique_folder(output.folder, output.layer_name + "_temp_") : "";
 }
 
 /// A run that ended early may have kept nothing.
@@ -82,35 +63,21 @@ struct Ending {
 Ending execute(const RunRequest& request, ConsoleProgress& progress) {
     const StopSignals signals;
     const std::string store = store_path(request);
-    RunInputs inputs = checked_inputs(request, store);
+    const RunInputs inputs = checked_inputs(request, store);
     const RunOutput output = output_of(request.output, request.layer_name);
     check_output(output, request, inputs, store);
-    inputs.parameters.output_path = output.path();
-    inputs.parameters.layer_name = output.layer_name;
 
     const RunFolder folder(request.extension_folder, user_contact_file());
-    HeadlessApplication application(progress);
-    clsExtension extension(folder.path());
-    application.register_extension(platform::kKestrelExtension, extension);
-    RasterAnalysis raster_analysis;
-    application.register_extension(platform::kRasterAnalysisExtension, raster_analysis);
-    extension.IExtension_Startup(&application);
-    extension.IExtensionConfig_State(platform::kExtensionEnabled);
-    extension.IExtensionConfig_State();  // makes the working folders
-    fill_map(application, inputs);
-    if (!write_model_parameters(folder.temp(), kParameterFile, inputs.parameters, inputs.store, inputs.set_name, "")) {
-        return {};
-    }
-
-    platform::SetAsideOutput older(output.path(), output.records());
-    const std::string kept = kept_folder(request, output);
-    clsISExecuteModel model({.threads = request.threads, .keep_temp_folder = kept});
-    model.ExecuteModel(&application, folder.path(), kParameterFile, output.folder, output.file_name, output.layer_name);
-    Ending ending{application.result().value_or(RunResult{}), progress.cancelled(), kept};
-    if (ending.result.finished) {
-        older.discard();
-    }
-    return ending;
+    const HeadlessRun run{.layers = inputs.layers.layers(),
+                          .distance_units = inputs.distance_units,
+                          .parameters = inputs.parameters,
+                          .output = output,
+                          .store = inputs.store,
+                          .set_name = inputs.set_name,
+                          .threads = request.threads,
+                          .keep_temp = request.keep_temp};
+    HeadlessEnding ending = kestrel::execute(run, folder.path(), progress);
+    return {std::move(ending.result), progress.cancelled(), std::move(ending.kept_folder)};
 }
 
 int tell_result(const RunRequest& request, const Ending& ending, std::ostream& out, ConsoleInteraction& console) {

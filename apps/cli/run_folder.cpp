@@ -8,35 +8,20 @@ namespace kestrel::cli {
 
 namespace {
 
-std::string unique_folder(const std::string& parent) {
+std::unique_ptr<PrivateRunFolder> private_folder(const std::string& contact_file) {
     try {
-        return platform::make_unique_folder(parent, "kestrel-");
+        return std::make_unique<PrivateRunFolder>(contact_file);
     } catch (const platform::RuntimeError& error) {
-        refuse("There is no room for the working data of a run in '{}': {}. Set TMPDIR, or give --extension-folder.",
-               parent, error.description());
+        refuse("{}. Set TMPDIR, or give --extension-folder.", error.description());
     }
-}
-
-std::string private_folder(const std::string& contact_file) {
-    const std::string parent = platform::temporary_folder();
-    if (parent.empty()) {
-        refuse("There is no folder for temporary files. Set TMPDIR, or give --extension-folder.");
-    }
-    const std::string folder = unique_folder(parent);
-    if (platform::file_exists(contact_file)) {
-        platform::create_folder(platform::join_path(folder, "etc"));
-        platform::copy_file(contact_file, platform::join_path(folder, "etc/contact.ini"));
-    }
-    return folder;
 }
 
 }  // namespace
 
 RunFolder::RunFolder(const std::string& chosen, const std::string& contact_file)
-    : m_path(chosen), m_private(chosen.empty()) {
-    if (m_private) {
-        m_path = private_folder(contact_file);
-    } else if (!platform::folder_exists(chosen)) {
+    : m_private(chosen.empty() ? private_folder(contact_file) : nullptr),
+      m_path(m_private ? m_private->path() : chosen) {
+    if (m_private == nullptr && !platform::folder_exists(chosen)) {
         refuse("The extension folder does not exist: '{}'. Make it, or leave --extension-folder out.", chosen);
     }
     try {
@@ -47,15 +32,6 @@ RunFolder::RunFolder(const std::string& chosen, const std::string& contact_file)
     }
 }
 
-RunFolder::~RunFolder() {
-    m_lock.reset();
-    if (m_private) {
-        try {
-            platform::remove_folder(m_path);
-        } catch (const platform::RuntimeError&) {
-            // What stays behind lies in the system's folder for temporary files; the run's own end matters more.
-        }
-    }
-}
+RunFolder::~RunFolder() = default;
 
 }  // namespace kestrel::cli

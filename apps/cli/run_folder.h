@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "host/headless_run.h"
 #include "platform/files.h"
 
 namespace kestrel::cli {
@@ -22,11 +23,10 @@ class RunFolder {
     RunFolder& operator=(const RunFolder&) = delete;
 
     const std::string& path() const noexcept { return m_path; }
-    std::string temp() const { return platform::join_path(m_path, "temp"); }
 
   private:
+    std::unique_ptr<PrivateRunFolder> m_private;
     std::string m_path;
-    bool m_private;
     std::unique_ptr<platform::FolderLock> m_lock;
 };
 

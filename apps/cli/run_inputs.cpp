@@ -5,14 +5,11 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
 #include <optional>
 
 #include "apps/cli/chosen_store.h"
 #include "apps/cli/refusal.h"
-#include "coefficients/basISModelPropsUtil.h"
-#include "coefficients/clsISLCDef.h"
-#include "coefficients/clsLCClass.h"
+#include "host/run_choices.h"
 #include "platform/conversions.h"
 #include "platform/raster.h"
 
@@ -110,16 +107,6 @@ void check_density_field(const FeatureClass& blocks, const std::string& name) {
     }
 }
 
-/// "Meters" or "Feet" for those units; empty for any other.
-std::string units_of(const SpatialReference& reference) {
-    const double metres = reference.known() ? reference.metres_per_unit().value_or(0) : 0;
-    if (std::abs(metres - 1) < 1e-9) {
-        return "Meters";
-    }
-    // Both feet, the international one and that of the US survey.
-    return std::abs(metres - 0.3048) < 1e-5 ? "Feet" : "";
-}
-
 std::string chosen_units(const RunRequest& request, const RasterDataset& land_cover) {
     const SpatialReference& reference = land_cover.spatial_reference();
     if (reference.known() && reference.geographic() && !request.allow_degrees) {
@@ -158,18 +145,6 @@ std::vector<std::int64_t> selected_zones(const FeatureClass& zones, const std::s
             zones.layer_name(), where);
     }
     return ids;
-}
-
-/// The name that the set gives a class. A class that it does not know is the engine's to refuse.
-std::string class_name(const clsISModelProperties& store, const std::string& set_name, std::int32_t code) {
-    if (const auto set = basISModelPropsUtil::find_set(store, set_name)) {
-        for (const auto& land_class : set->LCClasses) {
-            if (land_class->ID == code) {
-                return land_class->LCName;
-            }
-        }
-    }
-    return platform::text_of(code);
 }
 
 void add_zones(RunInputs& inputs, const RunRequest& request) {

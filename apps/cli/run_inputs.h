@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "apps/cli/run_layers.h"
 #include "apps/cli/run_request.h"
 #include "coefficients/clsISModelProperties.h"
+#include "host/run_layers.h"
 #include "parameters/model_parameters.h"
 #include "platform/contracts/map.h"
 

@@ -10,22 +10,23 @@
 #include "platform/feature_class.h"
 #include "platform/headless/headless_map.h"
 
-namespace kestrel::cli {
+namespace kestrel {
 
-/// The layers that a command line names, each with the name by which the map and the parameter file know it.
+/// The layers of a run without a desktop, each with the name by which the map and the parameter file know it.
 ///
-/// A layer is named after the layer inside its source when that was given, else after its file. Different sources never
+/// A layer that is given no name is named after the layer inside its source when that was given, else after its file.
+/// Different sources never
 /// share a name: the second is "sheds (2)". The same source named twice is one layer, unless other features of it are
 /// selected.
 class RunLayers {
   public:
     /// \return the layer's name.
-    std::string add_raster(const std::string& source);
+    std::string add_raster(const std::string& source, const std::string& name = {});
     /// \param source as given.
     /// \param opened the same, opened.
     /// \param selected ids of the selected features, ascending.
     std::string add_features(const platform::FeatureSource& source, const platform::FeatureClass& opened,
-                             std::vector<std::int64_t> selected = {});
+                             std::vector<std::int64_t> selected = {}, const std::string& name = {});
 
     /// In the order in which they were added.
     const std::vector<std::shared_ptr<platform::Layer>>& layers() const noexcept { return m_layers; }
@@ -43,4 +44,4 @@ class RunLayers {
 /// A name as it can stand in the parameter file: "#", which would cut it, and control characters become "_".
 std::string layer_name_from(const std::string& wanted);
 
-}  // namespace kestrel::cli
+}  // namespace kestrel

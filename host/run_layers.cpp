@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "apps/cli/run_layers.h"
+#include "host/run_layers.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -8,7 +8,7 @@
 #include "platform/conversions.h"
 #include "platform/files.h"
 
-namespace kestrel::cli {
+namespace kestrel {
 
 namespace fs = std::filesystem;
 
@@ -40,17 +40,17 @@ std::string RunLayers::distinct_name(const std::string& wanted) const {
     return name;
 }
 
-std::string RunLayers::add_raster(const std::string& source) {
-    const std::string base = platform::base_name_of(platform::file_name_of(source));
-    const std::string name = distinct_name(layer_name_from(base.empty() ? source : base));
-    m_layers.push_back(std::make_shared<platform::HeadlessRasterLayer>(name, source));
+std::string RunLayers::add_raster(const std::string& source, const std::string& name) {
+    const std::string base = name.empty() ? platform::base_name_of(platform::file_name_of(source)) : name;
+    const std::string given = distinct_name(layer_name_from(base.empty() ? source : base));
+    m_layers.push_back(std::make_shared<platform::HeadlessRasterLayer>(given, source));
     m_identities.push_back("raster\n" + real_path(source));
     m_files.push_back(source);
-    return name;
+    return given;
 }
 
 std::string RunLayers::add_features(const platform::FeatureSource& source, const platform::FeatureClass& opened,
-                                    std::vector<std::int64_t> selected) {
+                                    std::vector<std::int64_t> selected, const std::string& name) {
     std::string identity = "features\n" + real_path(source.path) + "\n" + opened.layer_name() + "\n" + source.subset;
     for (const std::int64_t id : selected) {
         identity += "\n" + platform::text_of(id);
@@ -59,15 +59,15 @@ std::string RunLayers::add_features(const platform::FeatureSource& source, const
     if (known != m_identities.end()) {
         return m_layers[static_cast<std::size_t>(known - m_identities.begin())]->name();
     }
-    std::string base = source.layer_name;
+    std::string base = name.empty() ? source.layer_name : name;
     if (base.empty()) {
         base = platform::base_name_of(platform::file_name_of(source.path));
     }
-    const std::string name = distinct_name(layer_name_from(base.empty() ? opened.layer_name() : base));
-    m_layers.push_back(std::make_shared<platform::HeadlessFeatureLayer>(name, source, std::move(selected)));
+    const std::string given = distinct_name(layer_name_from(base.empty() ? opened.layer_name() : base));
+    m_layers.push_back(std::make_shared<platform::HeadlessFeatureLayer>(given, source, std::move(selected)));
     m_identities.push_back(std::move(identity));
     m_files.push_back(platform::FeatureSource{.path = source.path, .layer_name = opened.layer_name()}.file());
-    return name;
+    return given;
 }
 
-}  // namespace kestrel::cli
+}  // namespace kestrel

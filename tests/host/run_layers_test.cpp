@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "apps/cli/run_layers.h"
+#include "host/run_layers.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 
 #include "tests/apps/run_data.h"
 
-namespace kestrel::cli {
+namespace kestrel {
 namespace {
 
 namespace fs = std::filesystem;
@@ -36,6 +36,12 @@ class RunLayersTest : public testing::Test {
 TEST_F(RunLayersTest, ALayerIsNamedAfterItsFile) {
     EXPECT_EQ(m_layers.add_raster(m_data / "lc.tif"), "lc");
     EXPECT_EQ(add(m_data / "sheds.shp"), "sheds");
+}
+
+TEST_F(RunLayersTest, AGivenNameGoesBeforeThatOfTheFile) {
+    const FeatureSource source{.path = m_data / "sheds.shp"};
+    EXPECT_EQ(m_layers.add_raster(m_data / "lc.tif", "Land #1"), "Land _1");
+    EXPECT_EQ(m_layers.add_features(source, FeatureClass::open(source), {}, "Land #1"), "Land _1 (2)");
 }
 
 TEST_F(RunLayersTest, ALayerOfAMultiLayerSourceIsNamedAsGiven) {
@@ -100,4 +106,4 @@ TEST_F(RunLayersTest, LayersStandInTheOrderInWhichTheyWereNamed) {
 }
 
 }  // namespace
-}  // namespace kestrel::cli
+}  // namespace kestrel

@@ -1,0 +1,95 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include "host/headless_run.h"
+
+#include "engine/clsISExecuteModel.h"
+#include "host/clsExtension.h"
+#include "host/raster_analysis.h"
+#include "platform/errors.h"
+#include "platform/files.h"
+#include "platform/headless/headless_application.h"
+#include "platform/output_files.h"
+
+namespace kestrel {
+
+using platform::HeadlessApplication;
+using platform::RuntimeError;
+
+namespace {
+
+constexpr const char* kParameterFile = "model_params.txt";
+
+void fill_map(HeadlessApplication& application, const HeadlessRun& run) {
+    for (const auto& layer : run.layers) {
+        application.map().append_layer(layer);
+    }
+    application.map().set_distance_units(run.distance_units);
+}
+
+std::string kept_folder(const HeadlessRun& run) {
+    const RunOutput& output = run.output;
+    return run.keep_temp ? platform::make_unique_folder(output.folder, output.layer_name + "_temp_") : "";
+}
+
+std::string new_folder(const std::string& parent) {
+    try {
+        return platform::make_unique_folder(parent, "kestrel-");
+    } catch (const RuntimeError& error) {
+        throw RuntimeError(error.number(), "There is no room for the working data of a run in '" + parent +
+                                               "': " + error.description());
+    }
+}
+
+}  // namespace
+
+HeadlessEnding execute(const HeadlessRun& run, const std::string& extension_folder, platform::Progress& progress) {
+    HeadlessApplication application(progress);
+    clsExtension extension(extension_folder);
+    application.register_extension(platform::kKestrelExtension, extension);
+    RasterAnalysis raster_analysis;
+    application.register_extension(platform::kRasterAnalysisExtension, raster_analysis);
+    extension.IExtension_Startup(&application);
+    extension.IExtensionConfig_State(platform::kExtensionEnabled);
+    extension.IExtensionConfig_State();  // makes the working folders
+    fill_map(application, run);
+    const RunOutput& output = run.output;
+    ModelParameters parameters = run.parameters;
+    parameters.output_path = output.path();
+    parameters.layer_name = output.layer_name;
+    if (!write_model_parameters(platform::join_path(extension_folder, "temp"), kParameterFile, parameters, run.store,
+                                run.set_name, "")) {
+        return {};
+    }
+    platform::SetAsideOutput older(output.path(), output.records());
+    const std::string kept = kept_folder(run);
+    clsISExecuteModel model({.threads = run.threads, .keep_temp_folder = kept});
+    model.ExecuteModel(&application, extension_folder, kParameterFile, output.folder, output.file_name,
+                       output.layer_name);
+    HeadlessEnding ending{application.result().value_or(platform::RunResult{}), kept};
+    if (ending.result.finished) {
+        older.discard();
+    }
+    return ending;
+}
+
+PrivateRunFolder::PrivateRunFolder(const std::string& contact_file) {
+    const std::string parent = platform::temporary_folder();
+    if (parent.empty()) {
+        throw RuntimeError(platform::kPathNotFound, "There is no folder for temporary files");
+    }
+    m_path = new_folder(parent);
+    if (platform::file_exists(contact_file)) {
+        platform::create_folder(platform::join_path(m_path, "etc"));
+        platform::copy_file(contact_file, platform::join_path(m_path, "etc/contact.ini"));
+    }
+}
+
+PrivateRunFolder::~PrivateRunFolder() {
+    try {
+        platform::remove_folder(m_path);
+    } catch (const RuntimeError&) {
+        // What stays behind lies in the system's folder for temporary files; the run's own end matters more.
+    }
+}
+
+}  // namespace kestrel
