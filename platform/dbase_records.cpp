@@ -2,104 +2,46 @@
 // SPDX-License-Identifier: MIT
 #include "platform/dbase_records.h"
 
-#include <fmt/format.h>
-
-#include <algorithm>
 #include <array>
 #include <charconv>
-#include <cmath>
 #include <cstring>
+#include <limits>
 
-#include "platform/files.h"
+#include "platform/shapelib_support.h"
 
 namespace kestrel::platform {
 
 namespace {
 
-constexpr std::size_t kFixedHeader = 32;
-constexpr std::size_t kDescriptor = 32;
-constexpr std::size_t kCountAt = 4;
-constexpr std::size_t kHeaderSizeAt = 8;
-constexpr std::size_t kRecordSizeAt = 10;
-constexpr std::size_t kWidthAt = 16;  // in a field's descriptor
-constexpr std::size_t kMostHeader = 65536;
-constexpr char kEndOfFile = 0x1A;
-
-std::size_t number_at(const std::string& header, std::size_t at) {
-    return static_cast<unsigned char>(header.at(at)) + 256U * static_cast<unsigned char>(header.at(at + 1));
-}
-
-/// All bytes before the first record.
-std::string header_of(const std::string& path) {
-    std::string header = read_file_start(path, kMostHeader);
-    header.resize(std::min(header.size(), number_at(header, kHeaderSizeAt)));
-    return header;
-}
-
-/// The digits of a number with a point before the last `decimals` of them; what rounds to zero has no sign.
-class Digits {
-  public:
-    Digits(double value, int decimals) {
-        static constexpr std::array kPowers{1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
-        const bool short_way = decimals >= 0 && decimals < static_cast<int>(kPowers.size());
-        const double scaled = short_way ? std::abs(value) * kPowers[static_cast<std::size_t>(decimals)] : 0;
-        const double nearest = std::nearbyint(scaled);
-        // Away from the middle between two decimals the rounding of the product does not matter.
-        if (short_way && scaled < 1e12 && std::abs(std::abs(scaled - nearest) - 0.5) > 1e-3) {
-            write(static_cast<std::uint64_t>(nearest), decimals, value < 0);
-        } else {
-            m_long = fmt::format("{:.{}f}", value, decimals);
-            if (m_long.starts_with('-') && m_long.find_first_of("123456789") == std::string::npos) {
-                m_long.erase(0, 1);
-            }
-        }
-    }
-
-    std::string_view text() const {
-        return m_long.empty() ? std::string_view(m_begin, static_cast<std::size_t>(m_room.end() - m_begin)) : m_long;
-    }
-
-  private:
-    void write(std::uint64_t number, int decimals, bool negative) {
-        const bool zero = number == 0;
-        int written = 0;
-        do {
-            if (written == decimals && decimals > 0) {
-                *--m_begin = '.';
-            }
-            *--m_begin = static_cast<char>('0' + number % 10);
-            number /= 10;
-            ++written;
-        } while (number != 0 || written <= decimals);
-        if (negative && !zero) {
-            *--m_begin = '-';
-        }
-    }
-
-    std::array<char, 32> m_room{};
-    char* m_begin = m_room.end();
-    std::string m_long;
-};
+/// Room for the digits of the largest double with as many decimals as a field can have.
+constexpr std::size_t kLongestNumber = std::numeric_limits<double>::max_exponent10 + XBASE_FLD_MAX_WIDTH + 8;
 
 }  // namespace
 
-DbaseRecords::DbaseRecords(const std::string& path)
-    : m_file(path, static_cast<std::int64_t>(header_of(path).size())), m_header(header_of(path)) {
-    for (std::size_t at = kFixedHeader; at + kDescriptor <= m_header.size(); at += kDescriptor) {
-        m_widths.push_back(static_cast<unsigned char>(m_header[at + kWidthAt]));
-    }
+struct DbaseRecords::State {
+    std::string path;
+    TableHandle handle;
+};
+
+DbaseRecords::DbaseRecords(const std::string& path) : m_state(std::make_unique<State>()) {
+    SAHooks hooks = buffered_file_hooks();
+    m_state->path = path;
+    forget_file_failure();
+    m_state->handle.reset(DBFOpenLL(path.c_str(), "rb+", &hooks));
+    check_file_failure(m_state->handle != nullptr, path);
+    m_header_size = m_state->handle->nHeaderLength;
     lay_out();
 }
 
+DbaseRecords::~DbaseRecords() = default;
+
 /// Finds where the fields lie in a record. Every record begins with a mark that says that it is not deleted.
 void DbaseRecords::lay_out() {
-    m_offsets.clear();
-    std::size_t offset = 1;
-    for (const int width : m_widths) {
-        m_offsets.push_back(offset);
-        offset += static_cast<std::size_t>(width);
-    }
-    m_record.resize(offset, ' ');
+    const DBFInfo& table = *m_state->handle;
+    const auto fields = static_cast<std::size_t>(table.nFields);
+    m_widths.assign(table.panFieldSize, table.panFieldSize + fields);
+    m_offsets.assign(table.panFieldOffset, table.panFieldOffset + fields);
+    m_record.resize(static_cast<std::size_t>(table.nRecordLength), ' ');
 }
 
 void DbaseRecords::set_null_text(std::size_t field) {
@@ -135,60 +77,63 @@ void DbaseRecords::set_integer(std::size_t field, std::int64_t value) {
 }
 
 bool DbaseRecords::set_real(std::size_t field, double value, int decimals) {
-    const Digits digits(value, decimals);
-    if (digits.text().size() > static_cast<std::size_t>(m_widths[field])) {
+    std::array<char, kLongestNumber> room;
+    const char* const end = std::to_chars(room.begin(), room.end(), value, std::chars_format::fixed, decimals).ptr;
+    std::string_view digits(room.data(), static_cast<std::size_t>(end - room.data()));
+    if (digits.starts_with('-') && digits.find_first_of("123456789") == std::string_view::npos) {
+        digits.remove_prefix(1);  // there is no zero below zero
+    }
+    if (digits.size() > static_cast<std::size_t>(m_widths[field])) {
         return false;
     }
-    put_right(field, digits.text());
+    put_right(field, digits);
     return true;
 }
 
-/// `records` with room added to one field.
-std::string DbaseRecords::widened(const std::string& records, std::size_t field, int added, bool at_left) const {
-    const std::size_t cut = m_offsets[field] + (at_left ? 0 : static_cast<std::size_t>(m_widths[field]));
-    std::string result;
-    result.reserve(records.size() + records.size() / m_record.size() * static_cast<std::size_t>(added));
-    for (std::size_t at = 0; at < records.size(); at += m_record.size()) {
-        const bool is_null = at_left && records[at + cut] == '*';
-        result.append(records, at, cut);
-        result.append(static_cast<std::size_t>(added), is_null ? '*' : ' ');
-        result.append(records, at + cut, m_record.size() - cut);
-    }
-    return result;
-}
-
+/// Gives a field more room, in the table with all its records and in the one that is being made.
 void DbaseRecords::widen(std::size_t field, int width) {
-    const std::size_t descriptor = kFixedHeader + field * kDescriptor;
-    const bool at_left = m_header[descriptor + 11] != 'C';  // numbers stand at the right
-    const int added = width - m_widths[field];
-    const std::string records = m_file.take_from(static_cast<std::int64_t>(m_header.size()));
-    m_file.buffer() = widened(records, field, added, at_left);
-    m_record = widened(m_record, field, added, at_left);
-    m_header[descriptor + kWidthAt] = static_cast<char>(width);
-    m_widths[field] = width;
+    DBFInfo* const table = m_state->handle.get();
+    const int number = static_cast<int>(field);
+    const std::string before = m_record;
+    const std::vector<int> widths = m_widths;
+    const std::vector<std::size_t> offsets = m_offsets;
+    std::array<char, XBASE_FLDNAME_LEN_READ + 1> name{};
+    int decimals = 0;
+    DBFGetFieldInfo(table, number, name.data(), nullptr, &decimals);
+    const char type = DBFGetNativeFieldType(table, number);
+    forget_file_failure();
+    const bool altered = DBFAlterFieldDefn(table, number, name.data(), type, width, decimals) != 0;
+    check_file_failure(altered, m_state->path);
     lay_out();
-    m_header[kRecordSizeAt] = static_cast<char>(m_record.size() & 255);
-    m_header[kRecordSizeAt + 1] = static_cast<char>(m_record.size() >> 8);
-    m_file.appended();
+    m_record.assign(m_record.size(), ' ');
+    for (std::size_t i = 0; i < widths.size(); ++i) {
+        std::memcpy(place(i), before.data() + offsets[i], static_cast<std::size_t>(widths[i]));
+    }
 }
 
 void DbaseRecords::append() {
     m_record[0] = ' ';
-    m_file.buffer().append(m_record);
+    DBFInfo* const table = m_state->handle.get();
+    forget_file_failure();
+    const bool written = DBFWriteTuple(table, static_cast<int>(m_count), m_record.data()) != 0;
+    check_file_failure(written, m_state->path);
     ++m_count;
-    m_file.appended();
 }
 
 void DbaseRecords::flush() {
-    m_file.flush();
-    std::memcpy(m_header.data() + kCountAt, &m_count, sizeof m_count);
-    m_file.replace(0, m_header);
+    DBFInfo* const table = m_state->handle.get();
+    forget_file_failure();
+    DBFUpdateHeader(table);
+    table->sHooks.FFlush(table->fp);
+    check_file_failure(true, m_state->path);
 }
 
 void DbaseRecords::close() {
-    flush();
-    m_file.buffer().push_back(kEndOfFile);
-    m_file.close();
+    if (m_state->handle != nullptr) {
+        flush();
+        m_state->handle.reset();
+        check_file_failure(true, m_state->path);
+    }
 }
 
 }  // namespace kestrel::platform

@@ -3,9 +3,9 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
-#include "platform/appended_file.h"
 #include "platform/polygons.h"
 
 namespace kestrel::platform {
@@ -19,24 +19,25 @@ std::int64_t shape_size(const PolygonSet& polygons, std::size_t feature) noexcep
 class ShapeRecords {
   public:
     /// \param stem path of a shapefile that exists and holds no record, without its extension.
+    /// \throws RuntimeError (system error) when it cannot be opened.
     explicit ShapeRecords(const std::string& stem);
+    ~ShapeRecords();
 
     /// Appends a feature; an empty one becomes a null shape. The .shp must not pass 2 GB by it.
+    /// \throws RuntimeError 61 when the device is full, or the system's error.
     void append(const PolygonSet& polygons, std::size_t feature);
     /// Size of the .shp with all that was appended.
-    std::int64_t size() const noexcept { return m_shapes.end(); }
-    /// Writes what is buffered and states size and extent in the headers. \throws RuntimeError as AppendedFile does.
+    std::int64_t size() const noexcept { return m_size; }
+    /// Writes what is buffered and states size and extent in the headers. \throws RuntimeError as append() does.
     void flush();
-    /// Flushes and closes. \throws RuntimeError as AppendedFile does.
+    /// Flushes and closes. \throws RuntimeError as append() does.
     void close();
 
   private:
-    void append_rings(const PolygonSet& polygons, std::size_t feature);
+    struct State;
 
-    AppendedFile m_shapes;
-    AppendedFile m_index;
-    Envelope m_extent;
-    std::int32_t m_count = 0;
+    std::unique_ptr<State> m_state;
+    std::int64_t m_size;
 };
 
 }  // namespace kestrel::platform

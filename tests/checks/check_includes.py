@@ -18,7 +18,7 @@ BELOW = {
     "host": {"coefficients", "parameters", "records", "engine"},
     "apps": {"coefficients", "parameters", "records", "engine", "host"},
 }
-WRAPPED = re.compile(r"^(gdal|ogr|cpl_|vrtdataset|geos|proj\.h|proj/|pugi)")
+WRAPPED = re.compile(r"^(gdal|ogr|cpl_|vrtdataset|geos|proj\.h|proj/|pugi|shapefil)")
 QT_WIDGETS = re.compile(
     r"^(QtWidgets\b|QApplication$|QMainWindow$|QWidget$|QMenu|QAction$|Q\w*(Dialog|Box|Button|Edit|Label|View|Layout"
     r"|Table\w*|List\w*|Tree\w*|Bar|Frame|Splitter|Delegate|Browser)$)")

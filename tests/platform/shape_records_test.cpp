@@ -12,6 +12,8 @@
 #include "platform/feature_class.h"
 #include "platform/files.h"
 #include "platform/shapefile_writer.h"
+#include "tests/support/error_of.h"
+#include "tests/support/file_size_limit.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel::platform {
@@ -123,6 +125,42 @@ TEST(ShapeRecords, ShellsRunClockwiseAndHolesTheOtherWay) {
     std::memcpy(points.data(), bytes.data() + start, 160);
     EXPECT_LT(twice_signed_area(std::span(points).first(5)), 0);
     EXPECT_GT(twice_signed_area(std::span(points).last(5)), 0);
+}
+
+TEST(ShapeRecords, FullDeviceIsToldOfWithItsReason) {
+    const test::TemporaryFolder folder;
+    std::mt19937 random(5);
+    const PolygonSet set = random_features(random, 400);
+    ShapeRecords records(new_stem(folder));
+    for (std::size_t f = 0; f < set.feature_count(); ++f) {
+        records.append(set, f);  // still in the buffer
+    }
+    const test::FileSizeLimit limit(4096);
+    const RuntimeError error = test::error_of([&] { records.close(); });
+    EXPECT_EQ(error.number(), kDiskFull);
+    EXPECT_EQ(error.description(), "File too large: " + (folder / "out.shp"));
+}
+
+TEST(ShapeRecords, BufferThatIsFullIsWrittenWhereTheDeviceIsNot) {
+    const test::TemporaryFolder folder;
+    std::mt19937 random(6);
+    const PolygonSet set = random_features(random, 3000);
+    ShapeRecords records(new_stem(folder));
+    const test::FileSizeLimit limit(4096);
+    const RuntimeError error = test::error_of([&] {
+        for (std::size_t f = 0; f < set.feature_count(); ++f) {
+            records.append(set, f);
+        }
+    });
+    EXPECT_EQ(error.number(), kDiskFull);
+    EXPECT_LE(std::filesystem::file_size(folder / "out.shp"), 4096U);
+}
+
+TEST(ShapeRecords, ShapefileThatIsMissingIsNamed) {
+    const test::TemporaryFolder folder;
+    const RuntimeError error = test::error_of([&] { ShapeRecords records(folder / "none"); });
+    EXPECT_EQ(error.number(), kLibraryFailure);
+    EXPECT_EQ(error.description(), (folder / "none.shp") + " cannot be written");
 }
 
 }  // namespace
