@@ -105,6 +105,12 @@ QAction* CommandBar::action_of(const HostedItem& item) {
     return action;
 }
 
+QAction& CommandBar::add_plugins_entry(const QString& text) {
+    auto* action = new QAction(text, m_toolbar);
+    add_to_plugins_menu(*action);
+    return *action;
+}
+
 void CommandBar::add_to_plugins_menu(QAction& action) {
     m_iface.addPluginToMenu(m_plugin_menu, &action);
     m_plugin_actions.emplace_back(&action);

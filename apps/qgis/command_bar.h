@@ -31,8 +31,8 @@ class CommandBar final : public QObject {
     CommandBar(QgisInterface& iface, const platform::HostedExtension& extension, Report report);
     ~CommandBar() override;
 
-    /// Puts an action of the host below the extension's own in the Plugins menu.
-    void add_to_plugins_menu(QAction& action);
+    /// Adds an action of the host's own below the extension's in the Plugins menu.
+    QAction& add_plugins_entry(const QString& text);
     /// Enables and disables the actions as their commands say.
     void poll();
 
@@ -43,6 +43,7 @@ class CommandBar final : public QObject {
     };
 
     void show_items(const platform::IToolBarDef& toolbar, const std::vector<platform::HostedItem>& items);
+    void add_to_plugins_menu(QAction& action);
     QMenu* menu_of(const platform::HostedItem& item);
     QAction* action_of(const platform::HostedItem& item);
     void triggered();

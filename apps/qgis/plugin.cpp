@@ -58,7 +58,6 @@ struct KestrelPlugin::Running {
     ExtensionList extensions;
     platform::HostedExtension kestrel;
     std::unique_ptr<CommandBar> commands;
-    std::unique_ptr<QAction> extensions_action;
     std::unique_ptr<ExtensionsWindow> extensions_window;
 };
 
@@ -70,12 +69,10 @@ KestrelPlugin::~KestrelPlugin() {
 
 void KestrelPlugin::initGui() try {
     m_running = std::make_unique<Running>(m_iface);
-    m_running->extensions_action = std::make_unique<QAction>("Extensions...");
-    QAction& action = *m_running->extensions_action;
+    QAction& action = m_running->commands->add_plugins_entry("Extensions...");
     action.setObjectName("kestrelShowExtensions");
     action.setStatusTip("Switch extensions on and off");
     connect(&action, &QAction::triggered, this, &KestrelPlugin::show_extensions);
-    m_running->commands->add_to_plugins_menu(action);
 } catch (const std::exception& error) {
     m_running.reset();
     DesktopInteraction(m_iface).failure(std::string("The Kestrel Tools cannot be loaded. ") + error.what());

@@ -16,11 +16,9 @@ import os
 import traceback
 from pathlib import Path
 
-from qgis.core import QgsProject
-from qgis.PyQt.QtCore import QCoreApplication, QPoint, Qt, QTimer
+from qgis.PyQt.QtCore import QCoreApplication, Qt, QTimer
 from qgis.PyQt.QtTest import QTest
-from qgis.PyQt.QtWidgets import (QAction, QApplication, QComboBox, QDialog, QMenu, QMessageBox, QToolBar,
-                                 QToolButton, QWidget)
+from qgis.PyQt.QtWidgets import QAction, QApplication, QDialog, QMenu, QMessageBox, QToolBar, QWidget
 from qgis.utils import iface
 
 FOLDER = Path(os.environ["KESTREL_DRIVE_FOLDER"])

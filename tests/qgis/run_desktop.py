@@ -2,11 +2,12 @@
 # SPDX-License-Identifier: MIT
 """Starts QGIS on a screen of its own, with a new profile and the built plugin, and lets it run a script.
 
-    run_desktop.py BUILT_FOLDER SCRIPT [--times N] [--keep]
+    run_desktop.py BUILT_FOLDER SCRIPT [--data] [--command FILE] [--times N] [--keep]
 
 BUILT_FOLDER holds the libraries with etc and help; a copy of it becomes the extension folder. The script finds its own
-folder in KESTREL_DRIVE_FOLDER and ends QGIS by drive.finish(). Ends with the status of the script, 1 when QGIS did not
-end by itself, and 77 where QGIS cannot be started at all.
+folder in KESTREL_DRIVE_FOLDER, the real test data in KESTREL_DRIVE_DATA and the command in KESTREL_DRIVE_COMMAND. It
+ends QGIS by drive.run(). KESTREL_DRIVE_PICTURES may name a folder for its pictures. Ends with the status of QGIS, 1
+when that did not end by itself, and 77 where there is no QGIS or no data.
 """
 
 import argparse
@@ -39,19 +40,26 @@ def prepare(folder, built):
     (folder / "plugin.ini").write_text(SETTINGS.format(plugin=plugin))
 
 
-def start(folder, script, seconds):
+def real_data():
+    """Where the tests on real data have theirs."""
+    return Path(os.environ.get("KESTREL_REAL_DATA") or HERE.parents[2] / "shared" / "data" / "zion")
+
+
+def start(folder, script, seconds, command):
     environment = dict(os.environ, LC_ALL="C.UTF-8", KESTREL_DRIVE_FOLDER=str(folder), PYTHONPATH=str(HERE),
                        PYTHONDONTWRITEBYTECODE="1", XDG_DATA_HOME=str(folder / "data"),
-                       XDG_CONFIG_HOME=str(folder / "config"))
+                       XDG_CONFIG_HOME=str(folder / "config"), KESTREL_DRIVE_DATA=str(real_data()),
+                       KESTREL_DRIVE_COMMAND=str(command))
     environment.pop("QT_QPA_PLATFORM", None)
     # QGIS's Python is the system's, and it looks for its modules beside the first python3 of the path.
     environment["PATH"] = "/usr/bin:/bin"
-    command = ["xvfb-run", "-a", "-w", "1", "-s", "-screen 0 1280x900x24", "qgis", "--nologo", "--noversioncheck",
-               "--profiles-path", str(folder / "profiles"), "--globalsettingsfile", str(folder / "plugin.ini"),
-               "--code", str(script)]
+    desktop_command = ["xvfb-run", "-a", "-w", "1", "-s", "-screen 0 1280x900x24", "qgis", "--nologo", "--noversioncheck",
+                       "--profiles-path", str(folder / "profiles"),
+                       "--globalsettingsfile", str(folder / "plugin.ini"),
+                       "--code", str(script)]
     log = folder / "qgis.log"
     with log.open("w") as output:
-        desktop = subprocess.Popen(command, env=environment, stdout=output, stderr=subprocess.STDOUT, cwd=folder,
+        desktop = subprocess.Popen(desktop_command, env=environment, stdout=output, stderr=subprocess.STDOUT, cwd=folder,
                                    start_new_session=True)
         try:
             status = desktop.wait(timeout=seconds)
@@ -75,6 +83,8 @@ def main():
     arguments = argparse.ArgumentParser()
     arguments.add_argument("built", type=Path)
     arguments.add_argument("script", type=Path)
+    arguments.add_argument("--data", action="store_true", help="the script needs the real test data")
+    arguments.add_argument("--command", type=Path, help="the built command")
     arguments.add_argument("--times", type=int, default=1)
     arguments.add_argument("--seconds", type=int, default=180)
     arguments.add_argument("--keep", action="store_true", help="leave the folder behind")
@@ -83,12 +93,15 @@ def main():
         if shutil.which(program) is None:
             print(f"SKIPPED: there is no {program} here; tools/install-packages installs it")
             sys.exit(SKIPPED)
+    if given.data and not real_data().is_dir():
+        print(f"SKIPPED: there are no real test data in {real_data()}; KESTREL_REAL_DATA says where they are")
+        sys.exit(SKIPPED)
     folder = Path(tempfile.mkdtemp(prefix="kestrel-desktop-"))
     try:
         prepare(folder, given.built)
         for _ in range(given.times):
             (folder / "report.txt").unlink(missing_ok=True)
-            status = start(folder, given.script.resolve(), given.seconds)
+            status = start(folder, given.script.resolve(), given.seconds, given.command)
             if status != 0:
                 sys.exit(status)
     finally:
