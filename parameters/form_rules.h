@@ -18,8 +18,8 @@ struct DensityState {
     bool layer_chosen = false;
     bool field_chosen = false;
     // As typed.
-    std::string high;
-    std::string low;
+    std::string high{};
+    std::string low{};
 };
 
 enum class DensityControl { cboPDenTheme, cboPDenFld, txtHigh, txtLow };
@@ -53,7 +53,7 @@ struct FormState {
     int density_option = kDensityOptions;
     /// Looked at with kCalculate only.
     DensityState density{};
-    std::string output;
+    std::string output{};
     /// -1 when there is no scenario row.
     std::int16_t highest_row = -1;
     std::vector<ScenarioState> scenarios{};

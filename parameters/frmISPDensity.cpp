@@ -7,6 +7,7 @@
 #include <QVBoxLayout>
 
 #include "host/error_report.h"
+#include "parameters/name_list.h"
 #include "parameters/named_control.h"
 #include "parameters/parameter_controls.h"
 #include "platform/contracts/interaction.h"
@@ -56,9 +57,9 @@ void frmISPDensity::build_controls() {
     for (std::size_t i = 0; i < Label2.size(); ++i) {
         Label2[i] = label("Label2", i, relations[i]);
     }
-    cboPDenTheme = new NameList("cboPDenTheme", kNameCharacters);
+    cboPDenTheme = new NameList("cboPDenTheme", kNameCharacters, "(choose a layer)");
     cboPDenTheme->setToolTip("The polygon layer that holds the population density");
-    cboPDenFld = new NameList("cboPDenFld", kNameCharacters);
+    cboPDenFld = new NameList("cboPDenFld", kNameCharacters, "(choose a field)");
     cboPDenFld->setToolTip("The field with the density: a number");
     txtHigh = named("txtHigh", new QLineEdit);
     txtHigh->setToolTip("From this density on, the High coefficients are taken");

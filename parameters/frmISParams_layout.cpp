@@ -5,8 +5,10 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "parameters/frmISParams.h"
+#include "parameters/name_list.h"
 #include "parameters/named_control.h"
 
 /// \file
@@ -50,17 +52,18 @@ frmISParams::frmISParams(std::string extension_folder, QWidget* parent)
 }
 
 void frmISParams::build_controls() {
-    const auto list = [](const char* name, const char* tip) {
-        auto* made = new NameList(name, kNameCharacters);
+    const auto list = [](const char* name, const char* when_empty, const char* tip) {
+        auto* made = new NameList(name, kNameCharacters, when_empty);
         made->setToolTip(tip);
         return made;
     };
-    cboLCTheme = list("cboLCTheme", "The raster layer whose cells are land-cover classes");
-    cboLCUnits =
-        list("cboLCUnits", "The unit in which the land-cover grid measures: acres come of feet, hectares of meters");
-    cboAnalysisTheme = list("cboAnalysisTheme", "The polygon layer to analyze: its selected features, or all of them");
-    cboAnalysisUnit = list("cboAnalysisUnit", "The field whose values group the polygons");
-    cboLCType = list("cboLCType", "The impervious percentage of every land-cover class");
+    cboLCTheme = list("cboLCTheme", "(choose a layer)", "The raster layer whose cells are land-cover classes");
+    cboLCUnits = list("cboLCUnits", "(choose a unit)",
+                      "The unit in which the land-cover grid measures: acres come of feet, hectares of meters");
+    cboAnalysisTheme = list("cboAnalysisTheme", "(choose a layer)",
+                            "The polygon layer to analyze: its selected features, or all of them");
+    cboAnalysisUnit = list("cboAnalysisUnit", "(choose a field)", "The field whose values group the polygons");
+    cboLCType = list("cboLCType", "(choose a set)", "The impervious percentage of every land-cover class");
     txtOutputTheme = named("txtOutputTheme", new QLineEdit);
     txtOutputTheme->setToolTip("The shapefile to write; one of this name is replaced without asking");
     txtThemeName = named("txtThemeName", new QLineEdit);
@@ -73,7 +76,7 @@ void frmISParams::build_options() {
     m_options = new QButtonGroup(this);
     auto* row = new QHBoxLayout(fraPopDensity);
     row->addWidget(new QLabel("Which Coefficient?"));
-    const char* const captions[] = {"Hi&gh", "&Medium", "Lo&w", "Calcula&te"};
+    const char* const captions[] = {"Hi&gh", "&Medium", "Lo&w", "Calc&ulate"};
     const char* const tips[] = {"Take the coefficient for high population density everywhere",
                                 "Take the coefficient for medium population density everywhere",
                                 "Take the coefficient for low population density everywhere",
@@ -82,6 +85,7 @@ void frmISParams::build_options() {
         auto* option = named(element_name("optPopDensity", static_cast<std::size_t>(i)), new QRadioButton(captions[i]));
         option->setToolTip(tips[i]);
         m_options->addButton(option, i);
+        row->addSpacing(row->spacing());
         row->addWidget(option);
         optPopDensity.push_back(option);
     }
@@ -99,7 +103,7 @@ QGridLayout* frmISParams::build_inputs() {
     auto* inputs = new QGridLayout;
     inputs->setColumnStretch(1, 1);
     add_field(*inputs, 0, "&Land Cover Grid", cboLCTheme);
-    add_field(*inputs, 1, "Land Cover Grid &Units", cboLCUnits);
+    add_field(*inputs, 1, "Land Cover Grid Un&its", cboLCUnits);
     add_field(*inputs, 2, "&Analysis Layer", cboAnalysisTheme);
     add_field(*inputs, 3, "Analysis &Field", cboAnalysisUnit);
     add_field(*inputs, 4, "&Coefficient Set", cboLCType);
@@ -121,7 +125,7 @@ void frmISParams::build_layout() {
     int captions = 0;
     for (QGridLayout* grid : {inputs, output}) {
         for (int row = 0; row < grid->rowCount(); ++row) {
-            captions = std::max(captions, grid->itemAtPosition(row, 0)->sizeHint().width());
+            captions = std::max(captions, grid->itemAtPosition(row, 0)->widget()->sizeHint().width());
         }
     }
     inputs->setColumnMinimumWidth(0, captions);
@@ -166,7 +170,6 @@ void frmISParams::connect_controls() {
     // A click is what a released mouse button, the space bar and the arrow keys make.
     connect(m_options, &QButtonGroup::idClicked, this, &frmISParams::optPopDensity_MouseUp);
     connect(txtOutputTheme, &QLineEdit::textChanged, this, &frmISParams::txtOutputTheme_Change);
-    connect(txtOutputTheme, &QLineEdit::editingFinished, this, &frmISParams::txtOutputTheme_Validate);
     connect(cmdOutputBrowse, &QPushButton::clicked, this, &frmISParams::cmdOutputBrowse_Click);
     connect(&fraDSMain->add_button(), &QPushButton::clicked, this, &frmISParams::cmdDSAdd_Click);
     connect(&fraDSMain->delete_button(), &QPushButton::clicked, this, &frmISParams::cmdDSDelete_Click);

@@ -26,15 +26,19 @@ QAbstractButton* button_being_pressed() {
                                                         : qobject_cast<QAbstractButton*>(QApplication::focusWidget());
 }
 
+/// Whether a focus event means that the box itself was entered or left, and not its window, or the box for a menu.
+bool of_the_box(const QEvent& event) {
+    const Qt::FocusReason reason = static_cast<const QFocusEvent&>(event).reason();
+    return reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason;
+}
+
 }  // namespace
 
 bool frmISParams::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == txtOutputTheme && event->type() == QEvent::FocusIn) {
-        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
-        // The box was not left when only its window was.
-        if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason) {
-            txtOutputTheme_GotFocus();
-        }
+    if (watched == txtOutputTheme && event->type() == QEvent::FocusIn && of_the_box(*event)) {
+        txtOutputTheme_GotFocus();
+    } else if (watched == txtOutputTheme && event->type() == QEvent::FocusOut && of_the_box(*event)) {
+        txtOutputTheme_Validate();
     }
     return QDialog::eventFilter(watched, event);
 }
@@ -73,7 +77,6 @@ void frmISParams::leave_output_box_late() try {
 }
 
 void frmISParams::leave_output_box() {
-    // Return leaves the box twice, since a box that is shown takes the focus away.
     if (m_output_pending && !m_applying_rules) {
         m_output_pending = false;
         const QScopedValueRollback<bool> applying(m_applying_rules, true);

@@ -64,6 +64,7 @@ class ScenarioRows final : public QGroupBox {
     void show_row(int row, bool visible);
     QWidgetList controls_of(std::size_t row) const;
     int row_pitch() const;
+    int row_width() const;
     void VScroll1_Change(int value);
     void scroll_to(const QWidget& control);
 

@@ -5,6 +5,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "parameters/name_list.h"
 #include "parameters/named_control.h"
 #include "parameters/scenario_rows.h"
 
@@ -17,12 +18,11 @@ namespace {
 /// Columns of the grid of rows.
 enum Column : int { kApply, kNumber, kLabel1, kTheme, kLabel2, kToClass };
 constexpr int kVisibleRows = 4;
-constexpr int kThemeCharacters = 14;
+constexpr int kThemeCharacters = 18;
 constexpr int kListSpacing = 6;
 
 QComboBox* row_list(const char* name, std::size_t row, const char* placeholder, const char* tip) {
-    auto* list = new NameList(element_name(name, row), kThemeCharacters);
-    list->setPlaceholderText(placeholder);
+    auto* list = new NameList(element_name(name, row), kThemeCharacters, placeholder);
     list->setToolTip(tip);
     return list;
 }
@@ -77,7 +77,7 @@ void ScenarioRows::build_layout() {
     auto* all = new QHBoxLayout(this);
     all->addLayout(rows, 1);
     all->addLayout(buttons);
-    fraDSContainer->setMinimumSize(m_grid->sizeHint().width(), kVisibleRows * row_pitch());
+    fraDSContainer->setMinimumSize(row_width(), kVisibleRows * row_pitch());
     fraDSContainer->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
 
@@ -128,6 +128,16 @@ void ScenarioRows::show_row(int row, bool visible) {
 
 QWidgetList ScenarioRows::controls_of(std::size_t row) const {
     return {chkDSApply[row], lblDSNum[row], lblDSLabel1[row], cboDSTheme[row], lblDSLabel2[row], cboDSToClass[row]};
+}
+
+/// Of a row none of whose texts is cut; hidden controls count.
+int ScenarioRows::row_width() const {
+    const QWidgetList controls = controls_of(0);
+    int width = m_grid->columnMinimumWidth(kApply) - controls[kApply]->sizeHint().width();
+    for (const QWidget* control : controls) {
+        width += control->sizeHint().width();
+    }
+    return width + (controls.size() - 1) * m_grid->horizontalSpacing();
 }
 
 int ScenarioRows::row_pitch() const {

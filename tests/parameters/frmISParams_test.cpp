@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "parameters/frmISParams.h"
 
+#include <QApplication>
 #include <QGroupBox>
 #include <QLabel>
 #include <set>
@@ -239,6 +240,22 @@ TEST_F(ParamsTest, TabGoesThroughTheControlsInTheirOrder) {
                                    "optPopDensity(1)", "chkDSApply(0)", "cboDSTheme(0)", "cboDSToClass(0)",
                                    "chkDSApply(1)", "cboDSTheme(1)", "cboDSToClass(1)", "cmdDSAdd", "cmdDSDelete",
                                    "txtOutputTheme", "cmdOutputBrowse", "txtThemeName", "cmdISRun", "cmdISQuit"));
+}
+
+TEST_F(ParamsTest, NothingIsCutOff) {
+    open();
+    click("cmdDSAdd");
+    m_form->resize(m_form->minimumSizeHint());
+    QApplication::processEvents();
+    for (const QWidget* shown : m_form->findChildren<QWidget*>()) {
+        if (!shown->isVisible()) continue;
+        if (qobject_cast<const QLabel*>(shown) != nullptr || qobject_cast<const QAbstractButton*>(shown) != nullptr) {
+            EXPECT_GE(shown->width(), shown->sizeHint().width()) << shown->objectName().toStdString();
+            EXPECT_GE(shown->height(), shown->minimumSizeHint().height()) << shown->objectName().toStdString();
+        }
+    }
+    auto& items = control<QFrame>("fraDSItems");
+    EXPECT_LE(list("cboDSToClass(0)").geometry().right(), items.width());
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "tests/support/window_pictures.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QPainter>
 #include <QScreen>
 #include <QTest>
@@ -68,9 +69,10 @@ void take_picture(const QWidget& window, const std::string& path) {
                          .convertToFormat(QImage::Format_RGB32);
     QPainter painter(&picture);
     draw_frame(painter, window, place.translated(-part.topLeft()));
-    const QWidget* const dialog = QApplication::activeModalWidget();
-    if (dialog != nullptr && dialog != &window) {
-        draw_frame(painter, *dialog, dialog->geometry().translated(-part.topLeft()));
+    for (const QWidget* other : QApplication::topLevelWidgets()) {
+        if (other != &window && other->isVisible() && qobject_cast<const QDialog*>(other) != nullptr) {
+            draw_frame(painter, *other, other->geometry().translated(-part.topLeft()));
+        }
     }
     painter.end();
     if (!picture.convertToFormat(QImage::Format_Indexed8, commonest_colours(picture))

@@ -15,8 +15,8 @@ void use_picture_style();
 /// Lets the windows draw themselves.
 void wait_for_paint();
 
-/// What the screen shows of a window, with everything that lies over it; title bars are drawn around it and around a
-/// dialog that is open, as a desktop would. Ends the program when the file cannot be written.
+/// What the screen shows of a window, with everything that lies over it; title bars are drawn around it and around
+/// dialogs that are open, as a desktop would. Ends the program when the file cannot be written.
 /// \param path of a PNG file.
 void take_picture(const QWidget& window, const std::string& path);
 
