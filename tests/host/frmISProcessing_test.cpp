@@ -7,7 +7,6 @@
 #include <QAction>
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QDrag>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
@@ -33,7 +32,7 @@ class HostWindow final : public QWidget {
         auto* layout = new QVBoxLayout(this);
         layout->addWidget(button);
         layout->addWidget(box);
-        action->setShortcut(Qt::CTRL | Qt::Key_R);
+        action->setShortcut(QKeySequence("Ctrl+R"));
         action->setShortcutContext(Qt::ApplicationShortcut);
         addAction(action);
         connect(button, &QPushButton::clicked, [this] { ++clicks; });
@@ -166,10 +165,9 @@ TEST(ProcessingWindow, WheelMenusDropsTabletAndTouchAreKeptOut) {
         QApplication::sendEvent(&host, &enter);
         QDropEvent drop(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(&host, &drop);
-        QTabletEvent pen(QEvent::TabletPress, at, host.mapToGlobal(at), QTabletEvent::Stylus, QTabletEvent::Pen, 1, 0,
-                         0, 0, 0, 0, Qt::NoModifier, 0, Qt::LeftButton, Qt::LeftButton);
+        QEvent pen(QEvent::TabletPress);
         QApplication::sendEvent(&host, &pen);
-        QTouchEvent touch(QEvent::TouchBegin);
+        QEvent touch(QEvent::TouchBegin);
         QApplication::sendEvent(&host, &touch);
     });
     EXPECT_TRUE(waiting.report(0.1, ""));
