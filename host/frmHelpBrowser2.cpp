@@ -70,7 +70,6 @@ void frmHelpBrowser2::build_controls() {
     txtFind->setPlaceholderText("Find in this page");
     txtFind->setAccessibleName("Find in this page");
     txtFind->setToolTip("Find in this page (Ctrl+F)");
-    txtFind->setClearButtonEnabled(true);
     cmdFindPrevious = tool_button("cmdFindPrevious", "Previous", "The place before (Shift+F3)");
     cmdFindNext = tool_button("cmdFindNext", "Next", "The place after (F3)");
     lblFound = named("lblFound", new QLabel);
@@ -170,7 +169,7 @@ void frmHelpBrowser2::Form_Resize() try {
     report_current({"Form_Resize", kModule});
 }
 
-void frmHelpBrowser2::cmdClose_Click() try { close(); } catch (...) {
+void frmHelpBrowser2::cmdClose_Click() try { reject(); } catch (...) {
     report_current({"cmdClose_Click", kModule});
 }
 

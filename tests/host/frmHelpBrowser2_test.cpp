@@ -279,7 +279,7 @@ TEST_F(frmHelpBrowser2Test, FailingResizeIsReported) {
 TEST_F(frmHelpBrowser2Test, FailingCloseIsReported) {
     two_pages();
     open();
-    const test::FailingEvent failing(m_form, QEvent::Close);
+    const test::FailingEvent failing(m_form, QEvent::Hide);
     control<QPushButton>("cmdClose").click();
     EXPECT_THAT(m_said.call_stacks, ElementsAre(report_of("cmdClose_Click")));
 }
