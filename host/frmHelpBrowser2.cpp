@@ -12,6 +12,7 @@
 #include <QUrl>
 
 #include "host/error_report.h"
+#include "parameters/named_control.h"
 #include "platform/contracts/interaction.h"
 #include "platform/files.h"
 
@@ -22,12 +23,6 @@ namespace {
 constexpr const char* kModule = "isHelpBrowser2";
 constexpr int kLineCharacters = 100;
 constexpr int kLines = 36;
-
-template <typename Control>
-Control* named(const char* name, Control* control) {
-    control->setObjectName(name);
-    return control;
-}
 
 QToolButton* tool_button(const char* name, const char* caption, const char* tip) {
     auto* const button = named(name, new QToolButton);
