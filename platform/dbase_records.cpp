@@ -2,16 +2,22 @@
 // SPDX-License-Identifier: MIT
 #include "platform/dbase_records.h"
 
+#include <shapefil.h>
+
 #include <array>
 #include <charconv>
 #include <cstring>
 #include <limits>
 
-#include "platform/shapelib_support.h"
+#include "platform/buffered_file.h"
 
 namespace kestrel::platform {
 
 namespace {
+
+struct CloseHandle {
+    void operator()(DBFInfo* handle) const { DBFClose(handle); }
+};
 
 /// Room for the digits of the largest double with as many decimals as a field can have.
 constexpr std::size_t kLongestNumber = std::numeric_limits<double>::max_exponent10 + XBASE_FLD_MAX_WIDTH + 8;
@@ -20,11 +26,13 @@ constexpr std::size_t kLongestNumber = std::numeric_limits<double>::max_exponent
 
 struct DbaseRecords::State {
     std::string path;
-    TableHandle handle;
+    std::unique_ptr<DBFInfo, CloseHandle> handle;
 };
 
 DbaseRecords::DbaseRecords(const std::string& path) : m_state(std::make_unique<State>()) {
-    SAHooks hooks = buffered_file_hooks();
+    SAHooks hooks{};
+    SASetupDefaultHooks(&hooks);
+    use_buffered_files(hooks);
     m_state->path = path;
     forget_file_failure();
     m_state->handle.reset(DBFOpenLL(path.c_str(), "rb+", &hooks));

@@ -2,14 +2,20 @@
 // SPDX-License-Identifier: MIT
 #include "platform/shape_records.h"
 
+#include <shapefil.h>
+
 #include <utility>
 #include <vector>
 
-#include "platform/shapelib_support.h"
+#include "platform/buffered_file.h"
 
 namespace kestrel::platform {
 
 namespace {
+
+struct CloseHandle {
+    void operator()(SHPInfo* handle) const { SHPClose(handle); }
+};
 
 constexpr std::int64_t kHeader = 100;
 
@@ -28,7 +34,7 @@ std::int64_t shape_size(const PolygonSet& polygons, std::size_t feature) noexcep
 
 struct ShapeRecords::State {
     std::string path;
-    ShapesHandle handle;
+    std::unique_ptr<SHPInfo, CloseHandle> handle;
     // One feature as the library takes it.
     std::vector<int> starts;
     std::vector<int> kinds;
@@ -89,7 +95,9 @@ void ShapeRecords::State::flush() {
 }
 
 ShapeRecords::ShapeRecords(const std::string& stem) : m_state(std::make_unique<State>()), m_size(kHeader) {
-    SAHooks hooks = buffered_file_hooks();
+    SAHooks hooks{};
+    SASetupDefaultHooks(&hooks);
+    use_buffered_files(hooks);
     m_state->path = stem + ".shp";
     forget_file_failure();
     m_state->handle.reset(SHPOpenLL(m_state->path.c_str(), "rb+", &hooks));

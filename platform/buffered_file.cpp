@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/shapelib_support.h"
+#include "platform/buffered_file.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -19,6 +20,10 @@
 namespace kestrel::platform {
 
 namespace {
+
+/// As the library has them.
+using Offset = unsigned long;
+using File = int*;
 
 constexpr std::size_t kBufferSize = std::size_t{1} << 18;
 
@@ -38,21 +43,21 @@ class BufferedFile {
 
     std::size_t read(char* bytes, std::size_t size);
     bool write(std::string_view bytes);
-    bool seek(SAOffset offset, int whence);
-    SAOffset position() const noexcept { return m_position; }
+    bool seek(Offset offset, int whence);
+    Offset position() const noexcept { return m_position; }
     bool flush();
     bool close();
 
   private:
     Descriptor m_descriptor;
-    SAOffset m_position = 0;
-    SAOffset m_buffer_start = 0;
+    Offset m_position = 0;
+    Offset m_buffer_start = 0;
     std::string m_buffer;
 };
 
 bool BufferedFile::flush() {
     std::string_view rest = m_buffer;
-    SAOffset offset = m_buffer_start;
+    Offset offset = m_buffer_start;
     while (!rest.empty()) {
         const ssize_t written = ::pwrite(m_descriptor.get(), rest.data(), rest.size(), static_cast<off_t>(offset));
         if (written < 0 && errno != EINTR) {
@@ -62,7 +67,7 @@ bool BufferedFile::flush() {
         }
         if (written > 0) {
             rest.remove_prefix(static_cast<std::size_t>(written));
-            offset += static_cast<SAOffset>(written);
+            offset += static_cast<Offset>(written);
         }
     }
     m_buffer.clear();
@@ -84,7 +89,7 @@ std::size_t BufferedFile::read(char* bytes, std::size_t size) {
         }
         if (got > 0) {
             done += static_cast<std::size_t>(got);
-            m_position += static_cast<SAOffset>(got);
+            m_position += static_cast<Offset>(got);
         }
     }
     return done;
@@ -104,7 +109,7 @@ bool BufferedFile::write(std::string_view bytes) {
     return true;
 }
 
-bool BufferedFile::seek(SAOffset offset, int whence) {
+bool BufferedFile::seek(Offset offset, int whence) {
     if (whence == SEEK_SET) {
         m_position = offset;
     } else if (whence == SEEK_CUR) {
@@ -115,7 +120,7 @@ bool BufferedFile::seek(SAOffset offset, int whence) {
             fail(errno);
             return false;
         }
-        m_position = static_cast<SAOffset>(end) + offset;
+        m_position = static_cast<Offset>(end) + offset;
     }
     return true;
 }
@@ -129,13 +134,15 @@ bool BufferedFile::close() {
     return flushed;
 }
 
-BufferedFile& file_of(SAFile file) {
+BufferedFile& file_of(File file) {
     return *reinterpret_cast<BufferedFile*>(file);
 }
 
+}  // namespace
+
 // What the library calls. Nothing may be thrown through it: lack of memory is a failed call.
 
-SAFile open_file(const char* name, const char* access) try {
+File open_buffered_file(const char* name, const char* access) try {
     const int flags = std::strchr(access, '+') != nullptr ? O_RDWR : O_RDONLY;
     const int descriptor = ::open(name, flags | O_CLOEXEC);
     if (descriptor < 0) {
@@ -144,57 +151,38 @@ SAFile open_file(const char* name, const char* access) try {
         }
         return nullptr;
     }
-    return reinterpret_cast<SAFile>(new BufferedFile(descriptor));
+    return reinterpret_cast<File>(new BufferedFile(descriptor));
 } catch (const std::exception&) {
     fail(ENOMEM);
     return nullptr;
 }
 
-SAOffset read_file_part(void* bytes, SAOffset size, SAOffset count, SAFile file) {
+Offset read_buffered_file(void* bytes, Offset size, Offset count, File file) {
     return size == 0 ? 0 : file_of(file).read(static_cast<char*>(bytes), size * count) / size;
 }
 
-SAOffset write_file_part(void* bytes, SAOffset size, SAOffset count, SAFile file) try {
+Offset write_buffered_file(void* bytes, Offset size, Offset count, File file) try {
     return file_of(file).write({static_cast<const char*>(bytes), size * count}) ? count : 0;
 } catch (const std::exception&) {
     fail(ENOMEM);
     return 0;
 }
 
-SAOffset seek_file(SAFile file, SAOffset offset, int whence) {
-    return file_of(file).seek(offset, whence) ? 0 : static_cast<SAOffset>(-1);
+Offset seek_buffered_file(File file, Offset offset, int whence) {
+    return file_of(file).seek(offset, whence) ? 0 : static_cast<Offset>(-1);
 }
 
-SAOffset tell_file(SAFile file) {
+Offset tell_buffered_file(File file) {
     return file_of(file).position();
 }
 
-int flush_file(SAFile file) {
+int flush_buffered_file(File file) {
     return file_of(file).flush() ? 0 : EOF;
 }
 
-int close_file(SAFile file) {
+int close_buffered_file(File file) {
     const std::unique_ptr<BufferedFile> owned(&file_of(file));
     return owned->close() ? 0 : EOF;
-}
-
-/// Its texts go nowhere: check_file_failure() tells what failed, and why.
-void hear_nothing(const char*) {}
-
-}  // namespace
-
-SAHooks buffered_file_hooks() {
-    SAHooks hooks{};
-    SASetupDefaultHooks(&hooks);
-    hooks.FOpen = open_file;
-    hooks.FRead = read_file_part;
-    hooks.FWrite = write_file_part;
-    hooks.FSeek = seek_file;
-    hooks.FTell = tell_file;
-    hooks.FFlush = flush_file;
-    hooks.FClose = close_file;
-    hooks.Error = hear_nothing;
-    return hooks;
 }
 
 void forget_file_failure() noexcept {
