@@ -28,11 +28,13 @@ void NameList::paintEvent(QPaintEvent*) {
     QStylePainter painter(this);
     QStyleOptionComboBox look;
     initStyleOption(&look);
+    painter.drawComplexControl(QStyle::CC_ComboBox, look);
     if (currentIndex() < 0) {
         look.currentText = placeholderText();
-        look.palette.setBrush(QPalette::ButtonText, look.palette.brush(QPalette::Disabled, QPalette::ButtonText));
+        QColor pale = look.palette.color(QPalette::ButtonText);
+        pale.setAlphaF(0.5);
+        look.palette.setColor(QPalette::ButtonText, pale);
     }
-    painter.drawComplexControl(QStyle::CC_ComboBox, look);
     painter.drawControl(QStyle::CE_ComboBoxLabel, look);
 }
 

@@ -25,7 +25,12 @@ void HeadlessMap::append_layer(std::shared_ptr<Layer> layer) {
 }
 
 void HeadlessMap::remove_layer(const std::shared_ptr<Layer>& layer) {
-    if (std::erase(m_layers, layer) > 0) {
+    bool removed = std::erase(m_layers, layer) > 0;
+    for (const auto& other : m_layers) {
+        auto* group = dynamic_cast<HeadlessGroupLayer*>(other.get());
+        removed = (group != nullptr && group->remove(layer)) || removed;
+    }
+    if (removed) {
         tell(&MapEvents::layer_deleted);
     }
 }

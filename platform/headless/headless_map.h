@@ -59,6 +59,8 @@ class HeadlessGroupLayer final : public GroupLayer {
         : m_name(std::move(name)), m_members(std::move(members)) {}
     std::string name() const override { return m_name; }
     std::vector<std::shared_ptr<Layer>> members() const override { return m_members; }
+    /// \return whether the layer was a member.
+    bool remove(const std::shared_ptr<Layer>& layer) { return std::erase(m_members, layer) > 0; }
 
   private:
     std::string m_name;

@@ -197,6 +197,21 @@ TEST_F(RunTest, OneLayerDrawsFromAReplacedFileWhateverItIsCalled) {
     EXPECT_THAT(layers(), ElementsAre("is", "cover", "sheds", "blocks", "plan"));
 }
 
+TEST_F(RunTest, AnEarlierOutputInsideAGroupGoes) {
+    fill();
+    run();
+    const auto earlier = map().layers().front();
+    map().remove_layer(earlier);
+    const auto group = std::make_shared<platform::HeadlessGroupLayer>(
+        "results", std::vector<std::shared_ptr<platform::Layer>>{earlier});
+    map().append_layer(group);
+    fill_again();
+    run();
+    EXPECT_TRUE(finished());
+    EXPECT_THAT(layers(), ElementsAre("is", "cover", "sheds", "blocks", "plan", "results"));
+    EXPECT_THAT(group->members(), IsEmpty());
+}
+
 TEST_F(RunTest, ACancelledRunLeavesMapAndDiskAsTheyWere) {
     fill();
     run();

@@ -105,7 +105,7 @@ void take_all(frmISParams& form, kestrel::QtInteraction& user, const std::string
     form.findChild<QPushButton*>("cmdISRun")->setFocus();
     take(form, "analysis-form.png");
     const auto waiting = user.waiting_window("Performing Impervious Surface Analysis.  Please wait...");
-    waiting->report(0.42, "Counting the land-cover classes of 38 zones");
+    waiting->report(0.42, "Counting land cover");
     take(form, "analysis-form-waiting.png");
 }
 
@@ -132,6 +132,6 @@ int main(int argc, char** argv) {
     form.move(40, 40);
     form.show();
     form.activateWindow();
-    take_all(form, user, demo + "/watersheds_is");
+    take_all(form, user, kestrel::platform::temporary_folder() + "/watersheds_is");
     return 0;
 }
