@@ -108,16 +108,7 @@ void DesktopMap::remove_layer(const std::shared_ptr<Layer>& layer) {
 }
 
 platform::DistanceUnits DesktopMap::distance_units() const {
-    switch (m_project.crs().mapUnits()) {
-        case QgsUnitTypes::DistanceMeters:
-            return platform::kMeters;
-        case QgsUnitTypes::DistanceFeet:
-            return platform::kFeet;
-        case QgsUnitTypes::DistanceDegrees:
-            return platform::kDecimalDegrees;
-        default:
-            return platform::kUnknownUnits;
-    }
+    return units_of_map(m_project.crs());
 }
 
 void DesktopMap::refresh() {

@@ -73,4 +73,17 @@ std::string gdal_source(const QgsRasterLayer& layer) {
     return text_of(layer.source());
 }
 
+platform::DistanceUnits units_of_map(const QgsCoordinateReferenceSystem& reference) {
+    switch (reference.mapUnits()) {
+        case QgsUnitTypes::DistanceMeters:
+            return platform::kMeters;
+        case QgsUnitTypes::DistanceFeet:
+            return platform::kFeet;
+        case QgsUnitTypes::DistanceDegrees:
+            return platform::kDecimalDegrees;
+        default:
+            return platform::kUnknownUnits;
+    }
+}
+
 }  // namespace kestrel::qgis

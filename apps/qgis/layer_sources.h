@@ -6,8 +6,10 @@
 #include <optional>
 #include <string>
 
+#include "platform/contracts/map.h"
 #include "platform/feature_class.h"
 
+class QgsCoordinateReferenceSystem;
 class QgsRasterLayer;
 class QgsVectorLayer;
 
@@ -28,5 +30,8 @@ bool shows_more_than_its_source(const QgsVectorLayer& layer);
 
 /// The name by which GDAL opens the layer's raster; empty for a layer of another provider.
 std::string gdal_source(const QgsRasterLayer& layer);
+
+/// The distance units of a map in this coordinate system.
+platform::DistanceUnits units_of_map(const QgsCoordinateReferenceSystem& reference);
 
 }  // namespace kestrel::qgis

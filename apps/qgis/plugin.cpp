@@ -4,7 +4,9 @@
 
 #include <qgis.h>
 #include <qgisinterface.h>
+#include <qgsapplication.h>
 #include <qgsmapcanvas.h>
+#include <qgsprocessingregistry.h>
 #include <qgsproject.h>
 
 #include <QAction>
@@ -16,6 +18,7 @@
 #include "apps/qgis/desktop_interaction.h"
 #include "apps/qgis/extension_list.h"
 #include "apps/qgis/extensions_window.h"
+#include "apps/qgis/kestrel_provider.h"
 #include "host/extension_folder.h"
 #include "host/raster_analysis.h"
 #include "platform/files.h"
@@ -25,8 +28,21 @@ namespace kestrel::qgis {
 
 namespace {
 
+/// The folder that the extension takes for its own.
+std::string used_extension_folder() {
+    return extension_folder(loaded_library_folder(), user_data_folder());
+}
+
 std::string working_folder() {
-    return platform::join_path(extension_folder(loaded_library_folder(), user_data_folder()), "temp");
+    return platform::join_path(used_extension_folder(), "temp");
+}
+
+/// Kestrel among the providers of Processing, unless it is there already.
+QgsProcessingProvider* add_provider() {
+    auto provider = std::make_unique<KestrelProvider>(used_extension_folder());
+    QgsProcessingProvider* const added = provider.get();
+    // The registry deletes one that it does not take.
+    return QgsApplication::processingRegistry()->addProvider(provider.release()) ? added : nullptr;
 }
 
 }  // namespace
@@ -49,7 +65,16 @@ struct KestrelPlugin::Running {
         extensions.add(platform::kRasterAnalysisExtension, raster_analysis);
         commands = std::make_unique<CommandBar>(iface, kestrel,
                                                 [this](const std::string& failure) { interaction.failure(failure); });
+        provider = add_provider();
     }
+
+    ~Running() {
+        if (provider) {
+            QgsApplication::processingRegistry()->removeProvider(provider);
+        }
+    }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
 
     DesktopInteraction interaction;
     platform::ScopedInteraction scope{interaction};
@@ -58,6 +83,7 @@ struct KestrelPlugin::Running {
     ExtensionList extensions;
     platform::HostedExtension kestrel;
     std::unique_ptr<CommandBar> commands;
+    QPointer<QgsProcessingProvider> provider;
     std::unique_ptr<ExtensionsWindow> extensions_window;
 };
 
@@ -128,4 +154,13 @@ QGISEXTERN int type() {
 }
 QGISEXTERN void unload(QgisPlugin* plugin) {
     delete plugin;
+}
+
+/// Adds Kestrel to Processing where no desktop loads the plugin, as in qgis_process.
+/// \return whether it was added.
+extern "C" Q_DECL_EXPORT bool kestrel_add_processing_provider() try {
+    QgsProcessingRegistry& registry = *QgsApplication::processingRegistry();
+    return registry.providerById("kestrel") == nullptr && kestrel::qgis::add_provider() != nullptr;
+} catch (const std::exception&) {
+    return false;
 }

@@ -9,7 +9,8 @@ from pathlib import Path
 
 import drive
 from drive import check, check_equal, need, tell
-from qgis.core import QgsCoordinateReferenceSystem, QgsFeatureRequest, QgsProject, QgsRasterLayer, QgsVectorLayer
+from qgis.core import (QgsCoordinateReferenceSystem, QgsFeatureRequest, QgsProcessingFeatureSourceDefinition,
+                       QgsProject, QgsRasterLayer, QgsVectorLayer)
 from qgis.PyQt.QtCore import Qt, QTimer
 from qgis.PyQt.QtTest import QTest
 from qgis.PyQt.QtWidgets import (QApplication, QComboBox, QLineEdit, QListWidget, QPlainTextEdit,
@@ -275,6 +276,20 @@ def same_figures_from_every_source():
         check_equal(f"figures from {name}", rows_of(layer_named(f"from_{name}")), expected)
 
 
+def run_the_algorithm():
+    """Processing's own way, with layers of the project."""
+    import processing
+
+    data = drive.WORK / "data"
+    layer_named("sheds").selectByIds(SELECTED)
+    results = processing.run("kestrel:impervioussurface", {
+        "LAND_COVER": layer_named("nlcd2011"), "FIELD": "SHED_ID", "OPTION": 1, "SET": "NLCD legend",
+        "ZONES": QgsProcessingFeatureSourceDefinition(layer_named("sheds").id(), selectedFeaturesOnly=True),
+        "STORE": str(data / "isprops.xml"), "OUTPUT": str(drive.WORK / "results" / "processing.shp")})
+    expected = command_rows("--option", "medium", "--where", f"FID IN ({','.join(map(str, SELECTED))})")
+    check_equal("figures from the algorithm", rows_of(QgsVectorLayer(results["OUTPUT"], "out", "ogr")), expected)
+
+
 def classes_stay_with_the_shapefile():
     project = QgsProject.instance()
     project.removeMapLayer(layer_named("selected"))
@@ -292,6 +307,7 @@ def body():
     switch_off_and_on()
     load_another_project(form)
     same_figures_from_every_source()
+    run_the_algorithm()
     classes_stay_with_the_shapefile()
 
 

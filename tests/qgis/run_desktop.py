@@ -25,6 +25,8 @@ SETTINGS = """[plugins]
 searchPathsForPlugins={plugin}
 [Plugins]
 libkestrel_qgis=true
+[PythonPlugins]
+processing=true
 [app]
 askToSaveMemoryLayers=false
 projections\\unknownCrsBehavior=NoAction
