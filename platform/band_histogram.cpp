@@ -5,7 +5,24 @@
 #include <bit>
 #include <cstring>
 
+#include "platform/cell_runs.h"
+
 namespace kestrel::platform {
+
+namespace {
+
+/// Among 64 cells; with more changes than this the cells are counted one by one.
+constexpr std::uint64_t kManyChanges = 20;
+
+/// The number of bits that are set, without a call where there is no instruction for it.
+std::uint64_t bits_in(std::uint64_t bits) {
+    bits -= bits >> 1 & 0x5555555555555555ULL;
+    bits = (bits & 0x3333333333333333ULL) + (bits >> 2 & 0x3333333333333333ULL);
+    bits = (bits + (bits >> 4)) & 0x0F0F0F0F0F0F0F0FULL;
+    return bits * 0x0101010101010101ULL >> 56;
+}
+
+}  // namespace
 
 BandHistogram::BandHistogram(std::optional<std::uint8_t> nodata) : m_nodata(nodata) {
     m_column_of.fill(kOther);
@@ -23,9 +40,8 @@ std::uint32_t* BandHistogram::slot(std::size_t piece) {
     return m_counts.data() + m_slot_of[piece] * kLanes * kColumns;
 }
 
-void BandHistogram::count(std::size_t piece, const std::uint8_t* cells, std::size_t count, PieceCounter& counter) {
+void BandHistogram::count_each(const std::uint8_t* cells, std::size_t count, std::uint32_t* lanes) const {
     static_assert(std::endian::native == std::endian::little);
-    std::uint32_t* const lanes = slot(piece);
     const std::uint8_t* const column_of = m_column_of.data();
     std::size_t i = 0;
     for (; i + 8 <= count; i += 8) {
@@ -43,6 +59,30 @@ void BandHistogram::count(std::size_t piece, const std::uint8_t* cells, std::siz
     for (; i < count; ++i) {
         ++lanes[column_of[cells[i]]];
     }
+}
+
+void BandHistogram::count(std::size_t piece, const std::uint8_t* cells, std::size_t count, PieceCounter& counter) {
+    std::uint32_t* const lanes = slot(piece);
+    const std::uint8_t* const column_of = m_column_of.data();
+    std::size_t run = 0;  // where the present run begins; it reaches up to the block at least
+    std::size_t block = 0;
+    for (; block + 64 < count; block += 64) {
+        std::uint64_t changes = changes_in_64(cells + block);
+        if (bits_in(changes) > kManyChanges) {
+            lanes[column_of[cells[run]]] += static_cast<std::uint32_t>(block - run);
+            count_each(cells + block, 64, lanes);
+            run = block + 64;
+            continue;
+        }
+        while (changes != 0) {
+            const std::size_t end = block + static_cast<std::size_t>(std::countr_zero(changes)) + 1;
+            lanes[column_of[cells[run]]] += static_cast<std::uint32_t>(end - run);
+            run = end;
+            changes &= changes - 1;
+        }
+    }
+    lanes[column_of[cells[run]]] += static_cast<std::uint32_t>(block - run);
+    count_each(cells + block, count - block, lanes);
     if ((lanes[kOther] | lanes[kColumns + kOther] | lanes[2 * kColumns + kOther] | lanes[3 * kColumns + kOther]) != 0) {
         count_others(piece, cells, count, lanes, counter);
     }

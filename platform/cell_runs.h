@@ -8,7 +8,42 @@
 #include <cstdint>
 #include <cstring>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace kestrel::platform {
+
+/// Which of eight cells differ from the cell behind them, as the lowest eight bits. Reads nine cells.
+inline std::uint64_t changes_in_8(const std::uint8_t* cells) {
+    std::uint64_t here = 0;
+    std::uint64_t behind = 0;
+    std::memcpy(&here, cells, sizeof here);
+    std::memcpy(&behind, cells + 1, sizeof behind);
+    // The highest bit of each byte that is not 0, gathered in the highest byte.
+    constexpr std::uint64_t kLowBits = 0x7F7F7F7F7F7F7F7FULL;
+    const std::uint64_t difference = here ^ behind;
+    const std::uint64_t high_bits = (((difference & kLowBits) + kLowBits) | difference) & ~kLowBits;
+    return (high_bits >> 7) * 0x0102040810204080ULL >> 56;
+}
+
+/// Which of 64 cells differ from the cell behind them: bit i is that of cells[i]. Reads 65 cells.
+inline std::uint64_t changes_in_64(const std::uint8_t* cells) {
+    std::uint64_t changes = 0;
+#if defined(__SSE2__)
+    for (int i = 0; i < 64; i += 16) {
+        const __m128i here = _mm_loadu_si128(reinterpret_cast<const __m128i*>(cells + i));
+        const __m128i behind = _mm_loadu_si128(reinterpret_cast<const __m128i*>(cells + i + 1));
+        const auto equal = static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(here, behind)));
+        changes |= std::uint64_t{equal ^ 0xFFFFU} << i;
+    }
+#else
+    for (int i = 0; i < 64; i += 8) {
+        changes |= changes_in_8(cells + i) << i;
+    }
+#endif
+    return changes;
+}
 
 /// Position of the first cell at or after `begin` that differs from the cell at `begin`; `end` when there is none.
 template <typename Cell>

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
+#include <utility>
 
 #include "platform/errors.h"
 #include "platform/geometry.h"
@@ -19,21 +21,45 @@ double position_tolerance(double lowest, double highest, double origin, double s
     return 32 * std::numeric_limits<double>::epsilon() * magnitude / std::abs(step) + 1e-12;
 }
 
-/// A position as a whole number that fits into an int, whatever the position.
-int clamped(double position, int lowest, int highest) {
+std::vector<int> equal_bands(int rows, int rows_per_band) {
+    std::vector<int> lines;
+    for (int row = 0; row < rows; row += rows_per_band) {
+        lines.push_back(row);
+    }
+    lines.push_back(rows);
+    return lines;
+}
+
+/// The whole number at or below a position, kept within bounds; quicker than a rounding function where there is no
+/// instruction for it.
+int floor_within(double position, int lowest, int highest) {
     if (!(position > lowest)) {
         return lowest;
     }
-    return position < highest ? static_cast<int>(position) : highest;
+    if (position >= highest) {
+        return highest;
+    }
+    const int cut_off = static_cast<int>(position);
+    return cut_off - (cut_off > position ? 1 : 0);
+}
+
+/// The whole number at or above a position, kept within bounds.
+int ceil_within(double position, int lowest, int highest) {
+    return -floor_within(-position, -highest, -lowest);
 }
 
 }  // namespace
 
 EdgeSweep::EdgeSweep(const PolygonSet& polygons, const Grid& grid, int rows_per_band)
-    : m_polygons(polygons), m_grid(grid), m_rows_per_band(rows_per_band) {
+    : EdgeSweep(polygons, grid, equal_bands(grid.rows, rows_per_band)) {}
+
+EdgeSweep::EdgeSweep(const PolygonSet& polygons, const Grid& grid, std::vector<int> band_lines)
+    : m_polygons(polygons), m_grid(grid), m_band_lines(std::move(band_lines)) {
     if (polygons.point_count() > std::numeric_limits<std::uint32_t>::max()) {
         throw RuntimeError(kOutOfMemory, "The polygons have more than 4,294,967,295 vertices: split the layer");
     }
+    m_rows_per_unit = 1 / grid.dy;
+    m_columns_per_unit = 1 / grid.dx;
     const Envelope box = polygons.envelope();
     const Envelope extent = grid.extent();
     m_row_tolerance =
@@ -42,10 +68,13 @@ EdgeSweep::EdgeSweep(const PolygonSet& polygons, const Grid& grid, int rows_per_
         position_tolerance(std::min(box.min_x, extent.min_x), std::max(box.max_x, extent.max_x), grid.x0, grid.dx);
 
     // A counting sort by band; within a band the edges stay in the order of the features.
-    const int bands = (grid.rows + rows_per_band - 1) / rows_per_band;
-    m_band_begin.assign(index(bands) + 1, 0);
+    const std::size_t bands = m_band_lines.size() - 1;
+    for (std::size_t band = 0; band < bands; ++band) {
+        m_band_of_row.resize(index(m_band_lines[band + 1]), static_cast<int>(band));
+    }
+    m_band_begin.assign(bands + 1, 0);
     for_each_edge([&](const Edge&, CellRange rows) {
-        for (int band = rows.first / rows_per_band; band <= rows.last / rows_per_band; ++band) {
+        for (int band = band_of(rows.first); band <= band_of(rows.last); ++band) {
             ++m_band_begin[index(band) + 1];
         }
     });
@@ -55,7 +84,7 @@ EdgeSweep::EdgeSweep(const PolygonSet& polygons, const Grid& grid, int rows_per_
     m_edges.resize(m_band_begin.back());
     std::vector<std::size_t> next(m_band_begin.begin(), m_band_begin.end() - 1);
     for_each_edge([&](const Edge& edge, CellRange rows) {
-        for (int band = rows.first / rows_per_band; band <= rows.last / rows_per_band; ++band) {
+        for (int band = band_of(rows.first); band <= band_of(rows.last); ++band) {
             m_edges[next[index(band)]++] = edge;
         }
     });
@@ -81,18 +110,14 @@ void EdgeSweep::for_each_edge(Take take) const {
 
 /// The rows whose closed strip the edge may meet: never too few, rarely one too many.
 EdgeSweep::CellRange EdgeSweep::rows_touched(Point a, Point b) const noexcept {
-    const double from = (a.y - m_grid.y0) / m_grid.dy;
-    const double to = (b.y - m_grid.y0) / m_grid.dy;
-    const double lowest = std::floor(std::min(from, to) - m_row_tolerance);
-    const double highest = std::floor(std::max(from, to) + m_row_tolerance);
+    const double from = (a.y - m_grid.y0) * m_rows_per_unit;
+    const double to = (b.y - m_grid.y0) * m_rows_per_unit;
+    const double lowest = std::min(from, to) - m_row_tolerance;
+    const double highest = std::max(from, to) + m_row_tolerance;
     if (!(highest >= 0) || !(lowest < m_grid.rows)) {
         return {};
     }
-    return {clamped(lowest, 0, m_grid.rows - 1), clamped(highest, 0, m_grid.rows - 1)};
-}
-
-int EdgeSweep::row_count(int band) const noexcept {
-    return std::min(m_rows_per_band, m_grid.rows - first_row(band));
+    return {floor_within(lowest, 0, m_grid.rows - 1), floor_within(highest, 0, m_grid.rows - 1)};
 }
 
 EdgeSweep::UpwardEdge EdgeSweep::upward(const Edge& edge) const noexcept {
@@ -114,23 +139,33 @@ void EdgeSweep::spans(int band, Scratch& scratch, std::vector<std::vector<RowSpa
     }
     rows.resize(count);
     for (std::size_t r = 0; r < count; ++r) {
-        auto& crossings = scratch.rows[r];
-        rows[r].clear();
-        for (std::size_t i = 0; i < crossings.size();) {
-            std::size_t end = i + 1;
-            while (end < crossings.size() && crossings[end].feature == crossings[i].feature) {
-                ++end;
+        pair_crossings(scratch.rows[r], rows[r]);
+    }
+}
+
+/// The spans between the crossings of each feature, of which there are two as a rule.
+void EdgeSweep::pair_crossings(std::vector<Scratch::Crossing>& crossings, std::vector<RowSpan>& row) const {
+    row.clear();
+    for (std::size_t i = 0; i < crossings.size();) {
+        std::size_t end = i + 1;
+        while (end < crossings.size() && crossings[end].feature == crossings[i].feature) {
+            ++end;
+        }
+        if (end - i == 2) {
+            if (crossings[i].column > crossings[i + 1].column) {
+                std::swap(crossings[i], crossings[i + 1]);
             }
+        } else {
             std::sort(crossings.begin() + static_cast<std::ptrdiff_t>(i),
                       crossings.begin() + static_cast<std::ptrdiff_t>(end),
                       [](const auto& a, const auto& b) { return a.column < b.column; });
-            for (; i + 1 < end; i += 2) {
-                if (crossings[i].column < crossings[i + 1].column) {
-                    rows[r].push_back({crossings[i].column, crossings[i + 1].column, crossings[i].feature});
-                }
-            }
-            i = end;
         }
+        for (; i + 1 < end; i += 2) {
+            if (crossings[i].column < crossings[i + 1].column) {
+                row.push_back({crossings[i].column, crossings[i + 1].column, crossings[i].feature});
+            }
+        }
+        i = end;
     }
 }
 
@@ -138,43 +173,83 @@ void EdgeSweep::spans(int band, Scratch& scratch, std::vector<std::vector<RowSpa
 /// as crossed, one through the upper end does not, so every ring crosses every line an even number of times.
 void EdgeSweep::add_crossings(const Edge& edge, int band, Scratch& scratch) const {
     const UpwardEdge e = upward(edge);
-    const double at_low = (e.low.y - m_grid.y0) / m_grid.dy - 0.5;
-    const double at_high = (e.high.y - m_grid.y0) / m_grid.dy - 0.5;
+    const double at_low = (e.low.y - m_grid.y0) * m_rows_per_unit - 0.5;
+    const double at_high = (e.high.y - m_grid.y0) * m_rows_per_unit - 0.5;
     const int band_first = first_row(band);
     const int band_last = band_first + row_count(band) - 1;
-    const int first = clamped(std::ceil(std::min(at_low, at_high) - m_row_tolerance), band_first, band_last + 1);
-    const int last = clamped(std::floor(std::max(at_low, at_high) + m_row_tolerance), band_first - 1, band_last);
+    const int first = ceil_within(std::min(at_low, at_high) - m_row_tolerance, band_first, band_last + 1);
+    const int last = floor_within(std::max(at_low, at_high) + m_row_tolerance, band_first - 1, band_last);
+    if (first > last) {
+        return;
+    }
+    const double slope = e.low.y < e.high.y ? (e.high.x - e.low.x) / (e.high.y - e.low.y) : 0;
     for (int row = first; row <= last; ++row) {
         const double y = m_grid.centre_y(row);
         if (e.low.y <= y && y < e.high.y) {
-            scratch.rows[index(row - band_first)].push_back({edge.feature, column_of_crossing(e, y)});
+            scratch.rows[index(row - band_first)].push_back({edge.feature, column_of_crossing(e, slope, y)});
         }
     }
 }
 
 /// The first column whose centre is not west of where the edge crosses the line at `y`; the number of columns when
 /// there is none.
-int EdgeSweep::column_of_crossing(const UpwardEdge& edge, double y) const {
-    const double slope = (edge.high.x - edge.low.x) / (edge.high.y - edge.low.y);
+int EdgeSweep::column_of_crossing(const UpwardEdge& edge, double slope, double y) const {
     const double x = edge.low.x + (y - edge.low.y) * slope;
-    const double position = (x - m_grid.x0) / m_grid.dx - 0.5;
-    const double nearest = std::nearbyint(position);
-    if (std::abs(position - nearest) > m_column_tolerance || nearest < 0 || nearest >= m_grid.columns) {
-        return clamped(std::ceil(position), 0, m_grid.columns);
+    const double position = (x - m_grid.x0) * m_columns_per_unit - 0.5;
+    const int column = ceil_within(position, 0, m_grid.columns);
+    const double beyond = column - position;  // from 0 to 1, but where the bounds have moved the column
+    if (beyond > m_column_tolerance && beyond < 1 - m_column_tolerance) {
+        return column;
     }
-    const int column = static_cast<int>(nearest);
-    const bool centre_is_west = orientation(edge.low, edge.high, {m_grid.centre_x(column), y}) > 0;
-    return centre_is_west ? column + 1 : column;
+    const int nearest = beyond < 0.5 ? column : column - 1;
+    if (std::abs(nearest - position) > m_column_tolerance || nearest < 0 || nearest >= m_grid.columns) {
+        return column;
+    }
+    const bool centre_is_west = orientation(edge.low, edge.high, {m_grid.centre_x(nearest), y}) > 0;
+    return centre_is_west ? nearest + 1 : nearest;
 }
+
+namespace {
+
+/// Which columns of a band hold NODATA in some row, in groups of 64 columns.
+class NodataColumns {
+  public:
+    NodataColumns(const NodataRuns& nodata, int columns) : m_before(static_cast<std::size_t>(columns) / kGroup + 2, 0) {
+        for (const auto& row : nodata) {
+            for (const RowSpan& run : row) {
+                for (std::int32_t group = run.begin / kGroup; group <= (run.end - 1) / kGroup; ++group) {
+                    m_before[static_cast<std::size_t>(group) + 1] = 1;
+                }
+            }
+        }
+        std::partial_sum(m_before.begin(), m_before.end(), m_before.begin());
+    }
+
+    bool any(int first, int last) const {
+        return first <= last && m_before[static_cast<std::size_t>(last) / kGroup + 1] >
+                                    m_before[static_cast<std::size_t>(first) / kGroup];
+    }
+
+  private:
+    static constexpr int kGroup = 64;
+    std::vector<std::uint32_t> m_before;  // groups with NODATA before each group
+};
+
+}  // namespace
 
 void EdgeSweep::mark_touching(int band, const NodataRuns& nodata, std::vector<std::uint8_t>& touched) const {
     const int band_first = first_row(band);
     const int band_last = band_first + row_count(band) - 1;
+    const NodataColumns near(nodata, m_grid.columns);
     for (std::size_t i = m_band_begin[index(band)]; i < m_band_begin[index(band) + 1]; ++i) {
         if (touched[m_edges[i].feature] != 0) {
             continue;
         }
         const UpwardEdge edge = upward(m_edges[i]);
+        const CellRange columns = columns_touched(std::min(edge.low.x, edge.high.x), std::max(edge.low.x, edge.high.x));
+        if (!near.any(std::min(columns.first, m_grid.columns - 1), columns.last)) {
+            continue;  // most edges are far from NODATA
+        }
         const CellRange rows = rows_touched(edge.low, edge.high);
         for (int row = std::max(rows.first, band_first); row <= std::min(rows.last, band_last); ++row) {
             if (touches(edge, row, nodata[index(row - band_first)])) {
@@ -188,9 +263,9 @@ void EdgeSweep::mark_touching(int band, const NodataRuns& nodata, std::vector<st
 /// The columns whose closed strips may hold a point between `west` and `east`. A point on a grid line touches the cells
 /// on both sides of it.
 EdgeSweep::CellRange EdgeSweep::columns_touched(double west, double east) const noexcept {
-    const double first = std::floor((west - m_grid.x0) / m_grid.dx - m_column_tolerance) - 1;
-    const double last = std::floor((east - m_grid.x0) / m_grid.dx + m_column_tolerance);
-    return {clamped(first, 0, m_grid.columns), clamped(last, -1, m_grid.columns - 1)};
+    const double first = (west - m_grid.x0) * m_columns_per_unit - m_column_tolerance;
+    const double last = (east - m_grid.x0) * m_columns_per_unit + m_column_tolerance;
+    return {floor_within(first - 1, 0, m_grid.columns), floor_within(last, -1, m_grid.columns - 1)};
 }
 
 bool EdgeSweep::touches(const UpwardEdge& edge, int row, const std::vector<RowSpan>& nodata) const {
@@ -200,7 +275,7 @@ bool EdgeSweep::touches(const UpwardEdge& edge, int row, const std::vector<RowSp
     auto run =
         std::partition_point(nodata.begin(), nodata.end(), [&](const RowSpan& span) { return span.end <= near.first; });
     if (run == nodata.end() || run->begin > near.last) {
-        return false;  // most edges are far from NODATA
+        return false;
     }
     // Where the edge runs within the row, generously; each NODATA cell there is then decided by itself.
     const double south = std::min(m_grid.line_y(row), m_grid.line_y(row + 1));

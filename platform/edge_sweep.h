@@ -23,14 +23,17 @@ using NodataRuns = std::vector<std::vector<RowSpan>>;
 class EdgeSweep {
   public:
     /// \param polygons in the grid's coordinate system; rings may run either way.
+    /// \param band_lines rows at which bands begin, ascending from 0, and the grid's number of rows.
+    EdgeSweep(const PolygonSet& polygons, const Grid& grid, std::vector<int> band_lines);
+    /// Bands of equal height; the last may be lower.
     EdgeSweep(const PolygonSet& polygons, const Grid& grid, int rows_per_band);
 
     int band_count() const noexcept { return static_cast<int>(m_band_begin.size()) - 1; }
     /// Whether no edge reaches the band; then no polygon has a cell in it.
     bool empty(int band) const noexcept { return m_band_begin[index(band)] == m_band_begin[index(band) + 1]; }
-    /// First row of the band, and how many there are; the last band may be lower.
-    int first_row(int band) const noexcept { return band * m_rows_per_band; }
-    int row_count(int band) const noexcept;
+    /// First row of the band, and how many there are.
+    int first_row(int band) const noexcept { return m_band_lines[index(band)]; }
+    int row_count(int band) const noexcept { return m_band_lines[index(band) + 1] - m_band_lines[index(band)]; }
 
     /// Room that spans() works in; one for each thread, kept from band to band.
     struct Scratch {
@@ -72,12 +75,17 @@ class EdgeSweep {
     CellRange rows_touched(Point a, Point b) const noexcept;
     CellRange columns_touched(double west, double east) const noexcept;
     void add_crossings(const Edge& edge, int band, Scratch& scratch) const;
-    int column_of_crossing(const UpwardEdge& edge, double y) const;
+    int column_of_crossing(const UpwardEdge& edge, double slope, double y) const;
+    void pair_crossings(std::vector<Scratch::Crossing>& crossings, std::vector<RowSpan>& row) const;
+    int band_of(int row) const noexcept { return m_band_of_row[index(row)]; }
     bool touches(const UpwardEdge& edge, int row, const std::vector<RowSpan>& nodata) const;
 
     const PolygonSet& m_polygons;
     Grid m_grid;
-    int m_rows_per_band;
+    std::vector<int> m_band_lines;
+    std::vector<int> m_band_of_row;
+    double m_rows_per_unit = 1;
+    double m_columns_per_unit = 1;
     /// How far from a whole number a computed row or column position has to be to be trusted.
     double m_row_tolerance = 0;
     double m_column_tolerance = 0;

@@ -21,15 +21,24 @@ std::size_t PieceCounter::PieceHash::operator()(const Piece& piece) const noexce
     return static_cast<std::size_t>(mixed ^ (mixed >> 32));
 }
 
-std::size_t PieceCounter::piece(std::uint32_t zone, std::uint32_t overlay, std::uint32_t scenario_set) {
+std::size_t PieceCounter::add_piece(const Piece& piece) {
+    m_pieces.push_back(piece);
+    m_slots.push_back({m_pool.size(), kFirstSlots - 1, 0});
+    m_pool.resize(m_pool.size() + kFirstSlots);
+    return m_pieces.size() - 1;
+}
+
+std::size_t PieceCounter::find_or_add(std::uint32_t zone, std::uint32_t overlay, std::uint32_t scenario_set) {
     const Piece wanted{zone, overlay, scenario_set};
-    const auto [found, added] = m_positions.try_emplace(wanted, m_pieces.size());
-    if (added) {
-        m_pieces.push_back(wanted);
-        m_slots.push_back({m_pool.size(), kFirstSlots - 1, 0});
-        m_pool.resize(m_pool.size() + kFirstSlots);
+    if (overlay == kNoOverlay && scenario_set == 0) {
+        if (zone >= m_plain.size()) {
+            m_plain.resize(std::size_t{zone} + zone / 2 + 1, kNoPiece);
+        }
+        m_plain[zone] = static_cast<std::uint32_t>(add_piece(wanted));
+        return m_plain[zone];
     }
-    return found->second;
+    const auto [found, added] = m_positions.try_emplace(wanted, m_pieces.size());
+    return added ? add_piece(wanted) : found->second;
 }
 
 std::size_t PieceCounter::free_slot(const Slots& slots, std::int64_t land_class) const noexcept {

@@ -30,7 +30,13 @@ class ScenarioSets {
 class PieceCounter {
   public:
     /// Position of the piece, made when it is new. Stays valid.
-    std::size_t piece(std::uint32_t zone, std::uint32_t overlay, std::uint32_t scenario_set);
+    std::size_t piece(std::uint32_t zone, std::uint32_t overlay, std::uint32_t scenario_set) {
+        const bool plain = overlay == kNoOverlay && scenario_set == 0;
+        if (plain && zone < m_plain.size() && m_plain[zone] != kNoPiece) {
+            return m_plain[zone];
+        }
+        return find_or_add(zone, overlay, scenario_set);
+    }
 
     /// Adds `cells` cells of a class (or of kNodata) to a piece.
     void add(std::size_t piece, std::int64_t land_class, std::uint64_t cells) {
@@ -80,6 +86,8 @@ class PieceCounter {
         const std::uint64_t mixed = static_cast<std::uint64_t>(land_class) * 0x9E3779B97F4A7C15ULL;
         return static_cast<std::size_t>(mixed >> 32);
     }
+    std::size_t find_or_add(std::uint32_t zone, std::uint32_t overlay, std::uint32_t scenario_set);
+    std::size_t add_piece(const Piece& piece);
     void insert(std::size_t piece, std::int64_t land_class, std::uint64_t cells);
     void grow(std::size_t piece);
     std::size_t free_slot(const Slots& slots, std::int64_t land_class) const noexcept;
@@ -87,6 +95,9 @@ class PieceCounter {
     std::vector<Piece> m_pieces;
     std::vector<Slots> m_slots;
     std::vector<Slot> m_pool;
+    /// Pieces without overlay and scenarios, by zone; the others by what they are.
+    static constexpr std::uint32_t kNoPiece = UINT32_MAX;
+    std::vector<std::uint32_t> m_plain;
     std::unordered_map<Piece, std::size_t, PieceHash> m_positions;
 };
 

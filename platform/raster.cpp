@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/raster.h"
 
+#include <cpl_string.h>
 #include <fmt/format.h>
 #include <gdal_priv.h>
 
@@ -10,18 +11,16 @@
 #include <cmath>
 #include <filesystem>
 #include <span>
+#include <string_view>
 
 #include "platform/conversions.h"
 #include "platform/errors.h"
 #include "platform/gdal_support.h"
+#include "platform/tile_lines.h"
 
 namespace kestrel::platform {
 
 namespace {
-
-/// Bands of thin strips are read this many rows at a time.
-constexpr int kThinStripRows = 256;
-constexpr int kThickBlockRows = 64;
 
 struct CloseDataset {
     void operator()(GDALDataset* dataset) const { GDALClose(dataset); }
@@ -62,6 +61,19 @@ SpatialReference reference_of(GDALDataset& dataset) {
     const std::string wkt = exported ? text : "";
     CPLFree(text);
     return wkt.empty() ? SpatialReference() : SpatialReference::from(wkt);
+}
+
+/// The blocks of the first raster that a mosaic is put together from; of no size when it cannot be opened.
+BlockSize blocks_of_first_source(GDALDataset& mosaic) {
+    const CPLStringList files(mosaic.GetFileList());
+    BlockSize size;
+    if (files.size() > 1) {
+        const DatasetPointer source(GDALDataset::Open(files[1], GDAL_OF_RASTER));
+        if (source && source->GetRasterCount() > 0) {
+            source->GetRasterBand(1)->GetBlockSize(&size.columns, &size.rows);
+        }
+    }
+    return size;
 }
 
 /// Whether the first band's stored type holds nothing but possible class codes.
@@ -112,10 +124,18 @@ struct RasterDataset::Source {
     std::optional<std::int32_t> nodata_code;
     bool masked = false;
     bool has_signed_bytes = false;
-    int band_rows = 0;
+    TileLines lines;
+    int block_columns = 0;
+    int block_rows = 0;
+    /// Whether whole blocks of bytes come straight from the file, past the library's cache.
+    bool direct = false;
 
+    void open_band();
     void inspect_band();
-    void choose_band_rows();
+    void lay_out_tiles();
+    bool one_block(const CellWindow& window) const;
+    void read_bytes(const CellWindow& window, CellBuffer& buffer) const;
+    void check_read(CPLErr error, const CellWindow& window) const;
     template <typename Cell>
     void read(const CellWindow& window, GDALDataType type, std::vector<Cell>& cells) const;
     void read_wide(const CellWindow& window, std::vector<std::int64_t>& cells) const;
@@ -150,37 +170,70 @@ void RasterDataset::Source::inspect_band() {
     }
 }
 
-void RasterDataset::Source::choose_band_rows() {
-    int block_columns = 0;
-    int block_rows = 0;
+void RasterDataset::Source::lay_out_tiles() {
     band->GetBlockSize(&block_columns, &block_rows);
-    const int rows =
-        block_rows >= kThickBlockRows ? block_rows : (kThinStripRows + block_rows - 1) / block_rows * block_rows;
-    band_rows = std::min(rows, grid.rows);
+    const GDALDriver* const driver = dataset->GetDriver();
+    const std::string_view format = driver != nullptr ? driver->GetDescription() : "";
+    direct = format == "GTiff" && cell_type == CellType::byte;
+    if (format == "VRT") {
+        char** const xml = dataset->GetMetadata("xml:VRT");
+        if (xml != nullptr && *xml != nullptr) {
+            lines = mosaic_lines(*xml, grid.columns, grid.rows, blocks_of_first_source(*dataset));
+        }
+    }
+    if (lines.rows.empty()) {
+        lines = block_lines(block_columns, block_rows, grid.columns, grid.rows);
+    }
+    if (!holds_only_codes(band->GetRasterDataType())) {
+        lines.columns = {0, grid.columns};  // so that the first cell that is no code is the first in its band
+    }
+}
+
+/// Opens the file and its first band; everything else is known.
+void RasterDataset::Source::open_band() {
+    start_gdal();
+    CPLErrorReset();
+    dataset.reset(GDALDataset::Open(name.c_str(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR));
+    if (!dataset) {
+        std::error_code error;
+        if (!std::filesystem::exists(name, error)) {
+            throw RuntimeError(kFileNotFound, fmt::format("There is no raster \"{}\"", name));
+        }
+        throw gdal_error(fmt::format("The raster \"{}\" cannot be opened", name));
+    }
+    if (dataset->GetRasterCount() == 0) {
+        throw RuntimeError(kInvalidProcedureCall,
+                           fmt::format("\"{}\" holds no band of cells: name one of its rasters", name));
+    }
+    band = dataset->GetRasterBand(1);
 }
 
 RasterDataset RasterDataset::open(const std::string& source) {
-    start_gdal();
     auto made = std::make_shared<Source>();
     made->name = source;
-    CPLErrorReset();
-    made->dataset.reset(GDALDataset::Open(source.c_str(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR));
-    if (!made->dataset) {
-        std::error_code error;
-        if (!std::filesystem::exists(source, error)) {
-            throw RuntimeError(kFileNotFound, fmt::format("There is no raster \"{}\"", source));
-        }
-        throw gdal_error(fmt::format("The raster \"{}\" cannot be opened", source));
-    }
-    if (made->dataset->GetRasterCount() == 0) {
-        throw RuntimeError(kInvalidProcedureCall,
-                           fmt::format("\"{}\" holds no band of cells: name one of its rasters", source));
-    }
-    made->band = made->dataset->GetRasterBand(1);
+    made->open_band();
     made->grid = grid_of(*made->dataset, source);
     made->reference = reference_of(*made->dataset);
     made->inspect_band();
-    made->choose_band_rows();
+    made->lay_out_tiles();
+    return RasterDataset(std::move(made));
+}
+
+RasterDataset RasterDataset::reopened() const {
+    auto made = std::make_shared<Source>();
+    made->name = m_source->name;
+    made->open_band();
+    made->grid = m_source->grid;
+    made->reference = m_source->reference;
+    made->cell_type = m_source->cell_type;
+    made->nodata = m_source->nodata;
+    made->nodata_code = m_source->nodata_code;
+    made->masked = m_source->masked;
+    made->has_signed_bytes = m_source->has_signed_bytes;
+    made->lines = m_source->lines;
+    made->block_columns = m_source->block_columns;
+    made->block_rows = m_source->block_rows;
+    made->direct = m_source->direct;
     return RasterDataset(std::move(made));
 }
 
@@ -205,8 +258,8 @@ std::optional<std::int32_t> RasterDataset::nodata_value() const noexcept {
 bool RasterDataset::declares_nodata() const noexcept {
     return m_source->masked || m_source->nodata.has_value();
 }
-int RasterDataset::rows_per_band() const noexcept {
-    return m_source->band_rows;
+const TileLines& RasterDataset::tile_lines() const noexcept {
+    return m_source->lines;
 }
 
 int RasterDataset::data_band_count() const noexcept {
@@ -218,9 +271,10 @@ int RasterDataset::data_band_count() const noexcept {
 }
 
 void RasterDataset::read(const CellWindow& window, CellBuffer& buffer) const {
+    buffer.stride = static_cast<std::size_t>(window.columns);
     switch (m_source->cell_type) {
         case CellType::byte:
-            m_source->read(window, GDT_Byte, buffer.bytes);
+            m_source->read_bytes(window, buffer);
             return;
         case CellType::int32:
             m_source->read(window, GDT_Int32, buffer.integers);
@@ -236,17 +290,41 @@ void RasterDataset::read(const CellWindow& window, CellBuffer& buffer) const {
     }
 }
 
-template <typename Cell>
-void RasterDataset::Source::read(const CellWindow& window, GDALDataType type, std::vector<Cell>& cells) const {
-    cells.resize(static_cast<std::size_t>(window.columns) * static_cast<std::size_t>(window.rows));
+/// Whether the window is what one block holds of the raster.
+bool RasterDataset::Source::one_block(const CellWindow& window) const {
+    return window.first_column % block_columns == 0 && window.first_row % block_rows == 0 &&
+           window.columns == std::min(block_columns, grid.columns - window.first_column) &&
+           window.rows == std::min(block_rows, grid.rows - window.first_row);
+}
+
+void RasterDataset::Source::read_bytes(const CellWindow& window, CellBuffer& buffer) const {
+    if (!direct || !one_block(window)) {
+        read(window, GDT_Byte, buffer.bytes);
+        return;
+    }
+    buffer.stride = static_cast<std::size_t>(block_columns);
+    buffer.bytes.resize(buffer.stride * static_cast<std::size_t>(block_rows));
     CPLErrorReset();
-    if (band->RasterIO(GF_Read, window.first_column, window.first_row, window.columns, window.rows, cells.data(),
-                       window.columns, window.rows, type, 0, 0, nullptr) != CE_None) {
+    check_read(band->ReadBlock(window.first_column / block_columns, window.first_row / block_rows, buffer.bytes.data()),
+               window);
+}
+
+void RasterDataset::Source::check_read(CPLErr error, const CellWindow& window) const {
+    if (error != CE_None) {
         throw RuntimeError(kDeviceInputOutputError,
                            gdal_error(fmt::format("The raster \"{}\" cannot be read at rows {} to {}", name,
                                                   window.first_row + 1, window.first_row + window.rows))
                                .description());
     }
+}
+
+template <typename Cell>
+void RasterDataset::Source::read(const CellWindow& window, GDALDataType type, std::vector<Cell>& cells) const {
+    cells.resize(static_cast<std::size_t>(window.columns) * static_cast<std::size_t>(window.rows));
+    CPLErrorReset();
+    check_read(band->RasterIO(GF_Read, window.first_column, window.first_row, window.columns, window.rows, cells.data(),
+                              window.columns, window.rows, type, 0, 0, nullptr),
+               window);
 }
 
 void RasterDataset::Source::read_wide(const CellWindow& window, std::vector<std::int64_t>& cells) const {

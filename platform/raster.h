@@ -62,6 +62,18 @@ struct CellBuffer {
     std::vector<std::uint8_t> bytes;
     std::vector<std::int32_t> integers;
     std::vector<std::int64_t> wide;
+    /// From one row to the next; at least the window's columns.
+    std::size_t stride = 0;
+};
+
+/// Where a raster is best cut in order to read every stored block once: ascending, from 0 to the raster's size.
+struct TileLines {
+    /// Rows at which bands of rows begin, and the number of rows.
+    std::vector<int> rows;
+    /// Columns at which tiles begin, and the number of columns.
+    std::vector<int> columns;
+    /// Rows of a tile that are cheap to read together; a band's height or less.
+    int rows_at_once = 0;
 };
 
 /// What a NODATA cell holds in a buffer of wide cells.
@@ -74,6 +86,8 @@ class RasterDataset {
     /// \throws RuntimeError 53 when the file is missing, library failure when it cannot be opened, 5 when it is
     ///         rotated, has no position, no band, or complex values; its text tells what is wrong and what to do.
     static RasterDataset open(const std::string& source);
+    /// A handle of its own on the same raster, for another thread. \throws RuntimeError as open() does.
+    RasterDataset reopened() const;
 
     const std::string& source() const noexcept;
     const Grid& grid() const noexcept;
@@ -85,12 +99,13 @@ class RasterDataset {
     std::optional<std::int32_t> nodata_value() const noexcept;
     /// Whether the raster declares NODATA in any way: a value, a mask or an alpha band.
     bool declares_nodata() const noexcept;
-    /// Rows that are cheap to read together: a block's height, or more where blocks are thin.
-    int rows_per_band() const noexcept;
+    /// The lines between stored blocks, or groups of them where they are small. Tiles of cells that need checking are
+    /// as wide as the raster.
+    const TileLines& tile_lines() const noexcept;
     /// Bands that hold data, without an alpha band; more than one draws a notice.
     int data_band_count() const noexcept;
 
-    /// Reads a window that lies inside the raster.
+    /// Reads a window that lies inside the raster; quickest where it is a tile.
     /// \throws RuntimeError 57 when it cannot be read, 5 when a value is no class code (fractional, or beyond a signed
     ///         32-bit integer); the description names the first such value with its row and column, counted from 1.
     void read(const CellWindow& window, CellBuffer& buffer) const;

@@ -51,5 +51,25 @@ TEST(CellRuns, RunsOfWideCellsAreWholeAndNeverPassTheEnd) {
     compare_with_counting<std::int64_t>(3);
 }
 
+TEST(CellRuns, ChangesAreFoundManyAtATime) {
+    std::mt19937 random(8);
+    for (int i = 0; i < 2000; ++i) {
+        std::vector<std::uint8_t> cells;
+        const int one_in = 1 + i % 20;
+        while (cells.size() < 65) {
+            const bool changes = cells.empty() || random() % static_cast<unsigned>(one_in) == 0;
+            cells.push_back(changes ? static_cast<std::uint8_t>(random() >> 8) : cells.back());
+        }
+        std::uint64_t expected = 0;
+        for (std::size_t at = 0; at < 64; ++at) {
+            expected |= std::uint64_t{cells[at] != cells[at + 1]} << at;
+        }
+        EXPECT_EQ(changes_in_64(cells.data()), expected);
+        for (int at = 0; at < 57; ++at) {
+            EXPECT_EQ(changes_in_8(cells.data() + at), expected >> at & 255);
+        }
+    }
+}
+
 }  // namespace
 }  // namespace kestrel::platform

@@ -144,11 +144,13 @@ TEST_F(Raster, ThinStripsAreReadManyRowsAtATime) {
     RasterFile file{.grid = {.x0 = 0, .y0 = 0, .dx = 1, .dy = -1, .columns = 2, .rows = 1000},
                     .cells = std::vector<double>(2000, 1),
                     .options = {"BLOCKYSIZE=1"}};
-    EXPECT_EQ(opened(file).rows_per_band(), 256);
+    const std::vector<int> of_256{0, 256, 512, 768, 1000};
+    EXPECT_EQ(opened(file).tile_lines().rows, of_256);
     file.options = {"BLOCKYSIZE=3"};
-    EXPECT_EQ(opened(file).rows_per_band() % 3, 0);
+    EXPECT_EQ(opened(file).tile_lines().rows[1] % 3, 0);
     file.options = {"BLOCKYSIZE=128"};
-    EXPECT_EQ(opened(file).rows_per_band(), 128);
+    EXPECT_EQ(opened(file).tile_lines().rows[1], 128);
+    EXPECT_EQ(opened(file).tile_lines().columns, (std::vector<int>{0, 2}));
 }
 
 TEST_F(Raster, AMissingFileIsSaidToBeMissing) {

@@ -9,6 +9,7 @@
 #include <tuple>
 
 #include "platform/errors.h"
+#include "platform/files.h"
 #include "tests/support/exact_reference.h"
 #include "tests/support/raster_files.h"
 #include "tests/support/test_files.h"
@@ -200,6 +201,79 @@ TEST_F(ZonalTabulation, TheStoredTypeTheBlocksAndTheThreadsDoNotShow) {
             EXPECT_EQ(counts.scenario_sets, plain.scenario_sets) << variant.type;
             EXPECT_EQ(counts.touches_nodata, plain.touches_nodata) << variant.type;
         }
+    }
+}
+
+/// A mosaic of two rows and three columns of sources, cut out of the raster, the blocks of which do not line up.
+std::string write_mosaic(const test::TemporaryFolder& folder, const RasterFile& raster) {
+    const Grid& grid = raster.grid;
+    std::string sources;
+    const int columns[] = {0, 70, 171, grid.columns};
+    const int rows[] = {0, 81, grid.rows};
+    for (int r = 0; r < 2; ++r) {
+        for (int c = 0; c < 3; ++c) {
+            RasterFile part{.grid = grid, .cells = {}, .options = {"TILED=YES", "BLOCKXSIZE=64", "BLOCKYSIZE=64"}};
+            part.grid.columns = columns[c + 1] - columns[c];
+            part.grid.rows = rows[r + 1] - rows[r];
+            for (int y = rows[r]; y < rows[r + 1]; ++y) {
+                const auto line = raster.cells.begin() + y * grid.columns;
+                part.cells.insert(part.cells.end(), line + columns[c], line + columns[c + 1]);
+            }
+            const std::string name = "part" + std::to_string(r) + std::to_string(c) + ".tif";
+            test::write_raster(folder / name, part);
+            const std::string size = " xSize=\"" + std::to_string(part.grid.columns) + "\" ySize=\"" +
+                                     std::to_string(part.grid.rows) + "\"/>";
+            sources += "<SimpleSource><SourceFilename relativeToVRT=\"1\">" + name +
+                       "</SourceFilename><SourceBand>1</SourceBand><SourceProperties BlockXSize=\"64\" "
+                       "BlockYSize=\"64\" DataType=\"Byte\" RasterXSize=\"" +
+                       std::to_string(part.grid.columns) + "\" RasterYSize=\"" + std::to_string(part.grid.rows) +
+                       "\"/><SrcRect xOff=\"0\" yOff=\"0\"" + size + "<DstRect xOff=\"" + std::to_string(columns[c]) +
+                       "\" yOff=\"" + std::to_string(rows[r]) + "\"" + size + "</SimpleSource>";
+        }
+    }
+    write_file(folder / "mosaic.vrt", "<VRTDataset rasterXSize=\"" + std::to_string(grid.columns) +
+                                          "\" rasterYSize=\"" + std::to_string(grid.rows) +
+                                          "\"><GeoTransform>500, 1.5, 0, 250, 0, -1.25</GeoTransform>" +
+                                          "<VRTRasterBand dataType=\"Byte\" band=\"1\"><NoDataValue>99</NoDataValue>" +
+                                          sources + "</VRTRasterBand></VRTDataset>");
+    return folder / "mosaic.vrt";
+}
+
+TEST_F(ZonalTabulation, TilesBlocksAndMosaicsDoNotShow) {
+    std::mt19937 random(21);
+    for (int number = 0; number < 6; ++number) {
+        Scene scene;
+        scene.raster.grid = {.x0 = 500, .y0 = 250, .dx = 1.5, .dy = -1.25, .columns = 230, .rows = 150};
+        scene.raster.cells = land_cover(random, scene.raster.grid);
+        scene.raster.nodata = kNodata;
+        scene.zones = number % 2 == 0 ? test::coverage(random, scene.raster.grid, 1 + number, 3)
+                                      : test::awkward_polygons(random, scene.raster.grid, 12);
+        scene.scenarios.push_back(test::awkward_polygons(random, scene.raster.grid, 3));
+        Counts expected;
+        Counts expected_nodata;
+        count_slowly(scene, expected, expected_nodata);
+        const std::vector<std::uint8_t> touching = touching_slowly(scene);
+        const auto check = [&](const ZoneCounts& counts, const std::string& what) {
+            EXPECT_EQ(keyed(counts, counts.rows), expected) << what << ", scene " << number;
+            EXPECT_EQ(keyed(counts, counts.nodata_rows), expected_nodata) << what << ", scene " << number;
+            EXPECT_EQ(counts.touches_nodata, touching) << what << ", scene " << number;
+        };
+        for (const std::vector<std::string>& options :
+             {std::vector<std::string>{"TILED=YES", "BLOCKXSIZE=64", "BLOCKYSIZE=64", "COMPRESS=DEFLATE"},
+              std::vector<std::string>{"TILED=YES", "BLOCKXSIZE=128", "BLOCKYSIZE=96"},
+              std::vector<std::string>{"BLOCKYSIZE=150", "COMPRESS=LZW"}}) {
+            scene.raster.options = options;
+            for (const char* type : {"Byte", "Int16", "Float32"}) {
+                scene.raster.type = type;
+                check(tabulated(scene, scene.raster, 1 + number % 2), options[0] + type);
+            }
+        }
+        scene.raster.type = "Byte";
+        NoProgress progress;
+        const RasterDataset mosaic = RasterDataset::open(write_mosaic(m_folder, scene.raster));
+        EXPECT_EQ(mosaic.tile_lines().columns, (std::vector<int>{0, 64, 70, 134, 171, 230}));
+        EXPECT_EQ(mosaic.tile_lines().rows, (std::vector<int>{0, 64, 81, 145, 150}));
+        check(tabulate(mosaic, input_of(scene), 2, progress), "mosaic");
     }
 }
 

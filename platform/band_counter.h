@@ -1,0 +1,67 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "platform/band_histogram.h"
+#include "platform/edge_sweep.h"
+#include "platform/piece_counter.h"
+#include "platform/piece_spans.h"
+#include "platform/raster.h"
+#include "platform/zonal_tabulation.h"
+#include "platform/zone_counts.h"
+
+namespace kestrel::platform {
+
+/// What all bands share and nobody changes while they are counted.
+struct TabulationPlan {
+    TabulationPlan(const RasterDataset& raster, const TabulationInput& input);
+
+    LayerSweeps layers;
+    std::size_t zone_count = 0;
+    /// Cells that no zone comes near need not be read: only tiles that reach into these columns are.
+    int first_column = 0;
+    int end_column = 0;
+};
+
+/// Counts bands of rows, one after the other, into tables of its own; used on one thread.
+///
+/// A band is read tile by tile, so that cells are counted while they are in the processor's cache.
+class BandCounter {
+  public:
+    /// \param raster a handle that nobody else uses.
+    BandCounter(RasterDataset raster, const TabulationPlan& plan);
+
+    /// \throws RuntimeError as RasterDataset::read() does.
+    void count(int band);
+    /// Adds all that was counted.
+    void append_to(ZoneCounts& counts) const;
+
+  private:
+    void count_tile(int band, const CellWindow& tile);
+    template <typename Cell>
+    void count_cells(int band, const CellWindow& tile, const std::vector<Cell>& cells, std::optional<Cell> nodata);
+    template <typename Cell>
+    void count_span(std::size_t piece, const Cell* cells, std::size_t count, std::optional<Cell> nodata);
+    template <typename Cell>
+    void find_nodata(std::vector<RowSpan>& runs, const CellWindow& tile, const Cell* line, Cell nodata);
+    void mark_covered();
+
+    RasterDataset m_raster;
+    const TabulationPlan& m_plan;
+    PieceCounter m_counter;
+    BandHistogram m_histogram;
+    ScenarioSets m_sets;
+    std::vector<std::uint8_t> m_touched;
+
+    // Room that is kept from band to band.
+    CellBuffer m_buffer;
+    PieceSpans m_spans;
+    NodataRuns m_nodata;
+    bool m_has_nodata = false;
+};
+
+}  // namespace kestrel::platform
