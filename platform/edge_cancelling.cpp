@@ -2,12 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "platform/edge_cancelling.h"
 
-#include <algorithm>
-#include <bit>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
-#include "platform/geometry.h"
+#include "platform/ring_assembly.h"
 
 namespace kestrel::platform {
 
@@ -15,24 +14,10 @@ namespace {
 
 constexpr std::uint32_t kNone = UINT32_MAX;
 
-std::size_t hash_of(Point p) {
-    // Adding 0 makes the two zeros one.
-    std::uint64_t mixed = std::bit_cast<std::uint64_t>(p.x + 0.0) * 0x9E3779B97F4A7C15ULL;
-    mixed = (mixed ^ (mixed >> 32)) + std::bit_cast<std::uint64_t>(p.y + 0.0) * 0xC2B2AE3D27D4EB4FULL;
-    mixed = (mixed ^ (mixed >> 29)) * 0xBF58476D1CE4E5B9ULL;
-    return static_cast<std::size_t>(mixed ^ (mixed >> 32));
-}
-
-bool before(Point a, Point b) {
-    return a.x != b.x ? a.x < b.x : a.y < b.y;
-}
-
 /// The vertices of the features, each numbered once, with the edges that leave it.
 class EdgeGraph {
   public:
-    explicit EdgeGraph(std::size_t edges) {
-        m_buckets.assign(std::bit_ceil(2 * edges + 1), kNone);
-        m_points.reserve(edges);
+    explicit EdgeGraph(std::size_t edges) : m_numbers(edges) {
         m_leaving.reserve(edges);
         m_edges.reserve(edges);
     }
@@ -55,23 +40,17 @@ class EdgeGraph {
     /// The one edge that is left at a vertex; kNone when there are none or several.
     std::uint32_t only_edge(std::uint32_t vertex, std::size_t& count) const;
 
-    std::vector<std::uint32_t> m_buckets;
-    std::vector<Point> m_points;
+    PointNumbers m_numbers;
     std::vector<std::uint32_t> m_leaving;  // first edge of each vertex
     std::vector<Edge> m_edges;
 };
 
 std::uint32_t EdgeGraph::vertex(Point p) {
-    std::size_t at = hash_of(p) & (m_buckets.size() - 1);
-    while (m_buckets[at] != kNone && m_points[m_buckets[at]] != p) {
-        at = (at + 1) & (m_buckets.size() - 1);
-    }
-    if (m_buckets[at] == kNone) {
-        m_buckets[at] = static_cast<std::uint32_t>(m_points.size());
-        m_points.push_back(p);
+    const std::uint32_t number = m_numbers.of(p);
+    if (number == m_leaving.size()) {
         m_leaving.push_back(kNone);
     }
-    return m_buckets[at];
+    return number;
 }
 
 std::uint32_t EdgeGraph::find(std::uint32_t from, std::uint32_t to) const {
@@ -114,8 +93,8 @@ std::uint32_t EdgeGraph::only_edge(std::uint32_t vertex, std::size_t& count) con
 }
 
 std::optional<std::vector<std::vector<Point>>> EdgeGraph::rings() const {
-    std::vector<std::uint32_t> following(m_points.size(), kNone);
-    for (std::uint32_t v = 0; v < m_points.size(); ++v) {
+    std::vector<std::uint32_t> following(m_leaving.size(), kNone);
+    for (std::uint32_t v = 0; v < m_leaving.size(); ++v) {
         std::size_t count = 0;
         const std::uint32_t edge = only_edge(v, count);
         if (count > 1) {
@@ -127,19 +106,17 @@ std::optional<std::vector<std::vector<Point>>> EdgeGraph::rings() const {
     for (std::uint32_t start = 0; start < following.size(); ++start) {
         std::vector<Point> ring;
         for (std::uint32_t v = start; following[v] != kNone;) {
-            ring.push_back(m_points[v]);
+            ring.push_back(m_numbers.points()[v]);
             const std::uint32_t to = following[v];
             following[v] = kNone;
             v = to;
         }
         if (!ring.empty()) {
             // Every vertex has as many edges coming as going, so the ring is back where it began.
-            std::rotate(ring.begin(), std::min_element(ring.begin(), ring.end(), before), ring.end());
             ring.push_back(ring.front());
             result.push_back(std::move(ring));
         }
     }
-    std::sort(result.begin(), result.end(), [](const auto& a, const auto& b) { return before(a.front(), b.front()); });
     return result;
 }
 
@@ -160,94 +137,6 @@ bool add_edges(EdgeGraph& graph, const PolygonSet& polygons, std::size_t feature
     return true;
 }
 
-/// Whether `p` lies inside the closed ring, or nothing when it lies on it.
-std::optional<bool> inside(Point p, std::span<const Point> ring) {
-    bool result = false;
-    for (std::size_t i = 0; i + 1 < ring.size(); ++i) {
-        const bool rises = ring[i].y < ring[i + 1].y;
-        const Point low = rises ? ring[i] : ring[i + 1];
-        const Point high = rises ? ring[i + 1] : ring[i];
-        if (p.y < low.y || p.y > high.y) {
-            continue;
-        }
-        const int side = orientation(low, high, p);
-        if (side == 0 && p.x >= std::min(low.x, high.x) && p.x <= std::max(low.x, high.x)) {
-            return std::nullopt;
-        }
-        if (p.y < high.y && side < 0) {
-            result = !result;
-        }
-    }
-    return result;
-}
-
-struct Shell {
-    std::size_t ring = 0;
-    double twice_area = 0;
-    Envelope envelope;
-    std::vector<std::size_t> holes;
-};
-
-/// The smallest shell around a hole.
-Shell* shell_around(Point p, std::vector<Shell>& shells, const std::vector<std::vector<Point>>& rings) {
-    Shell* smallest = nullptr;
-    for (Shell& shell : shells) {
-        Envelope point;
-        point.add(p);
-        if ((smallest != nullptr && shell.twice_area >= smallest->twice_area) || !shell.envelope.contains(point)) {
-            continue;
-        }
-        const std::optional<bool> holds = inside(p, rings[shell.ring]);
-        if (!holds) {
-            return nullptr;
-        }
-        smallest = *holds ? &shell : smallest;
-    }
-    return smallest;
-}
-
-void add_ring(PolygonSet& result, std::span<const Point> ring) {
-    result.begin_ring();
-    for (const Point p : ring) {
-        result.add(p);
-    }
-}
-
-/// Sorts rings into shells, which run left about, and their holes.
-std::optional<PolygonSet> assembled(const std::vector<std::vector<Point>>& rings) {
-    std::vector<Shell> shells;
-    std::vector<std::size_t> holes;
-    for (std::size_t i = 0; i < rings.size(); ++i) {
-        const double twice_area = twice_signed_area(rings[i]);
-        if (twice_area < 0) {
-            holes.push_back(i);
-            continue;
-        }
-        Shell shell{i, twice_area, {}, {}};
-        for (const Point p : rings[i]) {
-            shell.envelope.add(p);
-        }
-        shells.push_back(std::move(shell));
-    }
-    for (const std::size_t hole : holes) {
-        Shell* shell = shell_around(rings[hole].front(), shells, rings);
-        if (shell == nullptr) {
-            return std::nullopt;
-        }
-        shell->holes.push_back(hole);
-    }
-    PolygonSet result;
-    result.begin_feature();
-    for (const Shell& shell : shells) {
-        result.begin_polygon();
-        add_ring(result, rings[shell.ring]);
-        for (const std::size_t hole : shell.holes) {
-            add_ring(result, rings[hole]);
-        }
-    }
-    return result;
-}
-
 }  // namespace
 
 std::optional<PolygonSet> cancel_shared_edges(const PolygonSet& polygons, std::span<const std::size_t> members) {
@@ -266,8 +155,8 @@ std::optional<PolygonSet> cancel_shared_edges(const PolygonSet& polygons, std::s
             return std::nullopt;
         }
     }
-    const auto rings = graph.rings();
-    return rings ? assembled(*rings) : std::nullopt;
+    auto rings = graph.rings();
+    return rings ? assemble_rings(std::move(*rings)) : std::nullopt;
 }
 
 }  // namespace kestrel::platform

@@ -13,6 +13,7 @@
 #include "platform/errors.h"
 #include "platform/geos_support.h"
 #include "platform/parallel.h"
+#include "platform/polygon_arrangement.h"
 #include "platform/polygon_check.h"
 
 namespace kestrel::platform {
@@ -123,10 +124,12 @@ void append_union(PolygonSet& result, const Geos& geos, const PolygonSet& polygo
         result.append(polygons, members.front());
         return;
     }
-    const std::optional<PolygonSet> chained = cancel_shared_edges(polygons, members);
-    if (chained && (certainly_valid(*chained, 0) || valid(geos, geos.multipolygon(*chained, 0)))) {
-        result.append(*chained, 0);
-        return;
+    for (const auto& unite : {cancel_shared_edges, arranged_union}) {
+        const std::optional<PolygonSet> joined = unite(polygons, members);
+        if (joined && (certainly_valid(*joined, 0) || valid(geos, geos.multipolygon(*joined, 0)))) {
+            result.append(*joined, 0);
+            return;
+        }
     }
     const Geos::Geometry all = geos.multipolygon(polygons, members);
     const Geos::Geometry joined = geos.owned(GEOSUnaryUnion_r(geos.handle(), all.get()), "Polygons cannot be joined");

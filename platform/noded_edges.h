@@ -1,0 +1,39 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "platform/polygons.h"
+
+/// \file
+/// For this folder's own sources: the edges of polygons, cut where they meet.
+namespace kestrel::platform {
+
+/// Points from south to north, and from west to east on a level.
+inline bool below(Point a, Point b) {
+    return a.y != b.y ? a.y < b.y : a.x < b.x;
+}
+
+/// An edge of a polygon, or a part of one, with its ends in ascending order. `polygons_left` says how many more
+/// polygons lie on its left, looking up, than on its right.
+struct Edge {
+    Point low;
+    Point high;
+    int polygons_left = 0;
+};
+
+/// The edges of features, none of them of no length.
+std::vector<Edge> edges_of(const PolygonSet& polygons, std::span<const std::size_t> members);
+
+/// The parts of edges that meet at their ends only. Parts that lie on one another are one; those with as many polygons
+/// on either side are left out.
+///
+/// Where edges end on one another is decided exactly; where they cross is rounded to doubles, points that are some last
+/// digits apart being one.
+/// \return nothing when so many edges lie close together that looking at all pairs of them is no gain.
+std::optional<std::vector<Edge>> noded(std::vector<Edge> edges);
+
+}  // namespace kestrel::platform

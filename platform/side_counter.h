@@ -1,0 +1,60 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "platform/noded_edges.h"
+
+namespace kestrel::platform {
+
+/// For this folder's own sources: counts the polygons on both sides of each of the edges that noded() gives.
+///
+/// A line is drawn to the middle of the edge from far outside, from the west to steep edges, from the south to level
+/// ones, and the polygons are counted that it enters and leaves.
+class SideCounter {
+  public:
+    /// \param edges outlive the counter.
+    explicit SideCounter(const std::vector<Edge>& edges)
+        : m_edges(edges), m_rows(edges, false), m_columns(edges, true) {}
+
+    struct Sides {
+        int left = 0;
+        int right = 0;
+    };
+    /// \param edge one of the edges.
+    /// \return nothing when it cannot be told, or the counts are below zero.
+    std::optional<Sides> of(const Edge& edge) const;
+
+  private:
+    /// Edges by the strips that they reach, across the lines that are drawn.
+    class Strips {
+      public:
+        Strips(const std::vector<Edge>& edges, bool columns);
+        std::span<const std::uint32_t> near(Point p) const;
+
+      private:
+        double position(Point p) const { return m_columns ? p.x : p.y; }
+        std::size_t strip_of(double at) const;
+        template <typename Take>
+        void for_each(const std::vector<Edge>& edges, Take take) const;
+
+        bool m_columns;
+        double m_lowest = 0;
+        double m_per_unit = 0;
+        std::vector<std::uint32_t> m_begin;
+        std::vector<std::uint32_t> m_members;
+    };
+
+    template <bool kFromSouth>
+    std::optional<int> count(const Edge& edge, Point middle) const;
+
+    const std::vector<Edge>& m_edges;
+    Strips m_rows;
+    Strips m_columns;
+};
+
+}  // namespace kestrel::platform
