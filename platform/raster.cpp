@@ -307,6 +307,7 @@ void RasterDataset::Source::read_bytes(const CellWindow& window, CellBuffer& buf
     CPLErrorReset();
     check_read(band->ReadBlock(window.first_column / block_columns, window.first_row / block_rows, buffer.bytes.data()),
                window);
+    buffer.bytes.resize(buffer.stride * static_cast<std::size_t>(window.rows));
 }
 
 void RasterDataset::Source::check_read(CPLErr error, const CellWindow& window) const {
