@@ -14,7 +14,7 @@ from qgis.core import (QgsCoordinateReferenceSystem, QgsFeatureRequest, QgsProce
 from qgis.PyQt.QtCore import Qt, QTimer
 from qgis.PyQt.QtTest import QTest
 from qgis.PyQt.QtWidgets import (QApplication, QComboBox, QLineEdit, QListWidget, QPlainTextEdit,
-                                 QPushButton, QRadioButton, QToolButton)
+                                 QProgressBar, QPushButton, QRadioButton, QToolButton)
 from qgis.utils import iface
 
 DATA = Path(os.environ["KESTREL_DRIVE_DATA"])
@@ -175,6 +175,52 @@ def run_again_without_selection(form):
     check_equal("all zones", rows_of(layer_named("selected")), command_rows("--option", "medium"))
 
 
+def cancel_a_run(form):
+    output = drive.WORK / "results" / "cancelled.shp"
+    fill_form(form, output)
+    pressed = []
+
+    def press_cancel():
+        waiting = drive.window("frmISProcessing")
+        if waiting is not None and not pressed:
+            pressed.append(waiting.isVisible())
+            drive.click(drive.child(waiting, "cmdCancel", QPushButton))
+
+    timer = QTimer()
+    timer.timeout.connect(press_cancel)
+    timer.start(1)
+    iface.messageBar().clearWidgets()
+    drive.boxes.clear()
+    drive.click(drive.child(form, "cmdISRun", QPushButton))
+    timer.stop()
+    drive.wait(300)
+    check("the waiting window was up, and its Cancel button pressed", pressed == [True], pressed)
+    check_equal("a cancelled run shows no box", drive.boxes, [])
+    check_equal("it leaves no file", sorted(p.name for p in output.parent.glob("cancelled*")), [])
+    check("and no layer", "cancelled" not in layer_names())
+    messages = [item.text() for item in iface.messageBar().items()]
+    check_equal("the message bar tells", messages, ["The run was cancelled. Nothing has been changed."])
+    check("nothing is left in the status bar",
+          iface.statusBarIface().findChild(QProgressBar, "kestrelProgress") is None)
+    check("the map is drawn again", not iface.mapCanvas().isFrozen())
+
+
+def working_folder_that_cannot_be_made():
+    commands = [a for a in drive.menu().actions() if not a.isSeparator()]
+    folder = drive.EXTENSION / "output"
+    shutil.rmtree(folder)
+    folder.write_text("in the way")
+    iface.messageBar().clearWidgets()
+    check("without its working folders the extension is grey",
+          drive.wait_until(lambda: not any(a.isEnabled() for a in commands), 5))
+    drive.wait(2500)
+    messages = [item.text() for item in iface.messageBar().items()]
+    check("the reason is told, once", len(messages) == 1 and str(folder) in messages[0], messages)
+    folder.unlink()
+    check("it comes back by itself", drive.wait_until(lambda: all(a.isEnabled() for a in commands), 5))
+    check("with the folder", folder.is_dir())
+
+
 def view_records():
     for command, ending, title in (("parameters", "prm", "Kestrel Parameters for selected.shp"),
                                    ("metadata", "met", "Kestrel Metadata for selected.shp")):
@@ -302,9 +348,11 @@ def body():
     look_at_the_toolbar()
     form = run_on_selected_features()
     run_again_without_selection(form)
+    cancel_a_run(form)
     view_records()
     open_the_other_windows()
     switch_off_and_on()
+    working_folder_that_cannot_be_made()
     load_another_project(form)
     same_figures_from_every_source()
     run_the_algorithm()
