@@ -104,7 +104,7 @@ void BandCounter::count_cells(int band, const CellWindow& tile, const std::vecto
                               std::optional<Cell> nodata) {
     const auto first_row = static_cast<std::size_t>(tile.first_row - m_plan.layers.zones.first_row(band));
     for (std::size_t row = 0; row < static_cast<std::size_t>(tile.rows); ++row) {
-        const Cell* const line = cells.data() + row * m_buffer.stride;
+        const Cell* const line = cells.data() + row * static_cast<std::size_t>(tile.columns);
         if (nodata) {
             find_nodata(m_nodata[first_row + row], tile, line, *nodata);
         }

@@ -271,7 +271,6 @@ int RasterDataset::data_band_count() const noexcept {
 }
 
 void RasterDataset::read(const CellWindow& window, CellBuffer& buffer) const {
-    buffer.stride = static_cast<std::size_t>(window.columns);
     switch (m_source->cell_type) {
         case CellType::byte:
             m_source->read_bytes(window, buffer);
@@ -290,11 +289,10 @@ void RasterDataset::read(const CellWindow& window, CellBuffer& buffer) const {
     }
 }
 
-/// Whether the window is what one block holds of the raster.
+/// Whether the window is what one block holds of the raster, a block that is not wider than the raster there.
 bool RasterDataset::Source::one_block(const CellWindow& window) const {
     return window.first_column % block_columns == 0 && window.first_row % block_rows == 0 &&
-           window.columns == std::min(block_columns, grid.columns - window.first_column) &&
-           window.rows == std::min(block_rows, grid.rows - window.first_row);
+           window.columns == block_columns && window.rows == std::min(block_rows, grid.rows - window.first_row);
 }
 
 void RasterDataset::Source::read_bytes(const CellWindow& window, CellBuffer& buffer) const {
@@ -302,12 +300,12 @@ void RasterDataset::Source::read_bytes(const CellWindow& window, CellBuffer& buf
         read(window, GDT_Byte, buffer.bytes);
         return;
     }
-    buffer.stride = static_cast<std::size_t>(block_columns);
-    buffer.bytes.resize(buffer.stride * static_cast<std::size_t>(block_rows));
+    const auto columns = static_cast<std::size_t>(block_columns);
+    buffer.bytes.resize(columns * static_cast<std::size_t>(block_rows));
     CPLErrorReset();
     check_read(band->ReadBlock(window.first_column / block_columns, window.first_row / block_rows, buffer.bytes.data()),
                window);
-    buffer.bytes.resize(buffer.stride * static_cast<std::size_t>(window.rows));
+    buffer.bytes.resize(columns * static_cast<std::size_t>(window.rows));
 }
 
 void RasterDataset::Source::check_read(CPLErr error, const CellWindow& window) const {

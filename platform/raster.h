@@ -62,8 +62,6 @@ struct CellBuffer {
     std::vector<std::uint8_t> bytes;
     std::vector<std::int32_t> integers;
     std::vector<std::int64_t> wide;
-    /// From one row to the next; at least the window's columns.
-    std::size_t stride = 0;
 };
 
 /// Where a raster is best cut in order to read every stored block once: ascending, from 0 to the raster's size.
