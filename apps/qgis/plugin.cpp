@@ -12,6 +12,7 @@
 #include <QAction>
 #include <QMainWindow>
 #include <QPointer>
+#include <filesystem>
 
 #include "apps/qgis/command_bar.h"
 #include "apps/qgis/desktop_application.h"
@@ -28,9 +29,21 @@ namespace kestrel::qgis {
 
 namespace {
 
+constexpr const char* kLibrary = "libkestrel_ext.so";
+
+/// The folder of the extension library: the plugin's own, or where an installation for all users has it, since QGIS
+/// takes every library in its own folder for a plugin.
+std::string library_folder() {
+    std::string folder = loaded_library_folder();
+    if (!platform::file_exists(platform::join_path(folder, kLibrary))) {
+        folder = platform::join_path(folder, KESTREL_FOLDER_FROM_PLUGIN);
+    }
+    return std::filesystem::weakly_canonical(folder).string();
+}
+
 /// The folder that the extension takes for its own.
 std::string used_extension_folder() {
-    return extension_folder(loaded_library_folder(), user_data_folder());
+    return extension_folder(library_folder(), user_data_folder());
 }
 
 std::string working_folder() {
@@ -57,7 +70,7 @@ struct KestrelPlugin::Running {
                        .redraw = [&iface] { iface.mapCanvas()->refresh(); },
                        .run_ended = [this](const platform::RunResult& result) { interaction.run_ended(result); },
                        .copies_folder = working_folder}),
-          kestrel(platform::join_path(loaded_library_folder(), "libkestrel_ext.so")) {
+          kestrel(platform::join_path(library_folder(), kLibrary)) {
         application.register_extension(platform::kKestrelExtension, kestrel.config());
         application.register_extension(platform::kRasterAnalysisExtension, raster_analysis);
         kestrel.start(application);
