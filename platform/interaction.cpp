@@ -7,22 +7,28 @@
 namespace kestrel::platform {
 
 namespace {
-thread_local Interaction* t_current = nullptr;
+thread_local ScopedInteraction* t_innermost = nullptr;
 }
 
 Interaction& interaction() {
-    if (t_current == nullptr) {
+    if (t_innermost == nullptr) {
         throw RuntimeError(kObjectVariableNotSet, "This thread has nobody to speak to: no interaction is set");
     }
-    return *t_current;
+    return *t_innermost->m_current;
 }
 
-ScopedInteraction::ScopedInteraction(Interaction& current) : m_previous(t_current) {
-    t_current = &current;
+ScopedInteraction::ScopedInteraction(Interaction& current) : m_current(&current), m_outer(t_innermost) {
+    t_innermost = this;
 }
 
 ScopedInteraction::~ScopedInteraction() {
-    t_current = m_previous;
+    ScopedInteraction** place = &t_innermost;
+    while (*place != nullptr && *place != this) {
+        place = &(*place)->m_outer;
+    }
+    if (*place == this) {
+        *place = m_outer;
+    }
 }
 
 }  // namespace kestrel::platform

@@ -81,7 +81,8 @@ class Interaction {
 Interaction& interaction();
 
 /// Makes `current` the calling thread's interaction for its own lifetime; the one before returns afterwards.
-/// Hosts hold one; a run on a worker thread holds one of its own.
+/// Hosts hold one; a run on a worker thread holds one of its own. They may end in any order, on the thread that they
+/// began on: one that ends early leaves those that began later in charge.
 class ScopedInteraction {
   public:
     explicit ScopedInteraction(Interaction& current);
@@ -90,7 +91,10 @@ class ScopedInteraction {
     ScopedInteraction& operator=(const ScopedInteraction&) = delete;
 
   private:
-    Interaction* m_previous;
+    friend Interaction& interaction();
+
+    Interaction* m_current;
+    ScopedInteraction* m_outer;
 };
 
 }  // namespace kestrel::platform

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <thread>
 
 namespace kestrel::platform {
@@ -28,6 +29,17 @@ TEST(Interaction, TheInnermostCountsAndTheOneBeforeReturns) {
         EXPECT_EQ(&interaction(), &inner);
     }
     EXPECT_EQ(&interaction(), &outer);
+}
+
+// Two extension objects in one host may be shut down in the order in which they were started.
+TEST(Interaction, OneThatEndsBeforeTheInnerOnesLeavesThemInChargeAndNeverComesBack) {
+    ScriptedInteraction outermost;
+    auto first = std::make_unique<ScriptedInteraction>();
+    auto second = std::make_unique<ScriptedInteraction>();
+    first.reset();
+    EXPECT_EQ(&interaction(), second.get());
+    second.reset();
+    EXPECT_EQ(&interaction(), &outermost);
 }
 
 TEST(Interaction, EveryThreadHasItsOwn) {
