@@ -26,6 +26,13 @@ inline MessageBox save_before_quit() {
         "", Icon::none, Buttons::yes_no_cancel};
 }
 
+/// When the host ends or switches the extension off, from which there is no return.
+inline MessageBox save_before_end() {
+    return {
+        "Changes to the coefficient set have not been saved. \r\n Click 'Yes' to save changes, or 'No' to give them up.",
+        "", Icon::none, Buttons::yes_no};
+}
+
 inline MessageBox save_before_new() {
     return {
         "Changes to the current coefficient set must be saved before adding a new coefficient set. \r\n Click 'Yes' to save changes and proceed, or 'No' to return.",

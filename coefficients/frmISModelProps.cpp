@@ -59,6 +59,14 @@ void frmISModelProps::cmdQuit_Click() try {
     report_current({"cmdQuit_Click", kModule});
 }
 
+void frmISModelProps::Form_QueryUnload() try {
+    if (!may_proceed(editor_texts::save_before_end())) {
+        mark_saved();
+    }
+} catch (...) {
+    report_current({"Form_QueryUnload", kModule});
+}
+
 void frmISModelProps::cmdApply_click() try { save(); } catch (...) {
     report_current({"cmdApply_click", kModule});
 }

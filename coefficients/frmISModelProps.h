@@ -35,6 +35,10 @@ class frmISModelProps final : public QDialog {
     /// Esc and the close button ask what Quit asks.
     void reject() override { cmdQuit_Click(); }
 
+    /// For a host that ends: asks whether to save changes, and saves them when told to. The window may go afterwards,
+    /// whatever the answer was.
+    void Form_QueryUnload();
+
     const clsISModelProperties& properties() const { return m_props; }
 
   protected:

@@ -77,6 +77,9 @@ void SharedWindows::start(platform::Application& application) {
 }
 
 void SharedWindows::stop() {
+    if (m_forms->editor) {
+        m_forms->editor->Form_QueryUnload();
+    }
     m_forms = std::make_unique<Forms>();  // the old ones go while they can still speak
     m_interaction.reset();
 }

@@ -154,6 +154,14 @@ TEST_F(EditorErrors, LostCellIsReportedWhenTheOverlaysTextIsPasted) {
     EXPECT_THAT(reports(), ElementsAre("txtActiveCell_Change ISModelProps < 9 < Subscript out of range"));
 }
 
+TEST_F(EditorErrors, FailingQuestionAtTheEndOfTheHostIsReported) {
+    change_nothing();
+    FailingInteraction nobody;
+    m_form->Form_QueryUnload();
+    ASSERT_THAT(nobody.call_stacks, SizeIs(1));
+    EXPECT_EQ(outline_of(nobody.call_stacks.front()), "Form_QueryUnload ISModelProps < 70 < Permission denied");
+}
+
 TEST_F(EditorErrors, ReportedErrorsLeaveTheEditorWorking) {
     {
         FailingInteraction nobody;

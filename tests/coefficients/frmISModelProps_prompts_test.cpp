@@ -88,6 +88,48 @@ TEST_P(QuittingWay, FailedSaveIsToldAndTheWindowStays) {
 INSTANTIATE_TEST_SUITE_P(frmISModelProps, QuittingWay, testing::Values("QuitButton", "CloseButton", "Escape"),
                          [](const auto& tested) { return std::string(tested.param); });
 
+// The end of the host, which nobody can call off.
+
+const MessageBox kEndPrompt = {
+    "Changes to the coefficient set have not been saved. \r\n Click 'Yes' to save changes, or 'No' to give them up.",
+    "", Icon::none, Buttons::yes_no};
+
+TEST_F(UnsavedChangesTest, EndOfTheHostWithoutChangesAsksNothing) {
+    open();
+    m_form->Form_QueryUnload();
+    EXPECT_THAT(m_user.boxes, IsEmpty());
+}
+
+TEST_F(UnsavedChangesTest, EndOfTheHostSavesWithYes) {
+    open();
+    click_cell(1, 2);
+    type("x");
+    m_user.answers = {Answer::yes};
+    m_form->Form_QueryUnload();
+    EXPECT_THAT(m_user.boxes, ElementsAre(kEndPrompt));
+    EXPECT_THAT(store_text(), HasSubstr("\r\n              x\r\n"));
+}
+
+TEST_F(UnsavedChangesTest, EndOfTheHostGivesChangesUpWithNoAndAsksOnce) {
+    open();
+    const std::string before = store_text();
+    click_cell(1, 2);
+    type("x");
+    m_form->Form_QueryUnload();
+    m_form->Form_QueryUnload();
+    EXPECT_THAT(m_user.boxes, ElementsAre(kEndPrompt));
+    EXPECT_EQ(store_text(), before);
+}
+
+TEST_F(UnsavedChangesTest, EndOfTheHostTellsAFailedSave) {
+    open();
+    change_nothing();
+    const auto lock = no_saving();
+    m_user.answers = {Answer::yes};
+    m_form->Form_QueryUnload();
+    EXPECT_THAT(m_user.boxes, ElementsAre(kEndPrompt, save_failure()));
+}
+
 class StartedEdit : public UnsavedChangesTest, public testing::WithParamInterface<const char*> {};
 
 TEST_P(StartedEdit, MakesClosingAskThoughNothingWasChanged) {

@@ -54,6 +54,39 @@ TEST_F(clsExtensionTest, KeepsTheApplicationFromStartUpToShutDown) {
     EXPECT_EQ(m_extension.application(), nullptr);
 }
 
+/// Windows that note down when they are started and stopped.
+class NotedWindows final : public ExtensionWindows {
+  public:
+    explicit NotedWindows(std::vector<std::string>& notes) : m_notes(notes) {}
+    void start(platform::Application&) override { m_notes.emplace_back("start"); }
+    void stop() override { m_notes.emplace_back("stop"); }
+    void open(CommandKind, platform::Application&) override {}
+
+  private:
+    std::vector<std::string>& m_notes;
+};
+
+TEST_F(clsExtensionTest, WindowsStartAndStopWithIt) {
+    IdleApplication first, second;
+    std::vector<std::string> notes;
+    {
+        clsExtension extension(m_folder.path(), std::make_unique<NotedWindows>(notes));
+        EXPECT_THAT(notes, IsEmpty());
+        extension.IExtension_Startup(&first);
+        extension.IExtension_Startup(&second);
+        EXPECT_EQ(extension.application(), &second);
+        EXPECT_THAT(notes, ElementsAre("start", "start"));
+    }
+    EXPECT_THAT(notes, ElementsAre("start", "start", "stop"));
+}
+
+TEST_F(clsExtensionTest, StateOutlivesAShutDown) {
+    m_extension.IExtensionConfig_State(2);
+    m_extension.IExtension_Shutdown();
+    m_extension.IExtension_Shutdown();
+    EXPECT_EQ(m_extension.IExtensionConfig_State(), 2);
+}
+
 TEST_F(clsExtensionTest, StateIsZeroUntilTheHostWritesIt) {
     EXPECT_EQ(m_extension.IExtensionConfig_State(), 0);
     EXPECT_THAT(test::names_in(m_folder.path()), IsEmpty());

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QTest>
 #include <QWidget>
 
 #include "platform/errors.h"
@@ -131,6 +132,70 @@ TEST(ExtensionLibrary, ShutDownClosesAllWindows) {
     host.shut_down();
     EXPECT_THAT(host.windows(), IsEmpty());
     EXPECT_THAT(QApplication::topLevelWidgets(), IsEmpty());
+}
+
+/// Types into the first cell of the editor's first set.
+void change_coefficients(test::TestHost& host) {
+    host.click("Change Coefficients...");
+    QWidget* const editor = host.window("frmISModelProps");
+    ASSERT_NE(editor, nullptr);
+    QTest::keyClick(editor->findChild<QWidget*>("grdLCDef"), '7');
+    ASSERT_TRUE(editor->isWindowModified());
+}
+
+const MessageBox kUnsaved{
+    "Changes to the coefficient set have not been saved. \r\n Click 'Yes' to save changes, or 'No' to give them up.",
+    "", platform::Icon::none, platform::Buttons::yes_no};
+
+std::string store_of(test::TestHost& host) {
+    return platform::read_file(host.extension_folder() + "/etc/isprops.xml");
+}
+
+TEST(ExtensionLibrary, ShutDownAsksForChangesOfCoefficientsThatAreNotSaved) {
+    test::TestHost host;
+    const std::string before = store_of(host);
+    change_coefficients(host);
+    host.said.answers = {platform::Answer::yes};
+    host.shut_down();
+    EXPECT_THAT(host.said.boxes, ElementsAre(kUnsaved));
+    EXPECT_NE(store_of(host), before);
+    EXPECT_THAT(QApplication::topLevelWidgets(), IsEmpty());
+}
+
+TEST(ExtensionLibrary, ShutDownGivesChangesUpWhenToldTo) {
+    test::TestHost host;
+    const std::string before = store_of(host);
+    change_coefficients(host);
+    host.shut_down();
+    EXPECT_THAT(host.said.boxes, ElementsAre(kUnsaved));
+    EXPECT_EQ(store_of(host), before);
+}
+
+TEST(ExtensionLibrary, StartedTwiceItBeginsAnew) {
+    test::TestHost host;
+    change_coefficients(host);
+    host.kestrel().extension().IExtension_Startup(&host.application);
+    EXPECT_THAT(host.said.boxes, ElementsAre(kUnsaved));
+    EXPECT_THAT(host.windows(), IsEmpty());
+    host.click("About Kestrel...");
+    EXPECT_THAT(host.windows(), ElementsAre("frmISAbout"));
+}
+
+TEST(ExtensionLibrary, TwoExtensionObjectsHaveTheirOwnWindowsAndEndInAnyOrder) {
+    test::TestHost host;
+    host.click("Help...");
+    {
+        const platform::ExtensionLibrary library(host.library_path());
+        const auto second = library.create(platform::kKestrelExtension);
+        platform::contract<platform::IExtension>(*second).IExtension_Startup(&host.application);
+        host.shut_down();
+        EXPECT_THAT(host.windows(), IsEmpty());
+    }
+    host.kestrel().start(host.application);
+    platform::remove_file(host.extension_folder() + "/help/is_index.html");
+    host.click("Help...");
+    EXPECT_EQ(host.said.boxes.size(), 1U);
+    EXPECT_THAT(host.said.call_stacks, IsEmpty());
 }
 
 TEST(ExtensionLibrary, StartsAgainAfterAShutDown) {

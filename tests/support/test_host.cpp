@@ -28,7 +28,8 @@ TestHost::TestHost(Raster raster) {
     for (const std::string& part : {file, std::string("etc"), std::string("help")}) {
         copy_part(part, m_folder.path());
     }
-    m_kestrel = std::make_unique<platform::HostedExtension>(m_folder / file);
+    m_library_path = m_folder / file;
+    m_kestrel = std::make_unique<platform::HostedExtension>(m_library_path);
     application.register_extension(platform::kKestrelExtension, m_kestrel->config());
     raster_analysis.IExtensionConfig_State(platform::kExtensionEnabled);
     if (raster == Raster::registered) {

@@ -34,6 +34,7 @@ class TestHost {
     TestHost& operator=(const TestHost&) = delete;
 
     const std::string& extension_folder() const noexcept { return m_folder.path(); }
+    const std::string& library_path() const noexcept { return m_library_path; }
     platform::HostedExtension& kestrel() noexcept { return *m_kestrel; }
     /// The extension's state, as its user sets it.
     void set_state(std::int32_t state) { m_kestrel->config().IExtensionConfig_State(state); }
@@ -56,6 +57,7 @@ class TestHost {
 
   private:
     TemporaryFolder m_folder;
+    std::string m_library_path;
 
   public:
     ScriptedInteraction said;
