@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "host/frmHelpBrowser2.h"
 
+#include <QDesktopServices>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -23,6 +25,10 @@ namespace {
 constexpr const char* kModule = "isHelpBrowser2";
 constexpr int kLineCharacters = 100;
 constexpr int kLines = 36;
+
+platform::MessageBox no_file(const std::string& path) {
+    return {"The Kestrel help file (" + path + ") does not exist."};
+}
 
 QToolButton* tool_button(const char* name, const char* caption, const char* tip) {
     auto* const button = named(name, new QToolButton);
@@ -51,7 +57,7 @@ frmHelpBrowser2::frmHelpBrowser2(std::string extension_folder, QWidget* parent)
 void frmHelpBrowser2::build_controls() {
     brwHelp = named("brwHelp", new QTextBrowser(this));
     brwHelp->setAccessibleName("Help page");
-    brwHelp->setOpenExternalLinks(true);
+    brwHelp->setOpenLinks(false);  // brwHelp_AnchorClicked() does
     brwHelp->document()->setDocumentMargin(fontMetrics().lineSpacing());
     m_bar = new QWidget(this);
     cmdBack = tool_button("cmdBack", "Back", "The page before (Alt+Left)");
@@ -94,6 +100,7 @@ void frmHelpBrowser2::connect_controls() {
     connect(cmdHome, &QToolButton::clicked, brwHelp, &QTextBrowser::home);
     connect(brwHelp, &QTextBrowser::backwardAvailable, cmdBack, &QToolButton::setEnabled);
     connect(brwHelp, &QTextBrowser::forwardAvailable, cmdForward, &QToolButton::setEnabled);
+    connect(brwHelp, &QTextBrowser::anchorClicked, this, &frmHelpBrowser2::brwHelp_AnchorClicked);
     connect(brwHelp, &QTextBrowser::sourceChanged, this, &frmHelpBrowser2::show_title);
     connect(txtFind, &QLineEdit::returnPressed, this, &frmHelpBrowser2::cmdFindNext_Click);
     connect(txtFind, &QLineEdit::textChanged, lblFound, &QLabel::clear);
@@ -138,9 +145,10 @@ void frmHelpBrowser2::Form_Load() try {
         brwHelp->setSource(QUrl::fromLocalFile(QString::fromStdString(path)));
     }
     brwHelp->clearHistory();
+    txtFind->clear();
     show_title();
     if (!exists) {
-        platform::interaction().message_box({"The Kestrel help file (" + path + ") does not exist."});
+        platform::interaction().message_box(no_file(path));
     }
 } catch (...) {
     report_current({"Form_Load", kModule});
@@ -162,6 +170,31 @@ void frmHelpBrowser2::Form_Resize() try {
     brwHelp->setGeometry(inner.adjusted(0, bar_height + gap, 0, -button.height() - gap));
 } catch (...) {
     report_current({"Form_Resize", kModule});
+}
+
+/// A link to a page that is not there is told: the browser would show an empty page without a word.
+void frmHelpBrowser2::brwHelp_AnchorClicked(const QUrl& target) try {
+    const std::string path = target.toLocalFile().toStdString();
+    if (path.empty()) {
+        QDesktopServices::openUrl(target);
+    } else if (platform::file_exists(path)) {
+        brwHelp->setSource(target);
+    } else {
+        platform::interaction().message_box(no_file(path));
+    }
+} catch (...) {
+    report_current({"brwHelp_AnchorClicked", kModule});
+}
+
+/// Enter presses the button that has the focus. None is the default: elsewhere Enter belongs to page and search.
+void frmHelpBrowser2::keyPressEvent(QKeyEvent* event) {
+    auto* const button = qobject_cast<QAbstractButton*>(focusWidget());
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (enter && button != nullptr) {
+        button->click();
+        return;
+    }
+    QDialog::keyPressEvent(event);
 }
 
 void frmHelpBrowser2::cmdClose_Click() try { reject(); } catch (...) {

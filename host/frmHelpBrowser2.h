@@ -24,6 +24,7 @@ class frmHelpBrowser2 final : public QDialog {
     void setVisible(bool visible) override;
 
   protected:
+    void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
   private:
@@ -34,6 +35,7 @@ class frmHelpBrowser2 final : public QDialog {
 
     void Form_Load();
     void Form_Resize();
+    void brwHelp_AnchorClicked(const QUrl& target);
     void cmdClose_Click();
     void cmdFindNext_Click();
     void cmdFindPrevious_Click();

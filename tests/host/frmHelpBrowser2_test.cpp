@@ -150,6 +150,59 @@ TEST_F(frmHelpBrowser2Test, LinksLeadOnAndButtonsBackForthAndHome) {
     EXPECT_EQ(file(), "is_index.html");
 }
 
+TEST_F(frmHelpBrowser2Test, LinkToAMissingPageIsToldAndThePageStays) {
+    page("is_index.html", "<p><a href='gone.html#part'>Gone</a></p>", "Contents");
+    open();
+    click_text("Gone");
+    EXPECT_THAT(m_said.boxes,
+                ElementsAre(MessageBox{"The Kestrel help file (" + m_folder.path() + "/help/gone.html) does not exist.",
+                                       "", platform::Icon::none, platform::Buttons::ok}));
+    EXPECT_EQ(file(), "is_index.html");
+    EXPECT_EQ(shown(), "Gone");
+    EXPECT_EQ(m_form.windowTitle(), "Contents - Kestrel Help");
+}
+
+TEST_F(frmHelpBrowser2Test, LinkWithinThePageIsFollowed) {
+    page("is_index.html", "<p><a href='#end'>End</a></p>" + std::string(200, 'x') + "<p><a name='end'>here</a></p>");
+    open();
+    click_text("End");
+    EXPECT_THAT(m_said.boxes, IsEmpty());
+    EXPECT_EQ(browser().source().fragment(), "end");
+}
+
+TEST_F(frmHelpBrowser2Test, TabAndReturnFollowALink) {
+    two_pages();
+    open();
+    QTest::keyClick(&browser(), Qt::Key_Tab);
+    QTest::keyClick(&browser(), Qt::Key_Return);
+    EXPECT_EQ(file(), "run.html");
+    EXPECT_TRUE(m_form.isVisible());
+}
+
+TEST_F(frmHelpBrowser2Test, ReturnPressesTheButtonThatHasTheFocus) {
+    two_pages();
+    open();
+    click_text("Run");
+    control<QToolButton>("cmdHome").setFocus();
+    QTest::keyClick(&control<QToolButton>("cmdHome"), Qt::Key_Return);
+    EXPECT_EQ(file(), "is_index.html");
+    EXPECT_TRUE(m_form.isVisible());
+    control<QPushButton>("cmdClose").setFocus();
+    QTest::keyClick(&control<QPushButton>("cmdClose"), Qt::Key_Return);
+    EXPECT_FALSE(m_form.isVisible());
+}
+
+TEST_F(frmHelpBrowser2Test, OpenedAgainHasForgottenTheSearch) {
+    two_pages();
+    open();
+    QTest::keyClicks(&control<QLineEdit>("txtFind"), "plum\r");
+    m_form.close();
+    open();
+    EXPECT_EQ(control<QLineEdit>("txtFind").text(), "");
+    EXPECT_EQ(control<QLabel>("lblFound").text(), "");
+    EXPECT_EQ(m_form.focusWidget(), &browser());
+}
+
 TEST_F(frmHelpBrowser2Test, AltArrowsAndAltHomeGoBackForthAndHome) {
     two_pages();
     open();
@@ -266,6 +319,14 @@ TEST_F(frmHelpBrowser2Test, FailingLoadIsReported) {
     test::FailingInteraction nobody;
     m_form.show();  // the message about the missing file fails
     EXPECT_THAT(nobody.call_stacks, ElementsAre(report_of("Form_Load")));
+}
+
+TEST_F(frmHelpBrowser2Test, FailingMessageOfAMissingPageIsReported) {
+    page("is_index.html", "<p><a href='gone.html'>Gone</a></p>");
+    open();
+    test::FailingInteraction nobody;
+    click_text("Gone");
+    EXPECT_THAT(nobody.call_stacks, ElementsAre(report_of("brwHelp_AnchorClicked")));
 }
 
 TEST_F(frmHelpBrowser2Test, FailingResizeIsReported) {
