@@ -35,6 +35,7 @@ frmISTParams::frmISTParams(QWidget* parent)
       txtTParams(new QPlainTextEdit),
       cmdClose(new QPushButton) {
     setObjectName("frmISTParams");
+    setWindowTitle(viewer_texts::kNoFile);
     setWindowFlags(Qt::Window);
     build_layout();
     connect(cboSelLayers, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &frmISTParams::cboSelLayers_Click);
@@ -199,8 +200,9 @@ void frmISTParams::cboSelLayers_Click() try {
     lstSelLayers->setCurrentRow(cboSelLayers->currentIndex());
     const QFileInfo file(chosen_path());
     m_shown = {file.filePath(), file.lastModified(), file.size()};
-    // Under the name of one layer never stands the text of another, also when reading fails.
+    // With the name of one layer never stands the text or the caption of another, also when reading fails.
     txtTParams->clear();
+    setWindowTitle(viewer_texts::kNoFile);
     const std::string text = platform::to_utf8(platform::read_file(file.filePath().toStdString()));
     txtTParams->setPlainText(QString::fromStdString(text));
     setWindowTitle(

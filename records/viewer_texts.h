@@ -21,6 +21,9 @@ inline platform::MessageBox no_files(const std::string& file_type) {
     return {"There are no layers with an associated \"Metadata\" file.", "No Metadata Files"};
 }
 
+/// The window's title while no file is shown.
+inline constexpr const char* kNoFile = "Kestrel";
+
 /// The window's title. The ending stands there whatever format the layer has.
 inline std::string caption(const std::string& file_type, const std::string& layer) {
     return (is_report(file_type) ? "Kestrel Parameters for " : "Kestrel Metadata for ") + layer + ".shp";

@@ -9,10 +9,13 @@
 #include <QClipboard>
 #include <QScrollBar>
 #include <QTest>
+#include <QTextBlock>
 #include <memory>
 
 #include "platform/files.h"
 #include "platform/headless/headless_application.h"
+#include "tests/support/failing_event.h"
+#include "tests/support/failing_interaction.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
 
@@ -322,6 +325,7 @@ TEST_F(frmISTParamsTest, FileThatCannotBeReadIsReportedOnceAndLeavesNoOtherText)
     platform::remove_file(m_folder / "south.prm");
     choose(1);
     EXPECT_EQ(shown(), "");
+    EXPECT_EQ(title(), "Kestrel");
     ASSERT_THAT(m_user.call_stacks, SizeIs(1));
     EXPECT_THAT(m_user.call_stacks[0],
                 StartsWith("Record Call Stack Sequence - Bottom line is error line.\r\n\r\n\tcboSelLayers_Click "
@@ -331,6 +335,7 @@ TEST_F(frmISTParamsTest, FileThatCannotBeReadIsReportedOnceAndLeavesNoOtherText)
     make("south.prm", "there again");
     leave_and_come_back();
     EXPECT_EQ(shown(), "there again");
+    EXPECT_EQ(title(), "Kestrel Parameters for south.shp");
     EXPECT_THAT(m_user.call_stacks, IsEmpty());
 }
 
@@ -354,6 +359,66 @@ TEST_F(frmISTParamsTest, WithoutAnApplicationTheScanIsReportedAndFindsNothing) {
     EXPECT_THAT(m_user.call_stacks[0], HasSubstr("\tParamLayers frmISTParams Line : "));
     EXPECT_THAT(m_user.call_stacks[0], HasSubstr("Error Number \r\n\t91\r\n"));
     EXPECT_THAT(m_user.boxes, ElementsAre(kNoParameters));
+}
+
+/// The report of a failing procedure.
+std::string report_of(const std::string& procedure) {
+    return "Record Call Stack Sequence - Bottom line is error line.\r\n\r\n\t" + procedure +
+           " frmISTParams Line : 45\r\n\r\nError Number \r\n\t70\r\nDescription\r\n\tPermission denied\r\n\r\n";
+}
+
+TEST_F(frmISTParamsTest, FailingMessageIsReportedByTheActivation) {
+    FailingInteraction nobody;
+    m_form.FileType("prm");
+    m_form.show();
+    EXPECT_THAT(nobody.call_stacks, ElementsAre(report_of("Form_Activate")));
+    EXPECT_FALSE(m_form.isVisible());
+}
+
+TEST_F(frmISTParamsTest, FailingCloseIsReported) {
+    two_outputs();
+    open("prm");
+    const FailingEvent failing(m_form, QEvent::Close);
+    control<QPushButton>("cmdClose").click();
+    EXPECT_THAT(m_user.call_stacks, ElementsAre(report_of("cmdClose_Click")));
+}
+
+TEST_F(frmISTParamsTest, LayersOfGroupsStandInTheirPlaceAndASourceTwiceIsListedTwice) {
+    two_outputs();
+    m_application.map().append_layer(std::make_shared<platform::HeadlessGroupLayer>(
+        "outputs",
+        std::vector<std::shared_ptr<platform::Layer>>{
+            std::make_shared<HeadlessFeatureLayer>("once more", platform::FeatureSource{m_folder / "north.shp"}),
+            std::make_shared<HeadlessFeatureLayer>("lost", platform::FeatureSource{})}));
+    open("prm");
+    EXPECT_THAT(listed(), ElementsAre("north", "south", "north"));
+    choose(2);
+    EXPECT_EQ(title(), "Kestrel Parameters for north.shp");
+}
+
+TEST_F(frmISTParamsTest, HugeReportIsShownToItsLastLine) {
+    std::string report;
+    for (int line = 0; line < 200'000; ++line) {
+        report += "  A class with a name and three coefficients\r\n";
+    }
+    make("north.prm", report + "the last line");
+    add("north", "north.shp");
+    open("prm");
+    EXPECT_EQ(text().document()->blockCount(), 200'001);
+    text().setFocus();
+    QTest::keyClick(&text(), Qt::Key_End, Qt::ControlModifier);
+    EXPECT_TRUE(text().viewport()->rect().contains(text().cursorRect()));
+    EXPECT_EQ(text().textCursor().block().text(), "the last line");
+}
+
+TEST_F(frmISTParamsTest, ReturnClosesFromTextAndList) {
+    two_outputs();
+    for (QWidget* const from : std::initializer_list<QWidget*>{&text(), &names()}) {
+        open("prm");
+        from->setFocus();
+        QTest::keyClick(from, Qt::Key_Return);
+        EXPECT_FALSE(m_form.isVisible()) << from->objectName().toStdString();
+    }
 }
 
 TEST_F(frmISTParamsTest, NothingIsCutOff) {
