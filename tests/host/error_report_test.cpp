@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "platform/errors.h"
+#include "tests/support/failing_interaction.h"
 #include "tests/support/scripted_interaction.h"
 
 namespace kestrel {
@@ -149,6 +150,20 @@ TEST_P(ErrorReportInABox, BeepsAndShowsTheCallStackInAMessageBox) {
             "Unexpected Program Error", platform::Icon::exclamation, platform::Buttons::ok}));
     EXPECT_EQ(user.beeps, 1);
     EXPECT_TRUE(user.call_stacks.empty());
+}
+
+TEST_P(ErrorReportInABox, BeepsBeforeTheBoxOpens) {
+    class Listener final : public test::FailingInteraction {
+      public:
+        platform::Answer message_box(const platform::MessageBox&) override {
+            heard += "box";
+            return platform::Answer::ok;
+        }
+        void beep() override { heard += "beep "; }
+        std::string heard;
+    } user;
+    ErrorReport(Show::yes, "e m ", 70, "Kestrel", "d", GetParam());
+    EXPECT_EQ(user.heard, "beep box");
 }
 
 INSTANTIATE_TEST_SUITE_P(ModesOtherThanTheWindow, ErrorReportInABox, testing::Values(2, 3, 0, 1, 5, -1));

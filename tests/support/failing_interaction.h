@@ -11,7 +11,7 @@
 namespace kestrel::test {
 
 /// A user with whom nothing goes well: whatever is asked or shown fails. Reports of errors are kept.
-class FailingInteraction final : public platform::Interaction {
+class FailingInteraction : public platform::Interaction {
   public:
     platform::Answer message_box(const platform::MessageBox&) override { fail(); }
     std::string input_box(const platform::InputBox&) override { fail(); }
