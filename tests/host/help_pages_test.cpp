@@ -231,6 +231,10 @@ TEST(HelpPages, QuoteTheMessagesOfARunAsTheyStand) {
           "Numeric value must be entered in field.",
           "Please specify an output name.",
           "Please enter a shapefile name.",
+          "Folder does not exist:",
+          "defined in ArcView project does not exist.",
+          "Missing: Model_Params File",
+          "Changes to the coefficient set have not been saved.",
           "There are no layers with an associated \"Parameters\" file.",
           "There are no layers with an associated \"Metadata\" file.",
           "Record Call Stack Sequence"}) {
