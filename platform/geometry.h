@@ -20,7 +20,8 @@ namespace kestrel::platform {
 std::size_t repair(PolygonSet& polygons, int threads = 0);
 
 /// Joins the polygons of each group into one feature. Polygons that share their borders exactly are joined by dropping
-/// the shared edges, others by cutting their edges where they meet; where that gives no valid feature, GEOS unites them.
+/// the shared edges, others by cutting their edges where they meet; where that gives no valid feature, GEOS unites
+/// them.
 /// \param polygons valid polygons (see repair()).
 /// \param group_of for each feature of `polygons`, the group it belongs to, below `group_count`.
 /// \return one feature for each group, valid; empty for a group that has only empty geometries.
