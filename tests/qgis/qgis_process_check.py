@@ -13,7 +13,7 @@ import sys
 import tempfile
 from pathlib import Path
 
-from run_desktop import SKIPPED, real_data
+from run_desktop import SKIPPED, preloaded, real_data
 
 BUILT, COMMAND = Path(sys.argv[1]), Path(sys.argv[2])
 
@@ -43,7 +43,7 @@ def main():
         for place in ("process", "command"):
             (folder / place).mkdir()
         told = json.loads(run(
-            "qgis_process.bin", "--json", "run", "kestrel:impervioussurface", "--",
+            *preloaded(), "qgis_process.bin", "--json", "run", "kestrel:impervioussurface", "--",
             f"LAND_COVER={data}/nlcd2011.tif", f"ZONES={data}/sheds.shp", "FIELD=SHED_ID", "OPTION=0",
             f"STORE={data}/isprops.xml", "SET=NLCD legend", f"SCENARIOS={data}/town_plan.shp,24",
             f"OUTPUT={folder}/process/out.shp",

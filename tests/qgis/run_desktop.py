@@ -7,7 +7,8 @@
 BUILT_FOLDER holds the libraries with etc and help; a copy of it becomes the extension folder. The script finds its own
 folder in KESTREL_DRIVE_FOLDER, the real test data in KESTREL_DRIVE_DATA and the command in KESTREL_DRIVE_COMMAND. It
 ends QGIS by drive.run(). KESTREL_DRIVE_PICTURES may name a folder for its pictures. Ends with the status of QGIS, 1
-when that did not end by itself, and 77 where there is no QGIS or no data.
+when that did not end by itself, and 77 where there is no QGIS or no data. KESTREL_PRELOAD names the library of the
+address sanitizer, for a build that has it.
 """
 
 import argparse
@@ -47,6 +48,12 @@ def real_data():
     return Path(os.environ.get("KESTREL_REAL_DATA") or HERE.parents[2] / "shared" / "data" / "zion")
 
 
+def preloaded():
+    """What a program needs in its environment to load libraries that were built with the sanitizers."""
+    library = os.environ.get("KESTREL_PRELOAD")
+    return [] if not library else ["env", f"LD_PRELOAD={library}", "ASAN_OPTIONS=detect_leaks=0"]
+
+
 def start(folder, script, seconds, command):
     environment = dict(os.environ, LC_ALL="C.UTF-8", KESTREL_DRIVE_FOLDER=str(folder), PYTHONPATH=str(HERE),
                        PYTHONDONTWRITEBYTECODE="1", XDG_DATA_HOME=str(folder / "data"),
@@ -55,7 +62,8 @@ def start(folder, script, seconds, command):
     environment.pop("QT_QPA_PLATFORM", None)
     # QGIS's Python is the system's, and it looks for its modules beside the first python3 of the path.
     environment["PATH"] = "/usr/bin:/bin"
-    desktop_command = ["xvfb-run", "-a", "-w", "1", "-s", "-screen 0 1280x900x24", "qgis", "--nologo", "--noversioncheck",
+    desktop_command = ["xvfb-run", "-a", "-w", "1", "-s", "-screen 0 1280x900x24", *preloaded(), "qgis", "--nologo",
+                       "--noversioncheck",
                        "--profiles-path", str(folder / "profiles"),
                        "--globalsettingsfile", str(folder / "plugin.ini"),
                        "--code", str(script)]
