@@ -28,6 +28,19 @@ enum BoundRow : int { kHigh, kMedium, kLow };
 /// Columns of the dialog.
 enum Column : int { kCaption, kRelation, kFirstBound, kAnd, kSecondBound, kRest };
 
+/// A box that is as wide as a number needs in the font that it has.
+class NumberBox final : public QLineEdit {
+  public:
+    NumberBox() { setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed); }
+    QSize sizeHint() const override {
+        ensurePolished();
+        const int frame = QLineEdit::minimumSizeHint().width();  // with room for one character
+        return {frame + fontMetrics().horizontalAdvance(QString(kNumberCharacters, '0')),
+                QLineEdit::sizeHint().height()};
+    }
+    QSize minimumSizeHint() const override { return sizeHint(); }
+};
+
 }  // namespace
 
 frmISPDensity::frmISPDensity(QWidget* parent) : QDialog(parent) {
@@ -61,19 +74,16 @@ void frmISPDensity::build_controls() {
     cboPDenTheme->setToolTip("The polygon layer that holds the population density");
     cboPDenFld = new NameList("cboPDenFld", kNameCharacters, "(choose a field)");
     cboPDenFld->setToolTip("The field with the density: a number");
-    txtHigh = named("txtHigh", new QLineEdit);
+    txtHigh = named("txtHigh", new NumberBox);
     txtHigh->setToolTip("From this density on, the High coefficients are taken");
-    txtLow = named("txtLow", new QLineEdit);
+    txtLow = named("txtLow", new NumberBox);
     txtLow->setToolTip("Up to this density, the Low coefficients are taken");
     for (std::size_t i = 0; i < txtMed.size(); ++i) {
-        txtMed[i] = named(element_name("txtMed", i), new QLineEdit);
+        txtMed[i] = named(element_name("txtMed", i), new NumberBox);
         txtMed[i]->setReadOnly(true);
         txtMed[i]->setFocusPolicy(Qt::NoFocus);
         txtMed[i]->setEnabled(false);  // looks like what it is: a mirror
         txtMed[i]->setAccessibleName(i == 0 ? "Medium: above the Low bound" : "Medium: below the High bound");
-    }
-    for (QLineEdit* box : {txtHigh, txtLow, txtMed[0], txtMed[1]}) {
-        box->setFixedWidth(box->fontMetrics().averageCharWidth() * (kNumberCharacters + 3));
     }
     Label1[0]->setBuddy(cboPDenTheme);
     Label1[1]->setBuddy(cboPDenFld);
