@@ -23,7 +23,6 @@
 #include "platform/contracts/application.h"
 
 class QButtonGroup;
-class QGridLayout;
 
 namespace kestrel {
 
@@ -56,8 +55,6 @@ class frmISParams final : public QDialog, private platform::MapEvents {
     void build_options();
     void build_buttons();
     void build_layout();
-    QGridLayout* build_inputs();
-    QGridLayout* build_output();
     void order_tabs();
     void connect_controls();
 

@@ -5,7 +5,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
-#include <algorithm>
 
 #include "parameters/frmISParams.h"
 #include "parameters/name_list.h"
@@ -99,50 +98,27 @@ void frmISParams::build_buttons() {
     cmdISHelp = button("cmdISHelp", "&Help", "Show the help");
 }
 
-QGridLayout* frmISParams::build_inputs() {
-    auto* inputs = new QGridLayout;
-    inputs->setColumnStretch(1, 1);
-    add_field(*inputs, 0, "&Land Cover Grid", cboLCTheme);
-    add_field(*inputs, 1, "Land Cover Grid Un&its", cboLCUnits);
-    add_field(*inputs, 2, "&Analysis Layer", cboAnalysisTheme);
-    add_field(*inputs, 3, "Analysis &Field", cboAnalysisUnit);
-    add_field(*inputs, 4, "&Coefficient Set", cboLCType);
-    return inputs;
-}
-
-QGridLayout* frmISParams::build_output() {
-    auto* output = new QGridLayout;
-    output->setColumnStretch(1, 1);
-    add_field(*output, 0, "&Output Shapefile", txtOutputTheme, cmdOutputBrowse);
-    add_field(*output, 1, "Layer &Name", txtThemeName);
-    return output;
-}
-
+/// All captions stand in one column, above and below the frames.
 void frmISParams::build_layout() {
-    QGridLayout* const inputs = build_inputs();
-    QGridLayout* const output = build_output();
-    // One column of captions for both.
-    int captions = 0;
-    for (QGridLayout* grid : {inputs, output}) {
-        for (int row = 0; row < grid->rowCount(); ++row) {
-            captions = std::max(captions, grid->itemAtPosition(row, 0)->widget()->sizeHint().width());
-        }
-    }
-    inputs->setColumnMinimumWidth(0, captions);
-    output->setColumnMinimumWidth(0, captions);
-
+    auto* contents = new QGridLayout(m_contents);
+    contents->setContentsMargins(0, 0, 0, 0);
+    contents->setColumnStretch(1, 1);
+    add_field(*contents, 0, "&Land Cover Grid", cboLCTheme);
+    add_field(*contents, 1, "Land Cover Grid Un&its", cboLCUnits);
+    add_field(*contents, 2, "&Analysis Layer", cboAnalysisTheme);
+    add_field(*contents, 3, "Analysis &Field", cboAnalysisUnit);
+    add_field(*contents, 4, "&Coefficient Set", cboLCType);
+    contents->addWidget(fraPopDensity, 5, 0, 1, -1);
+    contents->addWidget(fraDSMain, 6, 0, 1, -1);
+    contents->setRowStretch(6, 1);
+    add_field(*contents, 7, "&Output Shapefile", txtOutputTheme, cmdOutputBrowse);
+    add_field(*contents, 8, "Layer &Name", txtThemeName);
     auto* buttons = new QHBoxLayout;
     buttons->addStretch(1);
     for (QPushButton* made : {cmdISRun, cmdISQuit, cmdISHelp}) {
         buttons->addWidget(made);
     }
-    auto* contents = new QVBoxLayout(m_contents);
-    contents->setContentsMargins(0, 0, 0, 0);
-    contents->addLayout(inputs);
-    contents->addWidget(fraPopDensity);
-    contents->addWidget(fraDSMain, 1);
-    contents->addLayout(output);
-    contents->addLayout(buttons);
+    contents->addLayout(buttons, 9, 0, 1, -1);
     auto* all = new QVBoxLayout(this);
     all->addWidget(m_contents);
     cmdISRun->setDefault(true);
