@@ -87,7 +87,7 @@ void ScenarioRows::clear() {
 }
 
 int ScenarioRows::GetDSItemsFrameHeight() const {
-    return count() * row_pitch();
+    return count() * m_pitch;
 }
 
 void ScenarioRows::SetDSVScroll() {
@@ -95,7 +95,7 @@ void ScenarioRows::SetDSVScroll() {
     const int overflow = std::max(0, height - fraDSContainer->height());
     VScroll1->setRange(0, overflow);
     VScroll1->setPageStep(fraDSContainer->height());
-    VScroll1->setSingleStep(row_pitch());
+    VScroll1->setSingleStep(m_pitch);
     VScroll1->setEnabled(overflow > 0);
     fraDSItems->setGeometry(0, -VScroll1->value(), fraDSContainer->width(), height);
     m_hint->setVisible(count() == 0);
@@ -117,9 +117,19 @@ void ScenarioRows::scroll_to(const QWidget& control) {
     }
 }
 
+bool ScenarioRows::event(QEvent* event) {
+    const bool done = QGroupBox::event(event);
+    if (event->type() == QEvent::Polish || event->type() == QEvent::LayoutRequest) {
+        fit_rows();
+    }
+    return done;
+}
+
 bool ScenarioRows::eventFilter(QObject* watched, QEvent* event) {
     if (watched == fraDSContainer && event->type() == QEvent::Resize) {
         SetDSVScroll();
+    } else if (watched == fraDSItems && event->type() == QEvent::LayoutRequest) {
+        fit_rows();
     } else if (event->type() == QEvent::FocusIn && watched->parent() == fraDSItems) {
         scroll_to(*static_cast<QWidget*>(watched));
     } else if (event->type() == QEvent::Wheel && watched->parent() != this) {

@@ -54,6 +54,7 @@ class ScenarioRows final : public QGroupBox {
     void SetDSVScroll();
 
   protected:
+    bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
@@ -63,12 +64,14 @@ class ScenarioRows final : public QGroupBox {
     void unload_row();
     void show_row(int row, bool visible);
     QWidgetList controls_of(std::size_t row) const;
-    int row_pitch() const;
+    /// Fits rows and clipping frame to the fonts and the style that the controls have by now.
+    void fit_rows();
     int row_width() const;
     void VScroll1_Change(int value);
     void scroll_to(const QWidget& control);
 
     std::int16_t m_highest = -1;
+    int m_pitch = 0;
     QFrame* fraDSContainer;
     QFrame* fraDSItems;
     QScrollBar* VScroll1;

@@ -20,6 +20,8 @@ enum Column : int { kApply, kNumber, kLabel1, kTheme, kLabel2, kToClass };
 constexpr int kVisibleRows = 4;
 constexpr int kThemeCharacters = 18;
 constexpr int kListSpacing = 6;
+/// So that the columns stay where they are when a tenth row comes.
+constexpr const char* kWidestNumber = "88. ";
 
 QComboBox* row_list(const char* name, std::size_t row, const char* placeholder, const char* tip) {
     auto* list = new NameList(element_name(name, row), kThemeCharacters, placeholder);
@@ -47,6 +49,7 @@ ScenarioRows::ScenarioRows(QWidget* parent)
     cmdDSDelete->setEnabled(false);
     connect(VScroll1, &QScrollBar::valueChanged, this, &ScenarioRows::VScroll1_Change);
     fraDSContainer->installEventFilter(this);
+    fraDSItems->installEventFilter(this);
 }
 
 void ScenarioRows::build_frames() {
@@ -77,8 +80,8 @@ void ScenarioRows::build_layout() {
     auto* all = new QHBoxLayout(this);
     all->addLayout(rows, 1);
     all->addLayout(buttons);
-    fraDSContainer->setMinimumSize(row_width(), kVisibleRows * row_pitch());
     fraDSContainer->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    fit_rows();
 }
 
 void ScenarioRows::load_row() {
@@ -91,6 +94,7 @@ void ScenarioRows::load_row() {
     lblDSLabel2.push_back(named(element_name("lblDSLabel2", row), new QLabel("layer to")));
     cboDSToClass.push_back(row_list("cboDSToClass", row, "(choose a class)", "The class that they change to"));
 
+    lblDSNum[row]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     chkDSApply[row]->setChecked(true);
     chkDSApply[row]->setToolTip("Whether the run takes this scenario into account");
     chkDSApply[row]->setAccessibleName(QString("Apply scenario %1").arg(at + 1));
@@ -102,8 +106,7 @@ void ScenarioRows::load_row() {
         m_grid->addWidget(controls[column], at, column, centred ? Qt::AlignHCenter : Qt::Alignment());
         controls[column]->installEventFilter(this);
     }
-    m_grid->setColumnMinimumWidth(kApply, m_heading->sizeHint().width());
-    m_grid->setRowMinimumHeight(at, row_pitch());
+    m_grid->setRowMinimumHeight(at, m_pitch);
     show_row(at, row > 0);
 }
 
@@ -132,16 +135,39 @@ QWidgetList ScenarioRows::controls_of(std::size_t row) const {
 
 /// Of a row none of whose texts is cut; hidden controls count.
 int ScenarioRows::row_width() const {
-    const QWidgetList controls = controls_of(0);
-    int width = m_grid->columnMinimumWidth(kApply) - controls[kApply]->sizeHint().width();
-    for (const QWidget* control : controls) {
-        width += control->sizeHint().width();
+    int width = 0;
+    for (int column = 0; column < m_grid->columnCount(); ++column) {
+        int widest = m_grid->columnMinimumWidth(column);
+        for (std::size_t row = 0; row < chkDSApply.size(); ++row) {
+            widest = std::max(widest, controls_of(row)[column]->sizeHint().width());
+        }
+        width += widest;
     }
-    return width + (controls.size() - 1) * m_grid->horizontalSpacing();
+    return width + (m_grid->columnCount() - 1) * m_grid->horizontalSpacing();
 }
 
-int ScenarioRows::row_pitch() const {
-    return std::max(cboDSTheme[0]->sizeHint().height(), chkDSApply[0]->sizeHint().height()) + kListSpacing;
+void ScenarioRows::fit_rows() {
+    for (std::size_t row = 0; row < chkDSApply.size(); ++row) {
+        for (QWidget* control : controls_of(row)) {
+            control->ensurePolished();  // hidden ones would wait until they are shown
+        }
+    }
+    const auto widen = [this](Column column, int width) {
+        // Setting what is set already would ask for the layout again, without end.
+        if (m_grid->columnMinimumWidth(column) != width) {
+            m_grid->setColumnMinimumWidth(column, width);
+        }
+    };
+    widen(kApply, m_heading->sizeHint().width());
+    widen(kNumber, lblDSNum[0]->fontMetrics().horizontalAdvance(kWidestNumber));
+    m_pitch = std::max(cboDSTheme[0]->sizeHint().height(), chkDSApply[0]->sizeHint().height()) + kListSpacing;
+    for (int row = 0; row < static_cast<int>(chkDSApply.size()); ++row) {
+        if (m_grid->rowMinimumHeight(row) != m_pitch) {
+            m_grid->setRowMinimumHeight(row, m_pitch);
+        }
+    }
+    fraDSContainer->setMinimumSize(row_width(), kVisibleRows * m_pitch);
+    SetDSVScroll();
 }
 
 }  // namespace kestrel

@@ -242,21 +242,5 @@ TEST_F(ParamsTest, TabGoesThroughTheControlsInTheirOrder) {
                                    "txtOutputTheme", "cmdOutputBrowse", "txtThemeName", "cmdISRun", "cmdISQuit"));
 }
 
-TEST_F(ParamsTest, NothingIsCutOff) {
-    open();
-    click("cmdDSAdd");
-    m_form->resize(m_form->minimumSizeHint());
-    QApplication::processEvents();
-    for (const QWidget* shown : m_form->findChildren<QWidget*>()) {
-        if (!shown->isVisible()) continue;
-        if (qobject_cast<const QLabel*>(shown) != nullptr || qobject_cast<const QAbstractButton*>(shown) != nullptr) {
-            EXPECT_GE(shown->width(), shown->sizeHint().width()) << shown->objectName().toStdString();
-            EXPECT_GE(shown->height(), shown->minimumSizeHint().height()) << shown->objectName().toStdString();
-        }
-    }
-    auto& items = control<QFrame>("fraDSItems");
-    EXPECT_LE(list("cboDSToClass(0)").geometry().right(), items.width());
-}
-
 }  // namespace
 }  // namespace kestrel::test
