@@ -27,6 +27,8 @@ CELL = 30.0
 # Half a millimetre off the lattice of the vertices: no cell centre lies on a border, where programs may differ.
 WEST, NORTH = 1200015.0005, 2100015.0005
 CLASSES = np.array([11, 21, 22, 23, 24, 31, 41, 42, 43, 52, 71, 81, 82, 90, 95], np.uint8)
+# Of borders: with more, some would cross themselves, and repairing them would be what is measured.
+ROUGHNESS = 0.1
 SHARES = np.array([3, 7, 3, 1, 0.2, 2, 18, 12, 6, 9, 9, 11, 13, 3.8, 2])
 
 
@@ -105,7 +107,7 @@ def mesh(seed, extent, count, depth):
     corner = lambda i, j: (round(WEST + i * step + (moves[j, i, 0] if 0 < i < side else 0), 3),
                            round(NORTH - j * step + (moves[j, i, 1] if 0 < j < side else 0), 3))
     across = lambda i, j: border(np.random.default_rng([seed, 1, i, j]), corner(i, j), corner(i + 1, j),
-                                 depth if 0 < j < side else 0, 0.35)
+                                 depth if 0 < j < side else 0, ROUGHNESS)
     down = lambda i, j: border(np.random.default_rng([seed, 2, i, j]), corner(i, j), corner(i, j + 1),
                                depth if 0 < i < side else 0, 0.35)
     upper = [across(i, 0) for i in range(side)]

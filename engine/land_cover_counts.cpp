@@ -21,14 +21,24 @@ bool before(const KeyedCells& a, const KeyedCells& b) {
     return a.key != b.key ? a.key < b.key : a.land_class < b.land_class;
 }
 
+/// The classes that occur, ascending; there are few.
 std::vector<std::int32_t> classes_of(const std::vector<KeyedCells>& cells) {
     std::vector<std::int32_t> classes;
     for (const KeyedCells& entry : cells) {
-        classes.push_back(entry.land_class);
+        const auto at = std::lower_bound(classes.begin(), classes.end(), entry.land_class);
+        if (at == classes.end() || *at != entry.land_class) {
+            classes.insert(at, entry.land_class);
+        }
     }
-    std::sort(classes.begin(), classes.end());
-    classes.erase(std::unique(classes.begin(), classes.end()), classes.end());
     return classes;
+}
+
+/// Sorts what is in order already where zones have keys in their own order.
+template <typename Element, typename Before>
+void sort_unless_sorted(std::vector<Element>& elements, Before is_before) {
+    if (!std::is_sorted(elements.begin(), elements.end(), is_before)) {
+        std::sort(elements.begin(), elements.end(), is_before);
+    }
 }
 
 }  // namespace
@@ -52,11 +62,15 @@ Tabulation LandCoverCounts::tabulate(Wanted wanted, ClassOf class_of) const {
             keys.push_back(key);
         }
     }
+    sort_unless_sorted(cells, before);
+    const auto of_nodata = static_cast<std::ptrdiff_t>(keys.size());
     for (const KeyedCells& entry : cells) {
-        keys.push_back(entry.key);
+        if (static_cast<std::ptrdiff_t>(keys.size()) == of_nodata || keys.back() != entry.key) {
+            keys.push_back(entry.key);
+        }
     }
-    std::sort(cells.begin(), cells.end(), before);
-    std::sort(keys.begin(), keys.end());
+    std::sort(keys.begin(), keys.begin() + of_nodata);
+    std::inplace_merge(keys.begin(), keys.begin() + of_nodata, keys.end());
     keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
 
     Tabulation result{.cell_area = m_cell_area, .classes = classes_of(cells), .rows = {}};
