@@ -139,9 +139,14 @@ def picture(widget, name):
 
 
 def screen(name):
+    if os.environ.get("KESTREL_DRIVE_PICTURES"):
+        wait(1500)
+        screen_now(name)
+
+
+def screen_now(name):
     folder = os.environ.get("KESTREL_DRIVE_PICTURES")
     if folder:
-        wait(1500)
         QApplication.primaryScreen().grabWindow(0).save(str(Path(folder) / f"{name}.png"))
 
 
