@@ -65,20 +65,11 @@ std::string ParamsTest::focused() {
 }
 
 void ParamsTest::click(const char* button) {
-    auto& pressed = control<QAbstractButton>(button);
-    QTest::mouseClick(&pressed, Qt::LeftButton, Qt::NoModifier, {8, pressed.height() / 2});
-    QApplication::processEvents();  // what a button leaves for after its click
+    press(*m_form, button);
 }
 
 void ParamsTest::choose(const char* name, const std::string& text) {
-    QComboBox& box = list(name);
-    box.setFocus();
-    const int wanted = box.findText(QString::fromStdString(text), Qt::MatchExactly | Qt::MatchCaseSensitive);
-    ASSERT_GE(wanted, 0) << text << " is not in " << name;
-    QTest::keyClick(&box, Qt::Key_Home);
-    for (int i = 0; i < box.count() && box.currentIndex() != wanted; ++i)
-        QTest::keyClick(&box, Qt::Key_Down);
-    ASSERT_EQ(box.currentText().toStdString(), text);
+    choose_entry(list(name), text);
 }
 
 void ParamsTest::choose_option(int index) {

@@ -13,6 +13,7 @@
 
 #include "parameters/frmISParams.h"
 #include "tests/support/small_world.h"
+#include "tests/support/user_actions.h"
 
 namespace kestrel::test {
 
@@ -64,9 +65,7 @@ class ParamsTest : public testing::Test {
 
     template <typename Control>
     Control& control(const char* name) {
-        auto* found = m_form->findChild<Control*>(name);
-        if (found == nullptr) throw std::runtime_error(std::string("no control ") + name);
-        return *found;
+        return control_in<Control>(*m_form, name);
     }
     QComboBox& list(const char* name) { return control<QComboBox>(name); }
     QLineEdit& output() { return control<QLineEdit>("txtOutputTheme"); }

@@ -7,10 +7,10 @@
 #include <QProgressBar>
 #include <QTimer>
 
-#include "host/qt_interaction.h"
 #include "parameters/frmISParams.h"
 #include "platform/files.h"
 #include "tests/parameters/params_fixture.h"
+#include "tests/support/desktop_host.h"
 
 /// \file
 /// Runs of the form under the waiting window of a desktop.
@@ -20,30 +20,6 @@ namespace {
 using testing::Contains;
 using testing::Not;
 using testing::SizeIs;
-
-/// A desktop's host: boxes and windows are Qt's, and a run's progress is that of the waiting window.
-class DesktopHost final : public platform::Application {
-  public:
-    DesktopHost(SmallWorld& world, QtInteraction& user) : m_world(world), m_user(user) {}
-
-    platform::Document& document() override { return m_world.application.document(); }
-    platform::IExtensionConfig* find_extension(std::string_view class_id) override {
-        return m_world.application.find_extension(class_id);
-    }
-    std::shared_ptr<platform::FeatureLayer> make_feature_layer(const std::string& path,
-                                                               const std::string& name) override {
-        return m_world.application.make_feature_layer(path, name);
-    }
-    platform::Interaction& interaction() override { return m_user; }
-    platform::Progress& progress() override { return m_user.progress(); }
-    void run_ended(platform::RunResult result) override { results.push_back(std::move(result)); }
-
-    std::vector<platform::RunResult> results;
-
-  private:
-    SmallWorld& m_world;
-    QtInteraction& m_user;
-};
 
 QWidget* waiting_form() {
     for (QWidget* const widget : QApplication::topLevelWidgets()) {
@@ -64,7 +40,7 @@ class WaitingRunTest : public ParamsTest {
 
     QtInteraction m_user;
     platform::ScopedInteraction m_scope{m_user};
-    DesktopHost m_desktop{m_world, m_user};
+    DesktopHost m_desktop{m_world.application, m_user};
 };
 
 TEST_F(WaitingRunTest, TheWindowBelongsToTheFormAndGoesAtTheEnd) {
