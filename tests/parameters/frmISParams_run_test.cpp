@@ -312,28 +312,6 @@ TEST_F(RunTest, TheFolderIsLockedWhileTheParameterFileIsThere) {
     EXPECT_NO_THROW(platform::FolderLock(m_world.extension.path()));
 }
 
-TEST_F(RunTest, RefreshPutsTheRememberedPositionsBackAndEmptiesTheNames) {
-    choose("cboAnalysisTheme", "blocks");
-    choose("cboAnalysisUnit", "KIND");
-    type_output(out("is"));
-    tab();
-    choose("cboAnalysisTheme", "sheds");
-    click("cmdISRun");  // no option is chosen
-    EXPECT_EQ(chosen("cboAnalysisTheme"), "blocks");
-    EXPECT_EQ(chosen("cboAnalysisUnit"), "KIND");
-    EXPECT_EQ(output().text(), "");
-    EXPECT_EQ(layer_name().text(), "");
-}
-
-TEST_F(RunTest, RefreshLeavesAnAnalysisLayerBeyondTheList) {
-    choose("cboAnalysisTheme", "plan");
-    type_output(out("is"));
-    tab();
-    map().remove_layer(map().layers().at(3));
-    click("cmdISRun");
-    EXPECT_EQ(chosen("cboAnalysisTheme"), "sheds");
-}
-
 TEST_F(RunTest, TheFormShowsTheHourglassAndTakesNoInputWhileTheRunWorks) {
     fill();
     bool looked = false;

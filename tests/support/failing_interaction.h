@@ -19,10 +19,13 @@ class FailingInteraction : public platform::Interaction {
     void show_call_stack(std::string_view text) override { call_stacks.emplace_back(text); }
     std::unique_ptr<platform::WaitingWindow> waiting_window(std::string_view) override { fail(); }
     void show_help() override { fail(); }
-    void notice(std::string_view) override {}
+    void notice(std::string_view) override {
+        if (notices_fail) fail();
+    }
     void beep() override {}
 
     std::vector<std::string> call_stacks;
+    bool notices_fail = false;
 
   private:
     [[noreturn]] static void fail() { throw platform::RuntimeError(70, "Permission denied", "Kestrel", 45); }

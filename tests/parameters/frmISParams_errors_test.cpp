@@ -1,0 +1,123 @@
+// SPDX-FileCopyrightText: The Kestrel developers
+// SPDX-License-Identifier: MIT
+#include <QApplication>
+#include <QScrollBar>
+
+#include "parameters/frmISParams.h"
+#include "platform/files.h"
+#include "tests/parameters/params_fixture.h"
+#include "tests/support/failing_event.h"
+#include "tests/support/failing_interaction.h"
+
+/// \file
+/// What the call stack of an error says: its bottom line is the procedure that failed, with its module.
+namespace kestrel::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class ErrorsTest : public ParamsTest {
+  protected:
+    void SetUp() override { open(); }
+
+    static auto entry(const std::string& procedure_and_module) {
+        return HasSubstr("error line.\r\n\r\n\t" + procedure_and_module + " Line : 45\r\n");
+    }
+    /// The same, where the line is the library's.
+    static auto entry_anywhere(const std::string& procedure_and_module) {
+        return HasSubstr("error line.\r\n\r\n\t" + procedure_and_module + " ");
+    }
+    /// What is reported when `act` is done and no box can be shown.
+    std::vector<std::string> reported_by(const std::function<void()>& act, bool notices_fail = false) {
+        FailingInteraction user;
+        user.notices_fail = notices_fail;
+        act();
+        EXPECT_TRUE(m_form->isVisible());
+        return user.call_stacks;
+    }
+    void lose(const std::string& layer) { platform::remove_file(m_world.folder / (layer + ".shp")); }
+};
+
+TEST_F(ErrorsTest, ButtonsThatLeaveTheOutputBoxReportUnderTheirOwnNames) {
+    click("cmdDSAdd");
+    for (const auto& [button, procedure] : {std::pair{"cmdDSAdd", "cmdDSAdd_Click ISParams"},
+                                            {"cmdDSDelete", "cmdDSDelete_Click ISParams"},
+                                            {"optPopDensity(1)", "optPopDensity_MouseUp ISParams"},
+                                            {"cmdISRun", "cmdISRun_Click ISParams"}}) {
+        type_output("roads");
+        EXPECT_THAT(reported_by([this, name = button] { click(name); }), ElementsAre(entry(procedure))) << button;
+    }
+    EXPECT_FALSE(has("cboDSTheme(1)")) << "no row was added after the error";
+}
+
+TEST_F(ErrorsTest, TheModuleOfTheRowsReportsItsOwnProcedures) {
+    click("cmdDSAdd");
+    EXPECT_THAT(reported_by([this] { click("cmdDSDelete"); }), ElementsAre(entry("RemoveDS basISModelUtil")));
+    EXPECT_TRUE(list("cboDSTheme(0)").isVisible());
+    list("cboLCType").setCurrentIndex(-1);
+    EXPECT_THAT(reported_by([this] { click("cmdDSAdd"); }), ElementsAre(entry("AddDS basISModelUtil")));
+}
+
+TEST_F(ErrorsTest, ValidationReportsAndDoesNotRun) {
+    type_output(out("is"));
+    tab();
+    EXPECT_THAT(reported_by([this] { click("cmdISRun"); }), ElementsAre(entry("ValidateForm basISModelUtil")));
+    EXPECT_TRUE(m_host.results.empty());
+}
+
+TEST_F(ErrorsTest, AnAnalysisLayerThatIsGoneIsReportedByTheListOfItsFields) {
+    lose("blocks");
+    EXPECT_THAT(reported_by([this] { choose("cboAnalysisTheme", "blocks"); }),
+                ElementsAre(entry_anywhere("LoadFldsCombobox basISModelUtil")));
+    EXPECT_TRUE(entries("cboAnalysisUnit").empty());
+}
+
+TEST_F(ErrorsTest, AChoiceWithoutAHostReportsItsClick) {
+    m_form->Application(nullptr);
+    EXPECT_THAT(reported_by([this] { choose("cboAnalysisTheme", "blocks"); }),
+                ElementsAre(entry_anywhere("cboAnalysisTheme_Click ISParams")));
+}
+
+TEST_F(ErrorsTest, MapEventsReportUnderTheirNames) {
+    lose("blocks");
+    EXPECT_THAT(reported_by([this] { map().move_layer(0, 1); }, true), ElementsAre(entry("ItemReordered ISParams")));
+    click("cmdISQuit");
+    m_form->show();
+    lose("plan");
+    EXPECT_THAT(reported_by([this] { map().remove_layer(map().layers().at(0)); }, true),
+                ElementsAre(entry("ItemDeleted ISParams")));
+}
+
+TEST_F(ErrorsTest, ADensityLayerThatIsGoneIsReportedByTheListOfItsFields) {
+    in_dialog([this](QDialog& dialog) {
+        lose("blocks");
+        EXPECT_THAT(reported_by([&] { choose_entry(control_in<QComboBox>(dialog, "cboPDenTheme"), "blocks"); }),
+                    ElementsAre(entry_anywhere("LoadFldsCombobox basISModelUtil")));
+        EXPECT_TRUE(dialog.isVisible());
+    });
+    choose_option(3);
+}
+
+TEST_F(ErrorsTest, TheDensityDialogReportsItsChecksAndItsLoad) {
+    in_dialog([this](QDialog& dialog) {
+        EXPECT_THAT(reported_by([&] { press(dialog, "cmdOK"); }),
+                    ElementsAre(entry("ValidatePDenForm basISModelUtil")));
+    });
+    choose_option(3);
+    activate();
+    lose("blocks");
+    in_dialog([](QDialog&) {});
+    EXPECT_THAT(reported_by([this] { choose_option(3); }, true), testing::Contains(entry("Form_Load ISPDensity")));
+}
+
+TEST_F(ErrorsTest, ScrollingReportsUnderItsName) {
+    for (int i = 0; i < 12; ++i)
+        click("cmdDSAdd");
+    FailingEvent failing(control<QFrame>("fraDSItems"), QEvent::Move);
+    EXPECT_THAT(reported_by([this] { control<QScrollBar>("VScroll1").setValue(0); }),
+                ElementsAre(entry("VScroll1_Change ISParams")));
+}
+
+}  // namespace
+}  // namespace kestrel::test
