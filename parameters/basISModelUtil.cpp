@@ -138,7 +138,7 @@ OutputName completed_output_name(std::string_view typed, const std::string& temp
         const std::string chosen = !temporary_folder.empty() && platform::folder_exists(temporary_folder)
                                        ? temporary_folder
                                        : platform::join_path(extension_folder, "output");
-        name.folder_chosen = true;
+        name.chosen_folder = chosen;
         name.path = platform::join_path(chosen, name.file_name);
         name.folder = name.path.substr(0, name.path.size() - name.file_name.size());
     }

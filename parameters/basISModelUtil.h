@@ -67,8 +67,8 @@ struct OutputName {
     /// With its trailing separator.
     std::string folder;
     std::string file_name;
-    /// Whether there was no folder, or none that exists, so that another one was chosen.
-    bool folder_chosen = false;
+    /// The folder that was chosen because none was typed, or none that exists; empty when the typed one stays.
+    std::string chosen_folder;
 };
 
 /// Trims the text and appends ".shp" (or "shp" after a point) unless it ends in "shp", in any letter case; a folder

@@ -97,8 +97,8 @@ void frmISParams::apply_output_rules() {
     m_field_position = cboAnalysisUnit->currentIndex();
     m_output_file = name.file_name;
     m_output_folder = name.folder;
-    if (name.folder_chosen) {
-        interaction().message_box(form_texts::other_output_folder(platform::folder_of(name.path)));
+    if (!name.chosen_folder.empty()) {
+        interaction().message_box(form_texts::other_output_folder(name.chosen_folder));
     }
 }
 

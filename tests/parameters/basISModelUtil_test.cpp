@@ -158,14 +158,14 @@ TEST_F(OutputNameTest, ABareNameGoesIntoTheTemporaryFolder) {
     EXPECT_EQ(name.path, m_temporary / "roads.shp");
     EXPECT_EQ(name.folder, m_temporary.path() + "/");
     EXPECT_EQ(name.file_name, "roads.shp");
-    EXPECT_TRUE(name.folder_chosen);
+    EXPECT_EQ(name.chosen_folder, m_temporary.path());
 }
 
 TEST_F(OutputNameTest, AFolderThatExistsStays) {
     const OutputName name = completed_output_name(m_temporary / "roads", "/none", "/extension");
     EXPECT_EQ(name.path, m_temporary / "roads.shp");
     EXPECT_EQ(name.folder, m_temporary.path() + "/");
-    EXPECT_FALSE(name.folder_chosen);
+    EXPECT_EQ(name.chosen_folder, "");
 }
 
 TEST_F(OutputNameTest, TheExtensionIsCompleted) {
@@ -183,10 +183,16 @@ TEST_F(OutputNameTest, BothSeparatorsSplitThePath) {
     EXPECT_EQ(completed("/no such folder/roads"), m_temporary / "roads.shp");
 }
 
+TEST_F(OutputNameTest, TheChosenFolderIsToldAsItIs) {
+    const OutputName name = completed_output_name("roads", m_temporary.path() + "/", "/extension");
+    EXPECT_EQ(name.chosen_folder, m_temporary.path() + "/");
+    EXPECT_EQ(name.path, m_temporary / "roads.shp") << "with one separator";
+}
+
 TEST_F(OutputNameTest, NothingStaysNothing) {
     EXPECT_EQ(completed(""), "");
     EXPECT_EQ(completed("  "), "");
-    EXPECT_FALSE(completed_output_name(" ", m_temporary.path(), "/extension").folder_chosen);
+    EXPECT_EQ(completed_output_name(" ", m_temporary.path(), "/extension").chosen_folder, "");
 }
 
 TEST_F(OutputNameTest, WithoutATemporaryFolderTheExtensionsOutputFolderIsTaken) {
