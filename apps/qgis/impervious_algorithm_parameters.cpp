@@ -6,6 +6,7 @@
 #include "apps/qgis/feedback.h"
 #include "apps/qgis/impervious_algorithm.h"
 #include "coefficients/basUtil.h"
+#include "parameters/form_texts.h"
 #include "platform/files.h"
 
 /// \file
@@ -127,9 +128,10 @@ bool ImperviousAlgorithm::checkParameterValues(const QVariantMap& parameters, Qg
                              .arg(parameterDefinition(needed)->description());
             }
         }
-        if (reason.isEmpty() && parameterAsDouble(parameters, "DENSITY_HIGH", context) <=
+        // Equal ones pass, as they do in the form.
+        if (reason.isEmpty() && parameterAsDouble(parameters, "DENSITY_HIGH", context) <
                                     parameterAsDouble(parameters, "DENSITY_LOW", context)) {
-            reason = "The high cut-off of the population density must be above the low one.";
+            reason = form_texts::kLowAboveHigh;
         }
     }
     if (scenario_cells(parameters, context).size() % 2 != 0) {

@@ -158,8 +158,10 @@ TEST_F(ImperviousAlgorithmTest, ChoosesTheCoefficientByPopulationDensity) {
     parameters["DENSITY_LAYER"] = "blocks";
     parameters["DENSITY_FIELD"] = "POP";
     parameters["DENSITY_HIGH"] = 100;
-    parameters["DENSITY_LOW"] = 100;
-    EXPECT_EQ(run_algorithm(), "The high cut-off of the population density must be above the low one.");
+    parameters["DENSITY_LOW"] = 100.5;
+    EXPECT_EQ(run_algorithm(), "Population density \"Low\" value must be less than the \"High\" value.");
+    parameters["DENSITY_LOW"] = 100;  // equal ones pass
+    EXPECT_EQ(run_algorithm(), "");
     parameters["DENSITY_LOW"] = 20.5;
     EXPECT_EQ(run_algorithm(), "");
     world.parameters.option = "3";
