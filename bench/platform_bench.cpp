@@ -11,6 +11,7 @@
 #include "platform/edge_sweep.h"
 #include "platform/geometry.h"
 #include "platform/piece_counter.h"
+#include "platform/piece_spans.h"
 #include "platform/polygon_check.h"
 #include "platform/row_spans.h"
 #include "tests/support/exact_reference.h"
@@ -73,7 +74,63 @@ void DissolveByCancelling(benchmark::State& state) {
     }
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(polygons.point_count()));
 }
-BENCHMARK(DissolveByCancelling)->Arg(8)->Arg(64);
+BENCHMARK(DissolveByCancelling)->Arg(8)->Arg(64)->UseRealTime();  // another thread does the work
+
+/// Boxes in rows, each row cut elsewhere: corners lie on the borders of neighbours.
+PolygonSet bricks(int side) {
+    std::mt19937 random(3);
+    PolygonSet polygons;
+    for (int row = 0; row < side; ++row) {
+        double west = 0;
+        for (int i = 0; i < side; ++i) {
+            const double east = i + 1 + std::uniform_real_distribution<double>(0, 0.9)(random);
+            polygons.begin_feature();
+            polygons.begin_polygon();
+            polygons.begin_ring();
+            for (const Point p : {Point{west, row + 0.0}, Point{east, row + 0.0}, Point{east, row + 1.0},
+                                  Point{west, row + 1.0}, Point{west, row + 0.0}}) {
+                polygons.add(p);
+            }
+            west = east;
+        }
+    }
+    return polygons;
+}
+
+void DissolveByArrangement(benchmark::State& state) {
+    const PolygonSet polygons = bricks(static_cast<int>(state.range(0)));
+    const std::vector<std::uint32_t> one_group(polygons.feature_count(), 0);
+    NoProgress nobody;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(dissolve(polygons, one_group, 1, nobody, 1));
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(polygons.point_count()));
+}
+BENCHMARK(DissolveByArrangement)->Arg(8)->Arg(64)->UseRealTime();  // another thread does the work
+
+void CountUnderSpans(benchmark::State& state) {
+    const PolygonSet polygons = coverage(static_cast<int>(state.range(0)));
+    const PolygonSet overlay = coverage(5);
+    const LayerSweeps layers{EdgeSweep(polygons, kGrid, 256), EdgeSweep(overlay, kGrid, 256), {}};
+    const auto cells = patches(12);  // the same rows again for every band
+    PieceSpans spans;
+    PieceCounter counter;
+    ScenarioSets sets;
+    for (auto _ : state) {
+        for (int band = 0; band < layers.zones.band_count(); ++band) {
+            spans.lay_out(layers, band, counter, sets);
+            for (std::size_t row = 0; row < 256; ++row) {
+                const std::uint8_t* const line = cells.data() + row * 2048;
+                spans.for_each(row, 0, kGrid.columns, [&](const PieceSpans::Span& span) {
+                    for_each_run(line, static_cast<std::size_t>(span.begin), static_cast<std::size_t>(span.end),
+                                 [&](std::uint8_t value, std::size_t count) { counter.add(span.piece, value, count); });
+                });
+            }
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * kGrid.rows * kGrid.columns);
+}
+BENCHMARK(CountUnderSpans)->Arg(8)->Arg(64);
 
 void CheckValidity(benchmark::State& state) {
     const PolygonSet polygons = coverage(64);
