@@ -18,18 +18,22 @@ inline bool below(Point a, Point b) {
 }
 
 /// An edge of a polygon, or a part of one, with its ends in ascending order. `polygons_left` says how many more
-/// polygons lie on its left, looking up, than on its right.
+/// polygons lie on its left, looking from `low` to `high`, than on its right: 1 or -1 for the edge of one polygon, any
+/// number where edges of several lie on one another.
 struct Edge {
     Point low;
     Point high;
     int polygons_left = 0;
+    friend bool operator==(const Edge&, const Edge&) = default;
 };
 
-/// The edges of features, none of them of no length.
+/// The edges of the features at the positions `members`, none of them of no length. Rings may run either way: the first
+/// of a polygon is its shell, the others are holes.
 std::vector<Edge> edges_of(const PolygonSet& polygons, std::span<const std::size_t> members);
 
 /// The parts of edges that meet at their ends only. Parts that lie on one another are one; those with as many polygons
-/// on either side are left out.
+/// on either side are left out, so a border that two polygons share is gone, however their corners lie along it. The
+/// order of the result does not depend on that of the edges.
 ///
 /// Where edges end on one another is decided exactly; where they cross is rounded to doubles, points that are some last
 /// digits apart being one.

@@ -23,7 +23,11 @@ struct LayerSweeps {
 };
 
 /// The cells of a band, row by row in spans that lie in one piece each: one zone, under one overlay polygon or none,
-/// under one set of scenarios. Cells of no zone are in no span.
+/// under one set of scenarios. Where several zones or overlay polygons cover a cell, the last of them owns it. Cells of
+/// no zone are in no span.
+///
+/// Made once for a thread and laid out anew for every band. The cells of a band are read in tiles, column of tiles
+/// after column of tiles, and each tile asks for the parts of the spans that lie in it.
 class PieceSpans {
   public:
     /// The cells [begin, end) of a row, and the piece that they belong to.
@@ -33,14 +37,16 @@ class PieceSpans {
         std::uint32_t piece = 0;
     };
 
-    /// Finds the spans of a band. Pieces get their positions in `counter`.
+    /// Finds the spans of a band. Pieces get their positions in `counter`, sets of scenarios theirs in `sets`; both go
+    /// with one another through all bands. All sweeps have the same grid and bands.
     void lay_out(const LayerSweeps& layers, int band, PieceCounter& counter, ScenarioSets& sets);
 
     /// The cells of the band in zones, row by row, before later zones take those that several cover.
     const std::vector<std::vector<RowSpan>>& zone_rows() const noexcept { return m_zone_rows; }
 
-    /// Calls take(span) for the parts of a row's spans between two columns. Parts of a row are asked for from the west
-    /// to the east, each once.
+    /// Calls take(span) for the parts of a row's spans between two columns.
+    /// \pre Parts of a row are asked for from the west to the east, each once and none left out.
+    /// \param row counted from the first of the band.
     template <typename Take>
     void for_each(std::size_t row, std::int32_t first_column, std::int32_t end_column, Take take) {
         std::size_t& next = m_next[row];

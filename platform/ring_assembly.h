@@ -14,13 +14,15 @@
 /// together.
 namespace kestrel::platform {
 
-/// Gives every point a number, the same to equal points.
+/// Gives every point a number, the same to equal points: 0 to the first that it is asked for, 1 to the next one that
+/// differs. Zero and minus zero are equal.
 class PointNumbers {
   public:
-    /// \param most_points how many there can be.
+    /// \param most_points how many different points there can be; no more may follow.
     explicit PointNumbers(std::size_t most_points);
 
     std::uint32_t of(Point p);
+    /// The points by their numbers.
     const std::vector<Point>& points() const noexcept { return m_points; }
 
   private:
@@ -28,9 +30,10 @@ class PointNumbers {
     std::vector<Point> m_points;
 };
 
-/// Makes one feature of closed rings that do not cross: those that run left about are shells, the others holes of the
-/// smallest shell around them. Rings begin at their lowest point and stand in its order, whatever order they come in.
-/// \return nothing when a hole lies in no shell, or on the border of one.
+/// Makes one feature of closed rings that do not cross but may touch in points: those that run left about are shells,
+/// the others holes of the smallest shell around them. Rings begin at their westernmost point, the southernmost of
+/// those, and polygons, and the holes of each, stand in the order of these points, whatever order they come in.
+/// \return nothing when a hole lies in no shell, or all of its corners lie on the border of one.
 std::optional<PolygonSet> assemble_rings(std::vector<std::vector<Point>> rings);
 
 }  // namespace kestrel::platform
