@@ -78,6 +78,12 @@ TEST(NodedEdges, ASharedBorderGoesAlsoWhereOneSideHasMoreCorners) {
         << ::testing::PrintToString(edges);
 }
 
+TEST(NodedEdges, ABorderThatGoesCutsNothing) {
+    const Edges edges = noded_edges_of(features({{box(0, 0, 2, 2)}, {box(2, 0, 2, 2)}, {box(1, 0.5, 2, 1)}}));
+    EXPECT_EQ(std::count(edges.begin(), edges.end(), Edge{{1, 0.5}, {3, 0.5}, 1}), 1)
+        << ::testing::PrintToString(edges);
+}
+
 TEST(NodedEdges, ASpikeOfNoWidthGoes) {
     EXPECT_EQ(noded_edges_of(features({{{{0, 0}, {2, 0}, {9, 7}, {2, 0}, {0, 2}}}})),
               noded_edges_of(features({{{{0, 0}, {2, 0}, {0, 2}}}})));
@@ -111,6 +117,33 @@ TEST(NodedEdges, ThreeEdgesThroughAPointThatIsNoDoubleMeetInOnePoint) {
     }
     EXPECT_EQ(edges->size(), 6U);
     EXPECT_EQ(inner.size(), 1U);
+}
+
+TEST(NodedEdges, ThreeEdgesThatMissACommonPointByLastDigitsMeetInOnePoint) {
+    std::mt19937 random(44);
+    std::uniform_real_distribution<double> between(0, 1);
+    for (int i = 0; i < 2000; ++i) {
+        const Point centre{1e6 + between(random), 2e6 + between(random)};
+        const double turned = between(random);
+        Edges edges;
+        for (int n = 0; n < 3; ++n) {
+            const double angle = turned + n * 1.04;
+            const auto at = [&](double along) {
+                return Point{centre.x + along * std::cos(angle), centre.y + along * std::sin(angle)};
+            };
+            const Point one = at(50 + 50 * between(random));
+            const Point other = at(-50 - 50 * between(random));
+            edges.push_back({below(one, other) ? one : other, below(one, other) ? other : one, 1});
+        }
+        const auto parts = noded(edges);
+        ASSERT_TRUE(parts.has_value());
+        ASSERT_EQ(parts->size(), 6U) << "case " << i;
+        std::set<std::pair<double, double>> ends;
+        for (const Edge& e : *parts) {
+            ends.insert({{e.low.x, e.low.y}, {e.high.x, e.high.y}});
+        }
+        ASSERT_EQ(ends.size(), 7U) << "case " << i;
+    }
 }
 
 TEST(NodedEdges, TooManyEdgesCloseTogetherAreNotCompared) {

@@ -119,6 +119,22 @@ TEST(RingAssembly, AHoleBesideAShellThatItTouchesIsNotItsHole) {
               (std::vector<std::pair<Point, std::size_t>>{{{0, 0}, 2}, {{1, 4}, 1}}));
 }
 
+TEST(RingAssembly, AHoleLevelWithACornerOfItsShellIsItsHole) {
+    const auto polygons =
+        polygons_of(assemble_rings({shell({{0, 2}, {4, 0}, {8, 2}, {4, 4}}), hole({{2, 2}, {4, 1}, {4, 3}})}));
+    EXPECT_EQ(lowest_points_and_rings(polygons), (std::vector<std::pair<Point, std::size_t>>{{{0, 2}, 2}}));
+}
+
+TEST(RingAssembly, ShellsThatTouchInTheirFirstCornerHaveTheirOwnHoles) {
+    // The inner shell comes first: its second corner lies further west.
+    const auto polygons =
+        polygons_of(assemble_rings({shell({{0, 0}, {9, -9}, {9, 9}}), hole({{0, 0}, {8, -6}, {8, 6}}),
+                                    shell({{0, 0}, {7, -3}, {7, 3}}), hole({{4, 0}, {5, -1}, {5, 1}})}));
+    ASSERT_EQ(polygons.size(), 2U);
+    EXPECT_EQ(polygons[0], (Rings{closed({{0, 0}, {7, -3}, {7, 3}}), closed({{4, 0}, {5, 1}, {5, -1}})}));
+    EXPECT_EQ(polygons[1], (Rings{closed({{0, 0}, {9, -9}, {9, 9}}), closed({{0, 0}, {8, 6}, {8, -6}})}));
+}
+
 TEST(RingAssembly, AHoleInNoShellMakesNothing) {
     EXPECT_FALSE(assemble_rings({shell(box(0, 0, 2, 2)), hole(box(5, 5, 1, 1))}).has_value());
     EXPECT_FALSE(assemble_rings({hole(box(5, 5, 1, 1))}).has_value());
