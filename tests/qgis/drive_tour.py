@@ -23,7 +23,7 @@ DEMO = Path("/tmp/demo") if os.environ.get("KESTREL_DRIVE_PICTURES") else drive.
 def open_demonstration():
     subprocess.run([os.environ["KESTREL_DRIVE_COMMAND"], "demo", str(DEMO), "--size", "medium"], check=True, stdout=subprocess.DEVNULL)
     subprocess.run(["/usr/bin/python3", str(ROOT / "tools" / "make-demo-project"), str(DEMO)], check=True,
-                   env=dict(os.environ, QT_QPA_PLATFORM="offscreen"))
+                   env=dict(os.environ, QT_QPA_PLATFORM="offscreen", LD_PRELOAD=""))
     check("the project opens", QgsProject.instance().read(str(DEMO / "demo.qgz")))
     iface.mapCanvas().zoomToFullExtent()
     drive.wait(1500)
