@@ -115,13 +115,13 @@ void QtInteraction::show_call_stack(std::string_view text) {
 std::unique_ptr<platform::WaitingWindow> QtInteraction::waiting_window(std::string_view text) {
     auto window = std::make_unique<ProcessingWindow>(qt_text(text));
     platform::Progress* const progress = window.get();
-    m_waiting.push_back(progress);
-    window->when_closed([this, progress] { std::erase(m_waiting, progress); });
+    m_waiting->push_back(progress);
+    window->when_closed([waiting = m_waiting, progress] { std::erase(*waiting, progress); });
     return window;
 }
 
 platform::Progress& QtInteraction::progress() {
-    return m_waiting.empty() ? m_no_progress : *m_waiting.back();
+    return m_waiting->empty() ? m_no_progress : *m_waiting->back();
 }
 
 void QtInteraction::show_help() {

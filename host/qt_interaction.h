@@ -4,6 +4,7 @@
 
 #include <QString>
 #include <functional>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -41,7 +42,8 @@ class QtInteraction final : public platform::Interaction {
   private:
     Hooks m_hooks;
     platform::NoProgress m_no_progress;
-    std::vector<platform::Progress*> m_waiting;
+    /// Shared with the windows, which may be closed later than this ends.
+    std::shared_ptr<std::vector<platform::Progress*>> m_waiting = std::make_shared<std::vector<platform::Progress*>>();
 };
 
 /// A filter of platform::FileDialog as Qt writes it: "Text(*.txt;*.csv)|*.txt;*.csv" gives "Text (*.txt *.csv)".
