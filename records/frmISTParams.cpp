@@ -211,7 +211,7 @@ void frmISTParams::cboSelLayers_Click() try {
     report_current({"cboSelLayers_Click", kModule});
 }
 
-void frmISTParams::cmdClose_Click() try { close(); } catch (...) {
+void frmISTParams::cmdClose_Click() try { reject(); } catch (...) {
     report_current({"cmdClose_Click", kModule});
 }
 

@@ -92,12 +92,12 @@ void ParamsTest::fill() {
 }
 
 std::string ParamsTest::row(int row) {
-    const auto name = [row](const char* array) { return qPrintable(QString("%1(%2)").arg(array).arg(row)); };
-    const std::string number = control<QLabel>(name("lblDSNum")).text().toStdString();
-    const std::string theme = list(name("cboDSTheme")).currentText().toStdString();
-    const std::string to_class = list(name("cboDSToClass")).currentText().toStdString();
+    const auto name = [row](const char* array) { return QString("%1(%2)").arg(array).arg(row).toStdString(); };
+    const std::string number = control<QLabel>(name("lblDSNum").c_str()).text().toStdString();
+    const std::string theme = list(name("cboDSTheme").c_str()).currentText().toStdString();
+    const std::string to_class = list(name("cboDSToClass").c_str()).currentText().toStdString();
     const std::string text = number + " " + theme + " -> " + to_class;
-    return control<QCheckBox>(name("chkDSApply")).isChecked() ? text : "[" + text + "]";
+    return control<QCheckBox>(name("chkDSApply").c_str()).isChecked() ? text : "[" + text + "]";
 }
 
 void ParamsTest::in_dialog(std::function<void(QDialog&)> act) {

@@ -378,7 +378,7 @@ TEST_F(frmISTParamsTest, FailingMessageIsReportedByTheActivation) {
 TEST_F(frmISTParamsTest, FailingCloseIsReported) {
     two_outputs();
     open("prm");
-    const FailingEvent failing(m_form, QEvent::Close);
+    const FailingEvent failing(m_form, QEvent::Hide);
     control<QPushButton>("cmdClose").click();
     EXPECT_THAT(m_user.call_stacks, ElementsAre(report_of("cmdClose_Click")));
 }
