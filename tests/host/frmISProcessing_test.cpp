@@ -15,8 +15,10 @@
 #include <QMimeData>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QTabletEvent>
 #include <QTest>
 #include <QTimer>
+#include <QTouchDevice>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
@@ -155,6 +157,7 @@ TEST(ProcessingWindow, WheelMenusDropsTabletAndTouchAreKeptOut) {
     ProcessingWindow waiting("Please wait...");
     const QPoint at(5, 5);
     QMimeData data;
+    QTouchDevice screen;
     during_report(host, [&] {
         QWheelEvent wheel(at, host.mapToGlobal(at), {}, {0, 120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
                           false);
@@ -165,13 +168,14 @@ TEST(ProcessingWindow, WheelMenusDropsTabletAndTouchAreKeptOut) {
         QApplication::sendEvent(&host, &enter);
         QDropEvent drop(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(&host, &drop);
-        QEvent pen(QEvent::TabletPress);
+        QTabletEvent pen(QEvent::TabletPress, at, host.mapToGlobal(at), QTabletEvent::Stylus, QTabletEvent::Pen, 1, 0,
+                         0, 0, 0, 0, Qt::NoModifier, 1, Qt::LeftButton, Qt::LeftButton);
         QApplication::sendEvent(&host, &pen);
-        QEvent touch(QEvent::TouchBegin);
+        QTouchEvent touch(QEvent::TouchBegin, &screen);
         QApplication::sendEvent(&host, &touch);
     });
     EXPECT_TRUE(waiting.report(0.1, ""));
-    EXPECT_TRUE(host.reached.empty()) << "first of type " << host.reached.front();
+    EXPECT_EQ(host.reached, std::vector<QEvent::Type>());
 }
 
 TEST(ProcessingWindow, TheUserClosesNoOtherWindowButAWindowMayCloseItself) {
