@@ -109,7 +109,7 @@ def mesh(seed, extent, count, depth):
     across = lambda i, j: border(np.random.default_rng([seed, 1, i, j]), corner(i, j), corner(i + 1, j),
                                  depth if 0 < j < side else 0, ROUGHNESS)
     down = lambda i, j: border(np.random.default_rng([seed, 2, i, j]), corner(i, j), corner(i, j + 1),
-                               depth if 0 < i < side else 0, 0.35)
+                               depth if 0 < i < side else 0, ROUGHNESS)
     upper = [across(i, 0) for i in range(side)]
     for j in range(side):
         lower = [across(i, j + 1) for i in range(side)]

@@ -8,6 +8,7 @@
 import os
 import sys
 
+import numpy as np
 from osgeo import gdal, ogr
 
 gdal.UseExceptions()
@@ -40,24 +41,23 @@ with open(os.path.join(folder, 'cells.tif'), 'w') as vrt:
               f'<GeoTransform>{", ".join(map(repr, transform))}</GeoTransform>'
               f'<VRTRasterBand dataType="Byte" band="1"><NoDataValue>{band.GetNoDataValue()}</NoDataValue>'
               f'{"".join(pieces)}</VRTRasterBand></VRTDataset>')
-zones = ogr.Open(os.path.join(source, 'zones.shp')).GetLayer(0)
+zones_file = ogr.Open(os.path.join(source, 'zones.shp'))
+zones = zones_file.GetLayer(0)
 out = ogr.GetDriverByName('ESRI Shapefile').CreateDataSource(os.path.join(folder, 'zones.shp'))
 layer = out.CreateLayer('zones', zones.GetSpatialRef(), ogr.wkbPolygon)
 layer.CreateField(ogr.FieldDefn('ZONE', ogr.OFTInteger))
-count = zones.GetFeatureCount()
+# Every zone is a polygon of one ring: its coordinates stand behind 13 bytes of type and counts.
+rings = [bytes(zone.GetGeometryRef().ExportToWkb(ogr.wkbNDR)) for zone in zones]
 width, height = size * transform[1], size * transform[5]
+number = 0
 for tile in range(columns * rows):
-    zones.ResetReading()
-    for number, zone in enumerate(zones):
-        ring = zone.GetGeometryRef().GetGeometryRef(0)
-        moved = ogr.Geometry(ogr.wkbLinearRing)
-        for x, y in ring.GetPoints():
-            moved.AddPoint_2D(x + tile % columns * width, y + tile // columns * height)
-        polygon = ogr.Geometry(ogr.wkbPolygon)
-        polygon.AddGeometryDirectly(moved)
+    shift = np.array([tile % columns * width, tile // columns * height])
+    for ring in rings:
+        number += 1
+        points = np.frombuffer(ring, '<f8', offset=13).reshape(-1, 2) + shift
         feature = ogr.Feature(layer.GetLayerDefn())
-        feature.SetField('ZONE', tile * count + number + 1)
-        feature.SetGeometryDirectly(polygon)
+        feature.SetField('ZONE', number)
+        feature.SetGeometryDirectly(ogr.CreateGeometryFromWkb(ring[:13] + points.tobytes()))
         layer.CreateFeature(feature)
 out = None
 open(os.path.join(folder, 'done'), 'w').close()
