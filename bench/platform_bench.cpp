@@ -66,13 +66,13 @@ void CountRuns(benchmark::State& state) {
 BENCHMARK(CountRuns)->Arg(2)->Arg(12)->Arg(100);
 
 void DissolveByCancelling(benchmark::State& state) {
-    const PolygonSet polygons = coverage(static_cast<int>(state.range(0)));
-    const std::vector<std::uint32_t> one_group(polygons.feature_count(), 0);
+    const auto polygons = std::make_shared<const PolygonSet>(coverage(static_cast<int>(state.range(0))));
+    const std::vector<std::uint32_t> one_group(polygons->feature_count(), 0);
     NoProgress nobody;
     for (auto _ : state) {
         benchmark::DoNotOptimize(dissolve(polygons, one_group, 1, nobody, 1));
     }
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(polygons.point_count()));
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(polygons->point_count()));
 }
 BENCHMARK(DissolveByCancelling)->Arg(8)->Arg(64)->UseRealTime();  // another thread does the work
 
@@ -98,13 +98,13 @@ PolygonSet bricks(int side) {
 }
 
 void DissolveByArrangement(benchmark::State& state) {
-    const PolygonSet polygons = bricks(static_cast<int>(state.range(0)));
-    const std::vector<std::uint32_t> one_group(polygons.feature_count(), 0);
+    const auto polygons = std::make_shared<const PolygonSet>(bricks(static_cast<int>(state.range(0))));
+    const std::vector<std::uint32_t> one_group(polygons->feature_count(), 0);
     NoProgress nobody;
     for (auto _ : state) {
         benchmark::DoNotOptimize(dissolve(polygons, one_group, 1, nobody, 1));
     }
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(polygons.point_count()));
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(polygons->point_count()));
 }
 BENCHMARK(DissolveByArrangement)->Arg(8)->Arg(64)->UseRealTime();  // another thread does the work
 

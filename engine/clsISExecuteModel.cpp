@@ -230,8 +230,8 @@ bool clsISExecuteModel::DissolveAnalysisLayer(const std::string& shpPath, const 
     ModelRun& run = *m_run;
     run.result.layer_name = LayerName;
     StageProgress progress(run.app.progress(), kDissolveBegins, kDissolveEnds);
-    run.output.polygons = platform::dissolve(*run.analysis.polygons, run.groups.group_of(), run.groups.count(),
-                                             progress, m_options.threads);
+    run.output.polygons = platform::dissolve(run.analysis.polygons, run.groups.group_of(), run.groups.count(), progress,
+                                             m_options.threads);
     if (run.cancelled()) {
         return false;
     }

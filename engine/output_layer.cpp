@@ -76,7 +76,8 @@ std::vector<std::string> OutputLayer::field_names() const {
 void OutputLayer::write(const std::string& path) const {
     platform::ShapefileWriter writer(path, fields, reference);
     for (std::size_t i = 0; i < polygons.feature_count(); ++i) {
-        writer.insert(polygons, i, values(i));
+        const platform::DissolvedPolygons::Feature feature = polygons.feature(i);
+        writer.insert(feature.set, feature.position, values(i));
     }
     writer.close();
 }

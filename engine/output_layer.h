@@ -9,8 +9,8 @@
 
 #include "engine/zone_keys.h"
 #include "platform/class_breaks.h"
+#include "platform/dissolved_polygons.h"
 #include "platform/field.h"
-#include "platform/polygons.h"
 #include "platform/spatial_reference.h"
 
 namespace kestrel {
@@ -20,7 +20,7 @@ struct OutputLayer {
     /// Positions of the fields, counting the object id as 0 and the shape as 1.
     static constexpr std::size_t kFirstField = 2;
 
-    platform::PolygonSet polygons;
+    platform::DissolvedPolygons polygons;
     platform::SpatialReference reference;
     const ZoneGroups* groups = nullptr;
     /// The analysis field first, then what AddNewFields() adds.

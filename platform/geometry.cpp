@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <numeric>
 #include <optional>
 #include <vector>
 
@@ -100,28 +101,39 @@ std::size_t repair(PolygonSet& polygons, int threads) {
 
 namespace {
 
-/// Positions of the features of each group that are not empty.
-std::vector<std::vector<std::size_t>> members_of_groups(const PolygonSet& polygons,
-                                                        std::span<const std::uint32_t> group_of,
-                                                        std::size_t group_count) {
-    std::vector<std::vector<std::size_t>> members(group_count);
-    for (std::size_t f = 0; f < polygons.feature_count(); ++f) {
-        if (!polygons.empty(f)) {
-            members.at(group_of[f]).push_back(f);
+/// The features of each group that are not empty, in their order.
+class GroupMembers {
+  public:
+    GroupMembers(const PolygonSet& polygons, std::span<const std::uint32_t> group_of, std::size_t group_count)
+        : m_begin(group_count + 1, 0) {
+        // A counting sort by group.
+        for (std::size_t f = 0; f < polygons.feature_count(); ++f) {
+            m_begin.at(group_of[f] + std::size_t{1}) += polygons.empty(f) ? 0 : 1;
+        }
+        std::partial_sum(m_begin.begin(), m_begin.end(), m_begin.begin());
+        m_features.resize(m_begin.back());
+        std::vector<std::size_t> next(m_begin.begin(), m_begin.end() - 1);
+        for (std::size_t f = 0; f < polygons.feature_count(); ++f) {
+            if (!polygons.empty(f)) {
+                m_features[next[group_of[f]]++] = f;
+            }
         }
     }
-    return members;
-}
 
-/// Appends the union of the members as one feature.
+    std::span<const std::size_t> of(std::size_t group) const {
+        return std::span(m_features).subspan(m_begin[group], m_begin[group + 1] - m_begin[group]);
+    }
+
+  private:
+    std::vector<std::size_t> m_begin;
+    std::vector<std::size_t> m_features;
+};
+
+/// Appends the union of the members, which are none or several, as one feature.
 void append_union(PolygonSet& result, const Geos& geos, const PolygonSet& polygons,
-                  const std::vector<std::size_t>& members) {
+                  std::span<const std::size_t> members) {
     if (members.empty()) {
         result.begin_feature();
-        return;
-    }
-    if (members.size() == 1) {
-        result.append(polygons, members.front());
         return;
     }
     for (const auto& unite : {cancel_shared_edges, arranged_union}) {
@@ -138,24 +150,31 @@ void append_union(PolygonSet& result, const Geos& geos, const PolygonSet& polygo
 
 }  // namespace
 
-PolygonSet dissolve(const PolygonSet& polygons, std::span<const std::uint32_t> group_of, std::size_t group_count,
-                    Progress& progress, int threads) {
-    const auto members = members_of_groups(polygons, group_of, group_count);
+DissolvedPolygons dissolve(const SharedPolygons& polygons, std::span<const std::uint32_t> group_of,
+                           std::size_t group_count, Progress& progress, int threads) {
+    const GroupMembers members(*polygons, group_of, group_count);
     const int workers = thread_count(threads);
     // Few large groups are handed out one by one, many small ones some hundred at a time.
     const std::size_t step = std::clamp<std::size_t>(group_count / 64, 1, 256);
-    std::vector<PolygonSet> parts((group_count + step - 1) / step);
+    std::vector<PolygonSet> joined((group_count + step - 1) / step);
     ThreadContexts contexts(workers);
-    for_each_item(parts.size(), workers, progress, "Dissolving polygons", [&](std::size_t item, int worker) {
+    for_each_item(joined.size(), workers, progress, "Dissolving polygons", [&](std::size_t item, int worker) {
         const std::size_t end = std::min(group_count, (item + 1) * step);
         for (std::size_t group = item * step; group < end; ++group) {
-            append_union(parts[item], contexts.of(worker), polygons, members[group]);
+            if (members.of(group).size() != 1) {
+                append_union(joined[item], contexts.of(worker), *polygons, members.of(group));
+            }
         }
     });
-    PolygonSet result;
-    for (PolygonSet& part : parts) {
-        result.append(part);
-        part = PolygonSet();
+    DissolvedPolygons result(polygons, std::move(joined));
+    std::size_t position = 0;
+    for (std::size_t group = 0; group < group_count; ++group) {
+        position = group % step == 0 ? 0 : position;
+        if (members.of(group).size() == 1) {
+            result.add_from_input(members.of(group).front());
+        } else {
+            result.add_joined(group / step, position++);
+        }
     }
     return result;
 }

@@ -7,6 +7,7 @@
 #include <span>
 
 #include "platform/contracts/progress.h"
+#include "platform/dissolved_polygons.h"
 #include "platform/polygons.h"
 
 /// \file
@@ -24,12 +25,12 @@ std::size_t repair(PolygonSet& polygons, int threads = 0);
 /// them.
 /// \param polygons valid polygons (see repair()).
 /// \param group_of for each feature of `polygons`, the group it belongs to, below `group_count`.
-/// \return one feature for each group, valid; empty for a group that has only empty geometries.
+/// \return one feature for each group, valid; without polygons for a group that has only empty geometries.
 /// \throws RuntimeError (library failure) when a group cannot be joined.
 /// \param threads that may be used; 0 for as many as there are cores. The result does not depend on it.
 /// When `progress` answers stop, the result is incomplete and must not be used.
-PolygonSet dissolve(const PolygonSet& polygons, std::span<const std::uint32_t> group_of, std::size_t group_count,
-                    Progress& progress, int threads = 0);
+DissolvedPolygons dissolve(const SharedPolygons& polygons, std::span<const std::uint32_t> group_of,
+                           std::size_t group_count, Progress& progress, int threads = 0);
 
 /// Takes one piece of an intersection: the positions of the two features that it comes from, and the piece as feature 0
 /// of a set. Returns true to go on.

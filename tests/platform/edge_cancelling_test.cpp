@@ -9,6 +9,7 @@
 #include <random>
 
 #include "platform/geometry.h"
+#include "tests/support/dissolved_copy.h"
 #include "tests/support/exact_reference.h"
 
 namespace kestrel::platform {
@@ -154,9 +155,10 @@ TEST(EdgeCancelling, DissolvingAnythingAtAllGivesTheUnionWhateverTheThreads) {
         for (std::size_t f = 0; f < polygons.feature_count(); ++f) {
             groups.push_back(static_cast<std::uint32_t>(random() % 4));
         }
+        const auto shared = std::make_shared<PolygonSet>(polygons);
         NoProgress nobody;
-        const PolygonSet one = dissolve(polygons, groups, 5, nobody, 1);
-        const PolygonSet three = dissolve(polygons, groups, 5, nobody, 3);
+        const PolygonSet one = test::copy_of(dissolve(shared, groups, 5, nobody, 1));
+        const PolygonSet three = test::copy_of(dissolve(shared, groups, 5, nobody, 3));
         ASSERT_TRUE(std::ranges::equal(one.points(), three.points())) << "case " << i;
         ASSERT_EQ(one.feature_count(), 5U);
         EXPECT_TRUE(one.empty(4));

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "platform/feature_class.h"
+#include "tests/support/dissolved_copy.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel::platform {
@@ -103,7 +104,7 @@ bool equal(const PolygonSet& a, const PolygonSet& b) {
 
 PolygonSet dissolved(const PolygonSet& set, const Groups& groups, std::size_t count) {
     NoProgress progress;
-    return dissolve(set, groups, count, progress);
+    return test::copy_of(dissolve(std::make_shared<PolygonSet>(set), groups, count, progress));
 }
 
 bool is_valid(PolygonSet set) {
@@ -308,11 +309,31 @@ std::pair<PolygonSet, Groups> overlapping_pairs() {
     return {set, groups};
 }
 
+TEST(Dissolve, AGroupOfOneFeatureIsThatOfTheInputAndNotACopy) {
+    const auto set = std::make_shared<PolygonSet>();
+    for (const double west : {0.0, 1.0, 5.0, 9.0}) {
+        add_feature(*set, {{{{west, 0}, {west, 1}, {west + 1, 1}, {west + 1, 0}, {west, 0}}}});
+    }
+    NoProgress progress;
+    const std::vector<std::uint32_t> groups{2, 2, 3, 0};
+    const DissolvedPolygons result = dissolve(set, groups, 4, progress);
+    ASSERT_EQ(result.feature_count(), 4U);
+    EXPECT_EQ(&result.feature(0).set, set.get());
+    EXPECT_EQ(result.feature(0).position, 3U);
+    EXPECT_TRUE(result.feature(1).set.empty(result.feature(1).position));
+    EXPECT_NE(&result.feature(2).set, set.get());
+    EXPECT_EQ(result.feature(2).set.area(result.feature(2).position), 2);
+    EXPECT_EQ(&result.feature(3).set, set.get());
+    EXPECT_EQ(result.feature(3).position, 2U);
+    EXPECT_EQ(result.envelope().min_x, 0);
+    EXPECT_EQ(result.envelope().max_x, 10);
+}
+
 TEST(Dissolve, TellsProgressWithoutFallingAndNotTooOften) {
     const auto [set, groups] = overlapping_pairs();
     ListeningProgress progress(1000000);
     const auto start = std::chrono::steady_clock::now();
-    const auto result = dissolve(set, groups, groups.size() / 2, progress);
+    const auto result = dissolve(std::make_shared<PolygonSet>(set), groups, groups.size() / 2, progress);
     const auto elapsed = std::chrono::steady_clock::now() - start;
     EXPECT_EQ(result.feature_count(), groups.size() / 2);
     const auto& fractions = progress.fractions();
@@ -326,7 +347,7 @@ TEST(Dissolve, TellsProgressWithoutFallingAndNotTooOften) {
 TEST(Dissolve, AsksNoMoreOnceItIsToldToStop) {
     const auto [set, groups] = overlapping_pairs();
     ListeningProgress progress(1);
-    dissolve(set, groups, groups.size() / 2, progress);
+    dissolve(std::make_shared<PolygonSet>(set), groups, groups.size() / 2, progress);
     EXPECT_EQ(progress.fractions().size(), 1U);
     EXPECT_TRUE(progress.cancelled());
 }
