@@ -134,13 +134,18 @@ void frmISPDensity::build_bounds(QGridLayout& grid, int first_row) {
     grid.addWidget(txtLow, first_row + kLow, kFirstBound);
 }
 
-void frmISPDensity::Form_Load() try {
+platform::Map& frmISPDensity::map() const {
     if (m_app == nullptr) {
         throw platform::RuntimeError(platform::kObjectVariableNotSet, "Object variable not set");
     }
+    return m_app->document().focus_map();
+}
+
+void frmISPDensity::Form_Load() try {
+    const platform::Map& focus_map = map();
     m_loaded = true;
-    tell_left_out(basISModelUtil::CheckLayers(*cboPDenTheme, basISModelUtil::LayerKind::FeatureLayer,
-                                              m_app->document().focus_map(), basISModelUtil::kNumericFields));
+    tell_left_out(basISModelUtil::CheckLayers(*cboPDenTheme, basISModelUtil::LayerKind::FeatureLayer, focus_map,
+                                              basISModelUtil::kNumericFields));
     cboPDenTheme_Click();
 } catch (...) {
     report_current({"Form_Load", kModule});
@@ -156,13 +161,13 @@ void frmISPDensity::setVisible(bool visible) {
 
 /// The map may have changed while the dialog was hidden.
 void frmISPDensity::list_again() try {
-    platform::Map& map = m_app->document().focus_map();
+    const platform::Map& focus_map = map();
     QComboBox layers;
-    tell_left_out(basISModelUtil::CheckLayers(layers, basISModelUtil::LayerKind::FeatureLayer, map,
+    tell_left_out(basISModelUtil::CheckLayers(layers, basISModelUtil::LayerKind::FeatureLayer, focus_map,
                                               basISModelUtil::kNumericFields));
     basISModelUtil::copy_items(layers, *cboPDenTheme);
     QComboBox fields;
-    basISModelUtil::LoadFldsCombobox(basISModelUtil::selected_features(*cboPDenTheme, map).get(), fields,
+    basISModelUtil::LoadFldsCombobox(basISModelUtil::selected_features(*cboPDenTheme, focus_map).get(), fields,
                                      basISModelUtil::kNumericFields);
     basISModelUtil::copy_items(fields, *cboPDenFld);
 } catch (...) {
@@ -182,7 +187,7 @@ void frmISPDensity::cboPDenTheme_Click() try {
     if (cboPDenTheme->currentIndex() < 0) {
         return;
     }
-    const auto layer = basISModelUtil::selected_features(*cboPDenTheme, m_app->document().focus_map());
+    const auto layer = basISModelUtil::selected_features(*cboPDenTheme, map());
     basISModelUtil::LoadFldsCombobox(layer.get(), *cboPDenFld, basISModelUtil::kNumericFields);
     cboPDenFld->setCurrentIndex(cboPDenFld->count() > 0 ? 0 : -1);
 } catch (...) {

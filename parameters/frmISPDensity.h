@@ -41,6 +41,7 @@ class frmISPDensity final : public QDialog {
     void write_into(ModelParameters& choices) const;
 
   private:
+    platform::Map& map() const;
     void build_controls();
     void build_layout();
     void build_bounds(QGridLayout& grid, int first_row);

@@ -8,6 +8,7 @@
 #include "tests/parameters/params_fixture.h"
 #include "tests/support/failing_event.h"
 #include "tests/support/failing_interaction.h"
+#include "tests/support/failure.h"
 
 /// \file
 /// What the call stack of an error says: its bottom line is the procedure that failed, with its module.
@@ -35,6 +36,11 @@ class ErrorsTest : public ParamsTest {
         act();
         EXPECT_TRUE(m_form->isVisible());
         return user.call_stacks;
+    }
+    /// A layer whose file is not there.
+    void add_lost_layer() {
+        map().add_layer(std::make_shared<platform::HeadlessFeatureLayer>(
+            "lost", platform::FeatureSource{.path = m_world.folder / "lost.shp"}));
     }
     void lose(const std::string& layer) { platform::remove_file(m_world.folder / (layer + ".shp")); }
 };
@@ -82,11 +88,46 @@ TEST_F(ErrorsTest, AChoiceWithoutAHostReportsItsClick) {
 TEST_F(ErrorsTest, MapEventsReportUnderTheirNames) {
     lose("blocks");
     EXPECT_THAT(reported_by([this] { map().move_layer(0, 1); }, true), ElementsAre(entry("ItemReordered ISParams")));
+    EXPECT_THAT(reported_by([this] { add_lost_layer(); }, true), ElementsAre(entry("ItemAdded ISParams")));
     click("cmdISQuit");
     m_form->show();
     lose("plan");
     EXPECT_THAT(reported_by([this] { map().remove_layer(map().layers().at(0)); }, true),
                 ElementsAre(entry("ItemDeleted ISParams")));
+}
+
+TEST_F(ErrorsTest, AnotherDocumentReportsUnderItsName) {
+    lose("blocks");
+    EXPECT_THAT(reported_by([this] { map().open_document(map().layers()); }, true),
+                ElementsAre(entry("OpenDocument ISParams")));
+}
+
+TEST_F(ErrorsTest, PuttingTheListsBackReportsWhatTheListsBelowCouldNotReport) {
+    type_output(out("is"));
+    tab();
+    choose("cboAnalysisTheme", "blocks");
+    lose("sheds");
+    FailingInteraction user;
+    user.boxes_fail = false;
+    user.reports_that_fail = 2;
+    click("cmdISRun");
+    EXPECT_THAT(user.call_stacks, ElementsAre(entry_anywhere("LoadFldsCombobox basISModelUtil"),
+                                              entry("cboAnalysisTheme_Click ISParams"), entry("RefreshForm ISParams")));
+    EXPECT_TRUE(m_form->isVisible());
+}
+
+TEST_F(ErrorsTest, ANewSetReportsUnderItsName) {
+    click("cmdDSAdd");
+    QObject::connect(list("cboDSToClass(0)").model(), &QAbstractItemModel::rowsInserted, fail_denied);
+    EXPECT_THAT(reported_by([this] { choose("cboLCType", "Valley"); }), ElementsAre(entry("cboLCType_Click ISParams")));
+}
+
+TEST_F(ErrorsTest, QuitReportsUnderItsName) {
+    QObject::connect(m_form.get(), &QDialog::rejected, fail_denied);
+    const FailingInteraction user;
+    click("cmdISQuit");
+    EXPECT_THAT(user.call_stacks, ElementsAre(entry("cmdISQuit_Click ISParams")));
+    EXPECT_FALSE(m_form->isVisible());
 }
 
 TEST_F(ErrorsTest, ADensityLayerThatIsGoneIsReportedByTheListOfItsFields) {
@@ -109,6 +150,49 @@ TEST_F(ErrorsTest, TheDensityDialogReportsItsChecksAndItsLoad) {
     lose("blocks");
     in_dialog([](QDialog&) {});
     EXPECT_THAT(reported_by([this] { choose_option(3); }, true), testing::Contains(entry("Form_Load ISPDensity")));
+}
+
+TEST_F(ErrorsTest, ADensityLayerChosenWithoutAHostReportsItsClick) {
+    in_dialog([this](QDialog& dialog) {
+        dynamic_cast<frmISPDensity&>(dialog).Application(nullptr);
+        const auto reports =
+            reported_by([&] { choose_entry(control_in<QComboBox>(dialog, "cboPDenTheme"), "blocks"); });
+        EXPECT_THAT(reports, ElementsAre(entry_anywhere("cboPDenTheme_Click ISPDensity")));
+        EXPECT_THAT(reports, ElementsAre(HasSubstr("Error Number \r\n\t91\r\n")));
+        EXPECT_TRUE(dialog.isVisible());
+    });
+    choose_option(3);
+}
+
+TEST_F(ErrorsTest, TheBoundsOfDensityReportUnderTheirNames) {
+    in_dialog([this](QDialog& dialog) {
+        for (const auto& [box, mirror, procedure] : {std::tuple{"txtHigh", "txtMed(1)", "txtHigh_Change ISPDensity"},
+                                                     {"txtLow", "txtMed(0)", "txtLow_Change ISPDensity"}}) {
+            QObject::connect(&control_in<QLineEdit>(dialog, mirror), &QLineEdit::textChanged, fail_denied);
+            auto& typed_in = control_in<QLineEdit>(dialog, box);
+            EXPECT_THAT(reported_by([&] { QTest::keyClicks(&typed_in, "7"); }), ElementsAre(entry(procedure)));
+            EXPECT_EQ(typed_in.text(), "7");
+        }
+    });
+    choose_option(3);
+}
+
+TEST_F(ErrorsTest, TheButtonsOfTheDensityDialogReportUnderTheirNames) {
+    in_dialog([this](QDialog& dialog) {
+        QTest::keyClicks(&control_in<QLineEdit>(dialog, "txtHigh"), "7");
+        QTest::keyClicks(&control_in<QLineEdit>(dialog, "txtLow"), "2");
+        QObject::connect(&dialog, &QDialog::accepted, fail_denied);
+        EXPECT_THAT(reported_by([&] { press(dialog, "cmdOK"); }), ElementsAre(entry("cmdOK_Click ISPDensity")));
+        EXPECT_FALSE(dialog.isVisible());
+    });
+    choose_option(3);
+    activate();
+    in_dialog([this](QDialog& dialog) {
+        QObject::connect(&dialog, &QDialog::rejected, fail_denied);
+        EXPECT_THAT(reported_by([&] { press(dialog, "cmdCancel"); }), ElementsAre(entry("cmdCancel_Click ISPDensity")));
+        EXPECT_FALSE(dialog.isVisible());
+    });
+    choose_option(3);
 }
 
 TEST_F(ErrorsTest, ScrollingReportsUnderItsName) {

@@ -5,7 +5,7 @@
 #include <QEvent>
 #include <QWidget>
 
-#include "platform/errors.h"
+#include "tests/support/failure.h"
 
 namespace kestrel::test {
 
@@ -16,7 +16,7 @@ class FailingEvent final : public QObject {
 
     bool eventFilter(QObject*, QEvent* event) override {
         if (event->type() == m_type) {
-            throw platform::RuntimeError(70, "Permission denied", "Kestrel", 45);
+            fail_denied();
         }
         return false;
     }

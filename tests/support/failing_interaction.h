@@ -6,29 +6,40 @@
 #include <vector>
 
 #include "platform/contracts/interaction.h"
-#include "platform/errors.h"
+#include "tests/support/failure.h"
 
 namespace kestrel::test {
 
 /// A user with whom nothing goes well: whatever is asked or shown fails. Reports of errors are kept.
 class FailingInteraction : public platform::Interaction {
   public:
-    platform::Answer message_box(const platform::MessageBox&) override { fail(); }
-    std::string input_box(const platform::InputBox&) override { fail(); }
-    std::optional<std::string> file_dialog(const platform::FileDialog&) override { fail(); }
-    void show_call_stack(std::string_view text) override { call_stacks.emplace_back(text); }
-    std::unique_ptr<platform::WaitingWindow> waiting_window(std::string_view) override { fail(); }
-    void show_help() override { fail(); }
+    platform::Answer message_box(const platform::MessageBox&) override {
+        if (boxes_fail) fail_denied();
+        return platform::Answer::ok;
+    }
+    std::string input_box(const platform::InputBox&) override { fail_denied(); }
+    std::optional<std::string> file_dialog(const platform::FileDialog&) override { fail_denied(); }
+    void show_call_stack(std::string_view text) override {
+        call_stacks.emplace_back(text);
+        if (reports_that_fail > 0) {
+            --reports_that_fail;
+            fail_denied();
+        }
+    }
+    std::unique_ptr<platform::WaitingWindow> waiting_window(std::string_view) override { fail_denied(); }
+    void show_help() override { fail_denied(); }
     void notice(std::string_view) override {
-        if (notices_fail) fail();
+        if (notices_fail) fail_denied();
     }
     void beep() override {}
 
     std::vector<std::string> call_stacks;
+    bool boxes_fail = true;
     bool notices_fail = false;
+    /// So many reports from now on fail: their errors come to the procedures above those that reported.
+    int reports_that_fail = 0;
 
   private:
-    [[noreturn]] static void fail() { throw platform::RuntimeError(70, "Permission denied", "Kestrel", 45); }
     platform::ScopedInteraction m_scope{*this};
 };
 
