@@ -16,7 +16,9 @@ namespace kestrel {
 namespace {
 
 constexpr int kSteps = 1000;
-constexpr int kStepCharacters = 60;
+// Of the text, in characters; a longer one is wrapped.
+constexpr int kNarrowest = 60;
+constexpr int kWidest = 80;
 
 /// A window inside a modal one is not blocked by it.
 QWidget* owner() {
@@ -33,23 +35,29 @@ void close_popups() {
     }
 }
 
+/// Of a label's text in that width. What the label itself says depends on the size that it was given last.
+int text_height(const QLabel& label, int width) {
+    return label.fontMetrics().boundingRect({0, 0, width, QWIDGETSIZE_MAX}, Qt::TextWordWrap, label.text()).height();
+}
+
 }  // namespace
 
 frmISProcessing::frmISProcessing(const QString& text, QWidget* parent)
-    : QDialog(parent), lblStep(new QLabel), m_bar(new QProgressBar), cmdCancel(new QPushButton("&Cancel")) {
+    : QDialog(parent),
+      lblMessage(new QLabel(text)),
+      lblStep(new QLabel),
+      m_bar(new QProgressBar),
+      cmdCancel(new QPushButton("&Cancel")) {
     setObjectName("frmISProcessing");
     setWindowTitle("Kestrel");
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
-    auto* message = new QLabel(text);
-    message->setObjectName("lblMessage");
-    message->setTextFormat(Qt::PlainText);
-    message->setWordWrap(true);
+    lblMessage->setObjectName("lblMessage");
+    lblMessage->setTextFormat(Qt::PlainText);
+    lblMessage->setWordWrap(true);
     lblStep->setObjectName("lblStep");
     lblStep->setTextFormat(Qt::PlainText);
     lblStep->setWordWrap(true);
     lblStep->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    // Room for two lines, so that the window does not jump from step to step.
-    lblStep->setMinimumHeight(2 * lblStep->fontMetrics().lineSpacing());
     m_bar->setObjectName("barProgress");
     m_bar->setAccessibleName("Progress");
     m_bar->setRange(0, kSteps);
@@ -58,11 +66,10 @@ frmISProcessing::frmISProcessing(const QString& text, QWidget* parent)
     connect(cmdCancel, &QPushButton::clicked, this, &frmISProcessing::reject);
 
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(message);
+    layout->addWidget(lblMessage);
     layout->addWidget(m_bar);
     layout->addWidget(lblStep);
     layout->addWidget(cmdCancel, 0, Qt::AlignRight);
-    setMinimumWidth(kStepCharacters * fontMetrics().averageCharWidth());
     setCursor(Qt::ArrowCursor);  // its owner's may be the hourglass
 }
 
@@ -85,7 +92,23 @@ bool frmISProcessing::event(QEvent* event) {
         event->accept();
         return true;
     }
-    return QDialog::event(event);
+    const bool done = QDialog::event(event);
+    if (event->type() == QEvent::Polish || event->type() == QEvent::LayoutRequest) {
+        fit_texts();
+    }
+    return done;
+}
+
+void frmISProcessing::fit_texts() {
+    lblMessage->ensurePolished();  // only now it has the font of the style
+    lblStep->ensurePolished();
+    const QFontMetrics metrics = lblMessage->fontMetrics();
+    const int character = metrics.averageCharWidth();
+    const int width =
+        std::clamp(metrics.horizontalAdvance(lblMessage->text()), kNarrowest * character, kWidest * character);
+    lblMessage->setMinimumSize(width, text_height(*lblMessage, width));
+    // Room for two lines, so that the window does not jump from step to step.
+    lblStep->setMinimumHeight(std::max(2 * lblStep->fontMetrics().lineSpacing(), text_height(*lblStep, width)));
 }
 
 ProcessingWindow::ProcessingWindow(const QString& text) : m_window(new frmISProcessing(text, owner())) {

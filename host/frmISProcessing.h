@@ -33,6 +33,10 @@ class frmISProcessing final : public QDialog {
     bool event(QEvent* event) override;
 
   private:
+    /// Makes room for the texts in the font that they have by now.
+    void fit_texts();
+
+    QLabel* lblMessage;
     QLabel* lblStep;
     QProgressBar* m_bar;
     QPushButton* cmdCancel;

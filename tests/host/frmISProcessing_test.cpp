@@ -301,6 +301,98 @@ TEST(ProcessingWindow, ItsCursorIsTheArrowOverAWaitingOwner) {
     EXPECT_EQ(waiting_form()->cursor().shape(), Qt::ArrowCursor);
 }
 
+/// The waiting window in fonts of the desktop.
+class ProcessingWindowFonts : public testing::Test {
+  protected:
+    ~ProcessingWindowFonts() override {
+        qApp->setStyleSheet({});
+        QApplication::setFont(m_font);
+    }
+    void use_font(int points) {
+        QFont font = m_font;
+        font.setPointSize(points);
+        QApplication::setFont(font);
+    }
+    /// As desktops do it that let their user choose a font.
+    static void use_sheet(int points) { qApp->setStyleSheet(QString("* { font-size: %1pt }").arg(points)); }
+    static QLabel& label(const char* name) { return *waiting_form()->findChild<QLabel*>(name); }
+    /// The text's height in the width that its label has.
+    static int text_height(const QLabel& shown) {
+        return shown.fontMetrics().boundingRect(shown.rect(), Qt::TextWordWrap, shown.text()).height();
+    }
+    static void expect_room() {
+        QApplication::processEvents();
+        for (const char* name : {"lblMessage", "lblStep"}) {
+            const QLabel& shown = label(name);
+            EXPECT_LT(text_height(shown), 2 * shown.fontMetrics().height()) << name << " is wrapped";
+            EXPECT_GE(shown.height(), text_height(shown)) << name;
+        }
+        expect_nothing_cut();
+    }
+    static void expect_nothing_cut() {
+        EXPECT_GE(label("lblStep").height(), 2 * label("lblStep").fontMetrics().lineSpacing());
+        for (const QWidget* part : waiting_form()->findChildren<QWidget*>()) {
+            EXPECT_GE(part->width(), part->minimumSizeHint().width()) << part->objectName().toStdString();
+            EXPECT_GE(part->height(), part->minimumSizeHint().height()) << part->objectName().toStdString();
+            EXPECT_TRUE(waiting_form()->rect().contains(part->geometry())) << part->objectName().toStdString();
+        }
+    }
+    /// Width of the window with the text of a run, in which nothing is wrapped or cut.
+    static int width_with_room() {
+        ProcessingWindow waiting("Performing Impervious Surface Analysis.  Please wait...");
+        EXPECT_TRUE(waiting.report(0.4, "Applying the development scenarios"));
+        expect_room();
+        return waiting_form()->width();
+    }
+
+  private:
+    QFont m_font = QApplication::font();
+};
+
+TEST_F(ProcessingWindowFonts, NothingIsCutOffOrWrappedAndTheWindowGrowsWithTheFont) {
+    use_font(10);
+    const int small = width_with_room();
+    use_font(16);
+    EXPECT_GT(width_with_room(), small * 3 / 2);
+}
+
+TEST_F(ProcessingWindowFonts, NothingIsCutOffOrWrappedInTheFontOfAStyleSheet) {
+    use_sheet(10);
+    const int small = width_with_room();
+    use_sheet(16);
+    EXPECT_GT(width_with_room(), small * 3 / 2);
+}
+
+TEST_F(ProcessingWindowFonts, NothingIsCutOffOrWrappedWhenTheFontGrowsWhileItIsUp) {
+    use_font(10);
+    ProcessingWindow waiting("Performing Impervious Surface Analysis.  Please wait...");
+    use_font(16);
+    EXPECT_TRUE(waiting.report(0.4, "Counting land cover"));
+    expect_room();
+    use_sheet(20);
+    EXPECT_TRUE(waiting.report(0.5, "Counting land cover"));
+    expect_room();
+}
+
+TEST_F(ProcessingWindowFonts, NothingIsCutOffOfALongTextOrStep) {
+    for (const int points : {10, 16}) {
+        use_font(points);
+        QString text = "Performing Impervious Surface Analysis of";
+        for (int i = 0; i < 40; ++i)
+            text += " several layers";
+        ProcessingWindow waiting(text);
+        EXPECT_TRUE(waiting.report(0.4,
+                                   "Writing what the analysis of the watersheds of the upper valley has found, one by "
+                                   "one, into a shapefile with a name of its own"));
+        QApplication::processEvents();
+        for (const char* name : {"lblMessage", "lblStep"}) {
+            EXPECT_GE(label(name).height(), text_height(label(name))) << name;
+        }
+        expect_nothing_cut();
+        EXPECT_LE(waiting_form()->width(), 100 * waiting_form()->fontMetrics().averageCharWidth());
+    }
+}
+
 TEST(QtProgress, IsThatOfTheWaitingWindowOrOneThatNeverStops) {
     QtInteraction user;
     EXPECT_TRUE(user.progress().report(0.5, "nobody watches"));
