@@ -23,10 +23,10 @@ class LayoutTest : public ParamsTest {
         QApplication::setFont(m_font);
     }
     /// As desktops do it that let their user choose a font.
-    static void use_big_sheet() { qApp->setStyleSheet("* { font-size: 18pt }"); }
-    void use_big_font() {
+    static void use_big_sheet(int points = 18) { qApp->setStyleSheet(QString("* { font-size: %1pt }").arg(points)); }
+    void use_big_font(int points = 18) {
         QFont big = m_font;
-        big.setPointSize(18);
+        big.setPointSize(points);
         QApplication::setFont(big);
     }
     void add(int rows) {
@@ -47,6 +47,11 @@ class LayoutTest : public ParamsTest {
         if (list("cboDSToClass(0)").isVisible()) {
             EXPECT_LE(list("cboDSToClass(0)").geometry().right(), control<QFrame>("fraDSItems").width());
         }
+    }
+    /// The smallest laptop's, less a title bar and a panel.
+    void expect_room_on_a_small_screen() {
+        EXPECT_LE(m_form->width(), 1366);
+        EXPECT_LE(m_form->height(), 768 - 60);
     }
     void expect_one_column_of_captions() {
         const int left = list("cboLCTheme").mapTo(m_form.get(), QPoint()).x();
@@ -118,6 +123,20 @@ TEST_F(LayoutTest, NothingIsCutOffWhenTheStyleChangesWhileTheFormIsOpen) {
     use_big_sheet();
     QApplication::processEvents();
     expect_good_looks();
+}
+
+TEST_F(LayoutTest, ASmallScreenHasRoomForItInABigFont) {
+    use_big_font(14);
+    open();
+    add(3);
+    expect_room_on_a_small_screen();
+}
+
+TEST_F(LayoutTest, ASmallScreenHasRoomForItInTheBigFontOfAStyleSheet) {
+    use_big_sheet(14);
+    open();
+    add(3);
+    expect_room_on_a_small_screen();
 }
 
 TEST_F(LayoutTest, TheDensityDialogHasRoomForItsNumbersInABigFont) {
