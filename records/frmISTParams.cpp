@@ -8,6 +8,7 @@
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QFormLayout>
+#include <QKeyEvent>
 #include <QVBoxLayout>
 #include <utility>
 
@@ -33,6 +34,7 @@ frmISTParams::frmISTParams(QWidget* parent)
       cboSelLayers(new QComboBox),
       lstSelLayers(new QListWidget(this)),
       txtTParams(new QPlainTextEdit),
+      m_find(new FindBar(*txtTParams, *this)),
       cmdClose(new QPushButton) {
     setObjectName("frmISTParams");
     setWindowTitle(viewer_texts::kNoFile);
@@ -71,6 +73,7 @@ void frmISTParams::build_layout() {
     auto* all = new QVBoxLayout(this);
     all->addLayout(fields);
     all->addWidget(txtTParams, 1);
+    all->addWidget(m_find);
     all->addWidget(buttons);
     const QFontMetrics metrics(txtTParams->font());
     resize(kTextColumns * metrics.horizontalAdvance('m'), kTextLines * metrics.lineSpacing());
@@ -92,6 +95,7 @@ void frmISTParams::FileType(std::string file_type) try {
 void frmISTParams::setVisible(bool visible) {
     if (visible && !isVisible()) {
         m_shown = {};
+        m_find->hide();
         activate_now();
         if (m_layers.empty()) {
             return;
@@ -105,6 +109,14 @@ bool frmISTParams::event(QEvent* event) {
         activate_later();
     }
     return QDialog::event(event);
+}
+
+void frmISTParams::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape && m_find->isVisible()) {
+        m_find->dismiss();  // the next one closes the window
+        return;
+    }
+    QDialog::keyPressEvent(event);
 }
 
 void frmISTParams::activate_later() {

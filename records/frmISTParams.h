@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "platform/contracts/application.h"
+#include "records/find_bar.h"
 
 namespace kestrel {
 
@@ -20,7 +21,7 @@ namespace kestrel {
 /// of the one that is chosen.
 ///
 /// The map is looked through whenever the window is opened or becomes the active one. As long as the same layers are
-/// found, the choice stays, and so does the place in the text unless its file has changed.
+/// found, the choice stays, and so does the place in the text unless its file has changed. Ctrl+F finds words in it.
 class frmISTParams final : public QDialog {
     Q_OBJECT
   public:
@@ -44,6 +45,7 @@ class frmISTParams final : public QDialog {
 
   protected:
     bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     /// What was read last, to tell whether it has changed.
@@ -81,6 +83,7 @@ class frmISTParams final : public QDialog {
     QComboBox* cboSelLayers;
     QListWidget* lstSelLayers;
     QPlainTextEdit* txtTParams;
+    FindBar* m_find;
     QPushButton* cmdClose;
 };
 

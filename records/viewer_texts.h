@@ -29,4 +29,9 @@ inline std::string caption(const std::string& file_type, const std::string& laye
     return (is_report(file_type) ? "Kestrel Parameters for " : "Kestrel Metadata for ") + layer + ".shp";
 }
 
+/// What the find bar tells.
+inline constexpr const char* kNotFound = "Not found";
+inline constexpr const char* kFromTheBeginning = "Continued from the beginning";
+inline constexpr const char* kFromTheEnd = "Continued from the end";
+
 }  // namespace kestrel::viewer_texts
