@@ -120,6 +120,7 @@ ProcessingWindow::ProcessingWindow(const QString& text) : m_window(new frmISProc
 }
 
 ProcessingWindow::~ProcessingWindow() {
+    m_beside.reset();
     m_filter.reset();
     delete m_window.data();
     if (m_closed) {
@@ -128,6 +129,9 @@ ProcessingWindow::~ProcessingWindow() {
 }
 
 bool ProcessingWindow::report(double fraction, std::string_view text) {
+    if (m_beside) {
+        m_beside->report(fraction, text);
+    }
     if (m_window != nullptr) {
         m_window->show_progress(fraction, QString::fromUtf8(text.data(), static_cast<int>(text.size())));
     }

@@ -114,6 +114,9 @@ void QtInteraction::show_call_stack(std::string_view text) {
 
 std::unique_ptr<platform::WaitingWindow> QtInteraction::waiting_window(std::string_view text) {
     auto window = std::make_unique<ProcessingWindow>(qt_text(text));
+    if (m_hooks.beside_waiting_window) {
+        window->show_beside(m_hooks.beside_waiting_window());
+    }
     platform::Progress* const progress = window.get();
     m_waiting->push_back(progress);
     window->when_closed([waiting = m_waiting, progress] { std::erase(*waiting, progress); });

@@ -18,9 +18,11 @@ class QtInteraction final : public platform::Interaction {
   public:
     struct Hooks {
         /// Takes notices; without one they go to standard error.
-        std::function<void(std::string_view)> notice;
+        std::function<void(std::string_view)> notice{};
         /// Opens the help window; without one the user is told that there is none.
-        std::function<void()> show_help;
+        std::function<void()> show_help{};
+        /// Makes what shows the progress of a waiting window beside it; it lives as long as that window.
+        std::function<std::unique_ptr<platform::Progress>()> beside_waiting_window{};
     };
 
     QtInteraction() = default;

@@ -29,65 +29,50 @@ void log(std::string_view text, Qgis::MessageLevel level) {
     QgsMessageLog::logMessage(qt_text(text), kTitle, level, false);
 }
 
-}  // namespace
-
-/// The waiting window, with what QGIS shows and leaves off while it is up.
-class DesktopInteraction::DesktopWaitingWindow final : public platform::WaitingWindow {
+/// What QGIS shows and leaves off while a waiting window is up.
+class ProgressInQgis final : public platform::Progress {
   public:
-    DesktopWaitingWindow(DesktopInteraction& owner, std::unique_ptr<platform::WaitingWindow> window)
-        : m_owner(owner), m_window(std::move(window)), m_bar(new QProgressBar) {
+    explicit ProgressInQgis(QgisInterface& iface) : m_iface(iface), m_bar(new QProgressBar) {
         m_bar->setObjectName("kestrelProgress");
         m_bar->setRange(0, kPercent);
-        m_owner.m_iface.statusBarIface()->addPermanentWidget(m_bar);
-        m_owner.m_iface.mapCanvas()->freeze(true);
-        m_owner.m_waiting = this;
+        m_iface.statusBarIface()->addPermanentWidget(m_bar);
+        m_iface.mapCanvas()->freeze(true);
     }
-    ~DesktopWaitingWindow() override {
-        m_owner.m_waiting = nullptr;
+    ~ProgressInQgis() override {
         delete m_bar;
-        m_owner.m_iface.mapCanvas()->freeze(false);
-        m_owner.m_iface.mapCanvas()->refresh();
+        m_iface.mapCanvas()->freeze(false);
+        m_iface.mapCanvas()->refresh();
     }
-    DesktopWaitingWindow(const DesktopWaitingWindow&) = delete;
-    DesktopWaitingWindow& operator=(const DesktopWaitingWindow&) = delete;
+    ProgressInQgis(const ProgressInQgis&) = delete;
+    ProgressInQgis& operator=(const ProgressInQgis&) = delete;
 
-    bool report(double fraction, std::string_view text) override {
+    bool report(double fraction, std::string_view) override {
         if (m_bar) {
             m_bar->setValue(static_cast<int>(std::lround(fraction * kPercent)));
         }
-        return m_window->report(fraction, text);
+        return true;
     }
-    bool cancelled() const override { return m_window->cancelled(); }
+    bool cancelled() const override { return false; }
 
   private:
-    DesktopInteraction& m_owner;
-    std::unique_ptr<platform::WaitingWindow> m_window;
+    QgisInterface& m_iface;
     QPointer<QProgressBar> m_bar;
 };
 
-DesktopInteraction::DesktopInteraction(QgisInterface& iface) : m_iface(iface) {}
+}  // namespace
 
-DesktopInteraction::~DesktopInteraction() = default;
+DesktopInteraction::DesktopInteraction(QgisInterface& iface)
+    : m_iface(iface),
+      m_boxes({.beside_waiting_window = [&iface] { return std::make_unique<ProgressInQgis>(iface); }}) {}
 
 void DesktopInteraction::show_call_stack(std::string_view text) {
     log(text, Qgis::Critical);
     m_boxes.show_call_stack(text);
 }
 
-std::unique_ptr<platform::WaitingWindow> DesktopInteraction::waiting_window(std::string_view text) {
-    return std::make_unique<DesktopWaitingWindow>(*this, m_boxes.waiting_window(text));
-}
-
 void DesktopInteraction::notice(std::string_view text) {
     log(text, Qgis::Warning);
     m_iface.messageBar()->pushMessage(kTitle, qt_text(text), Qgis::Warning, 0);
-}
-
-platform::Progress& DesktopInteraction::progress() {
-    if (m_waiting != nullptr) {
-        return *m_waiting;
-    }
-    return m_no_progress;
 }
 
 void DesktopInteraction::run_ended(const platform::RunResult& result) {

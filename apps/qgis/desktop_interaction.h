@@ -18,7 +18,6 @@ namespace kestrel::qgis {
 class DesktopInteraction final : public platform::Interaction {
   public:
     explicit DesktopInteraction(QgisInterface& iface);
-    ~DesktopInteraction() override;
 
     platform::Answer message_box(const platform::MessageBox& box) override { return m_boxes.message_box(box); }
     std::string input_box(const platform::InputBox& box) override { return m_boxes.input_box(box); }
@@ -27,25 +26,23 @@ class DesktopInteraction final : public platform::Interaction {
     }
     void show_call_stack(std::string_view text) override;
     /// While the window is up, the status bar shows the progress, too, and the map is not drawn: its files may change.
-    std::unique_ptr<platform::WaitingWindow> waiting_window(std::string_view text) override;
+    std::unique_ptr<platform::WaitingWindow> waiting_window(std::string_view text) override {
+        return m_boxes.waiting_window(text);
+    }
     void show_help() override { m_boxes.show_help(); }
     void notice(std::string_view text) override;
     void beep() override { m_boxes.beep(); }
 
-    /// The living waiting window; where there is none, progress that nobody sees.
-    platform::Progress& progress();
+    /// As QtInteraction::progress().
+    platform::Progress& progress() { return m_boxes.progress(); }
     /// Tells how a run ended.
     void run_ended(const platform::RunResult& result);
     /// Tells of something that does not work, and why.
     void failure(std::string_view text);
 
   private:
-    class DesktopWaitingWindow;
-
     QgisInterface& m_iface;
     QtInteraction m_boxes;
-    platform::NoProgress m_no_progress;
-    DesktopWaitingWindow* m_waiting = nullptr;
 };
 
 }  // namespace kestrel::qgis

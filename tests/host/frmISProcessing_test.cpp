@@ -393,6 +393,38 @@ TEST_F(ProcessingWindowFonts, NothingIsCutOffOfALongTextOrStep) {
     }
 }
 
+/// Notes what it hears, and when it goes.
+class NotedProgress final : public platform::Progress {
+  public:
+    explicit NotedProgress(std::vector<std::string>& notes) : m_notes(notes) {}
+    ~NotedProgress() override { m_notes.push_back(waiting_form() != nullptr ? "gone first" : "gone last"); }
+    NotedProgress(const NotedProgress&) = delete;
+    NotedProgress& operator=(const NotedProgress&) = delete;
+
+    bool report(double, std::string_view text) override {
+        m_notes.emplace_back(text);
+        return false;
+    }
+    bool cancelled() const override { return true; }
+
+  private:
+    std::vector<std::string>& m_notes;
+};
+
+TEST(QtProgress, IsShownBesideTheWaitingWindowWhereTheHostHasAPlaceForIt) {
+    std::vector<std::string> notes;
+    QtInteraction user({.beside_waiting_window = [&] { return std::make_unique<NotedProgress>(notes); }});
+    {
+        const auto waiting = user.waiting_window("Please wait...");
+        EXPECT_TRUE(user.progress().report(0.1, "Reading")) << "only the window stops the run";
+        EXPECT_FALSE(user.progress().cancelled());
+        EXPECT_EQ(notes, std::vector<std::string>{"Reading"});
+    }
+    EXPECT_EQ(notes, (std::vector<std::string>{"Reading", "gone first"}));
+    EXPECT_TRUE(user.progress().report(0.2, "Writing"));
+    EXPECT_EQ(notes.size(), 2U);
+}
+
 TEST(QtProgress, IsThatOfTheWaitingWindowOrOneThatNeverStops) {
     QtInteraction user;
     EXPECT_TRUE(user.progress().report(0.5, "nobody watches"));

@@ -170,7 +170,20 @@ def run_again_without_selection(form):
     layer_named("sheds").removeSelection()
     output = drive.WORK / "results" / "selected.shp"
     drive.boxes.clear()
+    bars = []
+
+    def look_at_status_bar():
+        bar = iface.statusBarIface().findChild(QProgressBar, "kestrelProgress")
+        if bar is not None:
+            bars.append((bar.value(), iface.mapCanvas().isFrozen()))
+
+    timer = QTimer()
+    timer.timeout.connect(look_at_status_bar)
+    timer.start(0)
     run_form(form, output)
+    timer.stop()
+    check("the status bar shows the progress", bars and bars[-1][0] > 50, bars)
+    check("and the map is not drawn meanwhile", all(frozen for _, frozen in bars), bars)
     check_equal("one layer of that name", layer_names().count("selected"), 1)
     check_equal("all zones", rows_of(layer_named("selected")), command_rows("--option", "medium"))
 
