@@ -61,28 +61,46 @@ void BandHistogram::count_each(const std::uint8_t* cells, std::size_t count, std
     }
 }
 
-void BandHistogram::count(std::size_t piece, const std::uint8_t* cells, std::size_t count, PieceCounter& counter) {
-    std::uint32_t* const lanes = slot(piece);
+/// Counts more than 64 cells.
+void BandHistogram::count_runs(const std::uint8_t* cells, std::size_t count, std::uint32_t* lanes) const {
     const std::uint8_t* const column_of = m_column_of.data();
     std::size_t run = 0;  // where the present run begins; it reaches up to the block at least
+    const auto end_run = [&](std::size_t end) {
+        lanes[column_of[cells[run]]] += static_cast<std::uint32_t>(end - run);
+        run = end;
+    };
+    const auto end_runs = [&](std::uint64_t changes, std::size_t block) {
+        for (; changes != 0; changes &= changes - 1) {
+            end_run(block + static_cast<std::size_t>(std::countr_zero(changes)) + 1);
+        }
+    };
     std::size_t block = 0;
     for (; block + 64 < count; block += 64) {
-        std::uint64_t changes = changes_in_64(cells + block);
+        const std::uint64_t changes = changes_in_64(cells + block);
         if (bits_in(changes) > kManyChanges) {
-            lanes[column_of[cells[run]]] += static_cast<std::uint32_t>(block - run);
+            end_run(block);
             count_each(cells + block, 64, lanes);
             run = block + 64;
-            continue;
-        }
-        while (changes != 0) {
-            const std::size_t end = block + static_cast<std::size_t>(std::countr_zero(changes)) + 1;
-            lanes[column_of[cells[run]]] += static_cast<std::uint32_t>(end - run);
-            run = end;
-            changes &= changes - 1;
+        } else {
+            end_runs(changes, block);
         }
     }
-    lanes[column_of[cells[run]]] += static_cast<std::uint32_t>(block - run);
-    count_each(cells + block, count - block, lanes);
+    if (block + 1 < count) {
+        // The last 64 changes that there may be, less those that were looked at.
+        const std::size_t last = count - 65;
+        const std::size_t done = block - last;
+        end_runs(changes_in_64(cells + last) >> done << done, last);
+    }
+    end_run(count);
+}
+
+void BandHistogram::count(std::size_t piece, const std::uint8_t* cells, std::size_t count, PieceCounter& counter) {
+    std::uint32_t* const lanes = slot(piece);
+    if (count <= 64) {
+        count_each(cells, count, lanes);
+    } else {
+        count_runs(cells, count, lanes);
+    }
     if ((lanes[kOther] | lanes[kColumns + kOther] | lanes[2 * kColumns + kOther] | lanes[3 * kColumns + kOther]) != 0) {
         count_others(piece, cells, count, lanes, counter);
     }

@@ -36,6 +36,7 @@ class BandHistogram {
 
     std::uint32_t* slot(std::size_t piece);
     void count_each(const std::uint8_t* cells, std::size_t count, std::uint32_t* lanes) const;
+    void count_runs(const std::uint8_t* cells, std::size_t count, std::uint32_t* lanes) const;
     void count_others(std::size_t piece, const std::uint8_t* cells, std::size_t count, std::uint32_t* slot,
                       PieceCounter& counter);
 
