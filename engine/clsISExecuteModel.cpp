@@ -115,7 +115,7 @@ void clsISExecuteModel::ExecuteModel(platform::Application* pApp, const std::str
     if (pApp == nullptr) {
         throw platform::RuntimeError(platform::kObjectVariableNotSet, "There is no application to run in");
     }
-    m_run = std::make_unique<ModelRun>(*pApp, pWorkPath);
+    m_run = std::make_unique<ModelRun>(*pApp, pWorkPath, m_options.threads);
     const RunEnd end(*this);
     run_stages(pFileName, shpPath, shpName, LayerName);
 } catch (...) {
@@ -153,13 +153,14 @@ bool clsISExecuteModel::prepare(const std::string& pFileName) {
         return false;
     }
     inspect_land_cover(run);
-    run.areas.Initialise(&run.app, run.option, m_options.threads);
+    run.areas.Initialise(&run.app, run.option, run.threads);
     const PolygonLayer* density = nullptr;
     std::optional<clsPopulationDensity> density_stage;
     if (run.option == "3") {
         density_stage.emplace(run.map(), run.analysis, run.density_theme, run.density_field, run.density_high,
                               run.density_low);
-        if (!density_stage->DensityCalculation()) {
+        StageProgress progress(run.app.progress(), kAnalysisLayerRead, kScenariosBegin);
+        if (!density_stage->DensityCalculation(progress, run.threads)) {
             if (!run.cancelled()) {
                 platform::interaction().message_box(engine_texts::density_failed());
             }
@@ -230,8 +231,8 @@ bool clsISExecuteModel::DissolveAnalysisLayer(const std::string& shpPath, const 
     ModelRun& run = *m_run;
     run.result.layer_name = LayerName;
     StageProgress progress(run.app.progress(), kDissolveBegins, kDissolveEnds);
-    run.output.polygons = platform::dissolve(run.analysis.polygons, run.groups.group_of(), run.groups.count(), progress,
-                                             m_options.threads);
+    run.output.polygons =
+        platform::dissolve(run.analysis.polygons, run.groups.group_of(), run.groups.count(), progress, run.threads);
     if (run.cancelled()) {
         return false;
     }

@@ -54,7 +54,7 @@ clsPopulationDensity::clsPopulationDensity(const platform::Map& pMap, const Poly
       m_high(std::move(PopDensityHigh)),
       m_low(std::move(PopDensityLow)) {}
 
-bool clsPopulationDensity::DensityCalculation() try {
+bool clsPopulationDensity::DensityCalculation(platform::Progress& progress, int threads) try {
     const FeatureClass density = density_source(m_map, m_density_layer);
     const platform::SpatialReference& reference = density.spatial_reference();
     if (reference.known() && m_analysis.reference.known() && !reference.same_name(m_analysis.reference)) {
@@ -62,8 +62,8 @@ bool clsPopulationDensity::DensityCalculation() try {
     }
     // In an intersection a field whose name both layers have would be called by that name and "_1"; either way it is
     // the density layer's own.
-    m_intersection.density = read_polygon_layer(density, m_density_layer, m_density_field);
-    if (!overlaps()) {
+    m_intersection.density = read_polygon_layer(density, m_density_layer, m_density_field, progress, threads);
+    if (progress.cancelled() || !overlaps()) {
         return false;
     }
     for (const Value& value : m_intersection.density.values) {

@@ -34,9 +34,9 @@ class clsPopulationDensity {
     clsPopulationDensity(const platform::Map& pMap, const PolygonLayer& analysis, std::string PopDensityTheme,
                          std::string PopDensityFldName, std::string PopDensityHigh, std::string PopDensityLow);
 
-    /// Runs the preparation. \return false when the systems differ by name, nothing overlaps, or after a reported
-    /// failure.
-    bool DensityCalculation();
+    /// Runs the preparation. \return false when the systems differ by name, nothing overlaps, after a reported failure,
+    /// or when `progress` answered stop. \param threads that may be used; 0 for as many as there are cores.
+    bool DensityCalculation(platform::Progress& progress, int threads);
 
     /// The 10-byte name of a long field name, by the rule of basUtil::SetFieldName().
     std::string SetFieldName(const std::string& name, std::span<const platform::Field> table);

@@ -8,6 +8,7 @@
 
 #include "engine/basUtil.h"
 #include "engine/engine_texts.h"
+#include "engine/stage_progress.h"
 #include "platform/contracts/interaction.h"
 #include "platform/conversions.h"
 #include "platform/errors.h"
@@ -40,7 +41,8 @@ void restore_integers(std::vector<Value>& values) {
 }
 
 /// A scenario's polygons in the analysis layer's coordinate system.
-PolygonLayer read_scenario(ModelRun& run, const std::string& name, std::size_t number, ScenarioTheme& theme) {
+PolygonLayer read_scenario(ModelRun& run, const std::string& name, std::size_t number, ScenarioTheme& theme,
+                           platform::Progress& progress) {
     const auto layer = find_layer<platform::FeatureLayer>(run, name, "polygon");
     std::optional<PolygonLayer> scenario;
     if (layer->selection().count() > 0) {
@@ -49,9 +51,9 @@ PolygonLayer read_scenario(ModelRun& run, const std::string& name, std::size_t n
             throw RuntimeError(platform::kObjectVariableNotSet,
                                fmt::format("The selected features of \"{}\" could not be copied", name));
         }
-        scenario = read_polygon_layer(*copied, name, {});
+        scenario = read_polygon_layer(*copied, name, {}, progress, run.threads);
     } else {
-        scenario = read_polygon_layer(layer->feature_class(), name, {});
+        scenario = read_polygon_layer(layer->feature_class(), name, {}, progress, run.threads);
     }
     const SpatialReference& target = run.analysis.reference;
     theme.same_projection = !scenario->reference.known() || !target.known() || scenario->reference.same(target) ||
@@ -66,11 +68,12 @@ PolygonLayer read_scenario(ModelRun& run, const std::string& name, std::size_t n
 /// Scenario i works under names that begin with i + 2, not with 0 or 1.
 constexpr std::size_t kFirstScenarioNumber = 2;
 
-void add_scenario(ModelRun& run, RunZones& zones, const std::string& name) {
+void add_scenario(ModelRun& run, RunZones& zones, const std::string& name, platform::Progress& progress) {
     ScenarioTheme theme{.name = name, .position = {}, .failure = {}};
     try {
-        const PolygonLayer scenario = read_scenario(run, name, run.scenarios.size() + kFirstScenarioNumber, theme);
-        if (theme.same_projection && run.raster) {
+        const std::size_t number = run.scenarios.size() + kFirstScenarioNumber;
+        const PolygonLayer scenario = read_scenario(run, name, number, theme, progress);
+        if (!run.cancelled() && theme.same_projection && run.raster) {
             theme.position = static_cast<std::uint32_t>(zones.scenarios.size());
             zones.scenarios.push_back(polygons_in(scenario, run.raster->spatial_reference(), run.land_cover_theme));
         }
@@ -117,15 +120,19 @@ bool read_analysis_layer(ModelRun& run) {
         platform::interaction().message_box(engine_texts::analysis_field_missing());
         return false;
     }
+    StageProgress progress(run.app.progress(), 0, kAnalysisLayerRead);
     if (run.analysis_layer->selection().count() > 0) {
         const auto copied = basUtil::CreateShapefile(run.analysis_field, *run.analysis_layer, run.working_folder());
         if (!copied) {
             return false;
         }
         run.selected = *copied;
-        run.analysis = read_polygon_layer(*copied, run.analysis_theme, "analyfld");
+        run.analysis = read_polygon_layer(*copied, run.analysis_theme, "analyfld", progress, run.threads);
     } else {
-        run.analysis = read_polygon_layer(source, run.analysis_theme, run.analysis_field);
+        run.analysis = read_polygon_layer(source, run.analysis_theme, run.analysis_field, progress, run.threads);
+    }
+    if (run.cancelled()) {
+        return false;
     }
     // Whatever the working copy calls it: the user sees the field that was chosen.
     run.analysis.field = run.analysis_fields.at(static_cast<std::size_t>(position));
@@ -174,8 +181,13 @@ void lay_out_zones(ModelRun& run, const PolygonLayer* density) {
     if (density != nullptr) {
         zones.density = polygons_in(*density, target, run.land_cover_theme);
     }
+    const auto scenario_count = static_cast<double>(std::max<std::size_t>(1, run.scenario_choices->size()));
+    const double each = (kScenariosEnd - kScenariosBegin) / scenario_count;
+    double begin = kScenariosBegin;
     for (const auto& [number, choice] : *run.scenario_choices) {
-        add_scenario(run, zones, choice.Item(1));
+        StageProgress progress(run.app.progress(), begin, begin + each);
+        add_scenario(run, zones, choice.Item(1), progress);
+        begin += each;
     }
     run.zones = std::move(zones);
 }

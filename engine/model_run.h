@@ -20,10 +20,15 @@
 
 namespace kestrel {
 
+/// The share of a run after which the analysis layer is read, and where reading the scenarios begins and ends.
+inline constexpr double kAnalysisLayerRead = 0.05;
+inline constexpr double kScenariosBegin = 0.08;
+inline constexpr double kScenariosEnd = 0.1;
+
 /// What one run holds while it lasts.
 struct ModelRun {
-    ModelRun(platform::Application& application, std::string extension_folder)
-        : app(application), work_path(std::move(extension_folder)) {}
+    ModelRun(platform::Application& application, std::string extension_folder, int threads_to_use)
+        : app(application), work_path(std::move(extension_folder)), threads(threads_to_use) {}
 
     platform::Map& map() const { return app.document().focus_map(); }
     bool cancelled() const { return app.progress().cancelled(); }
@@ -32,6 +37,8 @@ struct ModelRun {
 
     platform::Application& app;
     std::string work_path;
+    /// That the run may use; 0 for as many as there are cores.
+    int threads;
     NoticeRecorder notices;
 
     // The settings, as read.
@@ -82,7 +89,8 @@ struct ModelRun {
 bool read_settings(ModelRun& run, const std::string& file_name);
 
 /// Finds analysis layer and land cover in the map and reads the analysis features, the selected ones when there is a
-/// selection. \return false after a failure that was told. \throws RuntimeError 91 when the map lacks a layer.
+/// selection. \return false after a failure that was told, or when the run was cancelled. \throws RuntimeError 91 when
+/// the map lacks a layer.
 bool read_analysis_layer(ModelRun& run);
 
 /// Opens the land cover, and gives notice of what makes its areas doubtful. An analysis layer without a coordinate

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "engine/engine_texts.h"
+#include "engine/stage_progress.h"
 #include "platform/contracts/interaction.h"
 #include "platform/errors.h"
 #include "platform/geometry.h"
@@ -16,8 +17,15 @@ using platform::PolygonSet;
 using platform::SharedPolygons;
 using platform::SpatialReference;
 
+namespace {
+
+/// The share of the work with a layer that reading it takes.
+constexpr double kRead = 0.7;
+
+}  // namespace
+
 PolygonLayer read_polygon_layer(const FeatureClass& source, const std::string& layer_name,
-                                const std::string& field_name) {
+                                const std::string& field_name, platform::Progress& progress, int threads) {
     PolygonLayer layer;
     layer.name = layer_name;
     layer.reference = source.spatial_reference();
@@ -31,11 +39,13 @@ PolygonLayer read_polygon_layer(const FeatureClass& source, const std::string& l
         layer.field = source.fields()[static_cast<std::size_t>(position)];
         wanted.push_back(field_name);
     }
-    platform::PolygonFeatures features = source.read_polygons(wanted);
+    StageProgress reading(progress, 0, kRead);
+    platform::PolygonFeatures features = source.read_polygons(wanted, reading, threads);
     if (!features.columns.empty()) {
         layer.values = std::move(features.columns.front());
     }
-    const std::size_t repaired = platform::repair(features.polygons);
+    StageProgress checking(progress, kRead, 1);
+    const std::size_t repaired = progress.cancelled() ? 0 : platform::repair(features.polygons, checking, threads);
     if (repaired > 0) {
         platform::interaction().notice(engine_texts::repaired_polygons(repaired, layer_name));
     }

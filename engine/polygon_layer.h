@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/contracts/layer.h"
+#include "platform/contracts/progress.h"
 #include "platform/feature_class.h"
 #include "platform/field.h"
 #include "platform/polygons.h"
@@ -31,9 +32,11 @@ struct PolygonLayer {
 /// Reads all features of a feature class. Invalid polygons are repaired, which draws a notice with their count.
 /// \param layer_name for messages.
 /// \param field_name a field of the class, or empty for none.
+/// \param progress when it answers stop, the layer is incomplete and must not be used.
+/// \param threads that may be used; 0 for as many as there are cores.
 /// \throws RuntimeError when the class has no such field or cannot be read.
 PolygonLayer read_polygon_layer(const platform::FeatureClass& source, const std::string& layer_name,
-                                const std::string& field_name);
+                                const std::string& field_name, platform::Progress& progress, int threads);
 
 /// The polygons of `layer` in the coordinate system `target`: its own ones where nothing has to be projected. A
 /// coordinate system that is missing on one side is taken as the other's, which draws a notice. \param target_name what

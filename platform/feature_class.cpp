@@ -3,56 +3,29 @@
 #include "platform/feature_class.h"
 
 #include <cpl_error.h>
-#include <cpl_string.h>
 #include <fmt/format.h>
 #include <ogrsf_frmts.h>
 
 #include <algorithm>
 
 #include "platform/errors.h"
-#include "platform/files.h"
 #include "platform/gdal_support.h"
+#include "platform/layer_reading.h"
 #include "platform/ogr_fields.h"
-#include "platform/ogr_polygons.h"
+#include "platform/parallel.h"
+#include "platform/polygon_reading.h"
 
 namespace kestrel::platform {
 
 struct FeatureClass::Source {
     FeatureSource source;
-    GDALDatasetUniquePtr dataset;
-    OGRLayer* layer = nullptr;
+    OpenLayer open;
     std::string layer_name;
     std::vector<Field> fields;
     SpatialReference reference;
-
-    /// For messages: path, and layer where it is not the path's own.
-    std::string label() const {
-        return base_name_of(source.path) == layer_name ? source.path : source.path + "|layername=" + layer_name;
-    }
 };
 
 namespace {
-
-std::vector<std::string> layer_names(GDALDataset& dataset) {
-    std::vector<std::string> names;
-    for (OGRLayer* const layer : dataset.GetLayers()) {
-        names.emplace_back(layer->GetName());
-    }
-    return names;
-}
-
-OGRLayer* find_layer(GDALDataset& dataset, const FeatureSource& source) {
-    OGRLayer* const found =
-        source.layer_name.empty() ? dataset.GetLayer(0) : dataset.GetLayerByName(source.layer_name.c_str());
-    if (found != nullptr) {
-        return found;
-    }
-    if (dataset.GetLayerCount() == 0) {
-        throw RuntimeError(kLibraryFailure, fmt::format("{} holds no layer of features", source.path));
-    }
-    throw RuntimeError(kLibraryFailure, fmt::format("{} has no layer \"{}\"; its layers are: {}", source.path,
-                                                    source.layer_name, fmt::join(layer_names(dataset), ", ")));
-}
 
 SpatialReference reference_of(OGRLayer& layer) {
     const OGRSpatialReference* const system = layer.GetSpatialRef();
@@ -71,19 +44,6 @@ SpatialReference reference_of(OGRLayer& layer) {
     return SpatialReference::from(wkt);
 }
 
-void set_subset(OGRLayer& layer, const std::string& subset, const std::string& label) {
-    if (subset.empty()) {
-        return;
-    }
-    const bool taken = layer.SetAttributeFilter(subset.c_str()) == OGRERR_NONE;
-    // Databases look at the filter only when the first feature is asked for.
-    const OGRFeatureUniquePtr first(taken ? layer.GetNextFeature() : nullptr);
-    if (!taken || gdal_failed()) {
-        throw gdal_error(fmt::format("The filter {} does not suit {}", subset, label));
-    }
-    layer.ResetReading();
-}
-
 bool may_hold_polygons(OGRwkbGeometryType type) {
     switch (wkbFlatten(type)) {
         case wkbPolygon:
@@ -99,83 +59,9 @@ bool may_hold_polygons(OGRwkbGeometryType type) {
     }
 }
 
-/// One reading of a layer: what it needs, and the features in order. At its end the layer is as it was.
-class Reading {
-  public:
-    Reading(OGRLayer& layer, const FeatureSource& source, std::string label)
-        : m_layer(layer), m_source(source), m_label(std::move(label)) {
-        CPLErrorReset();
-        m_layer.ResetReading();
-    }
-    ~Reading() {
-        m_layer.SetIgnoredFields(nullptr);
-        if (m_filtered) {
-            m_layer.SetAttributeFilter(m_source.subset.empty() ? nullptr : m_source.subset.c_str());
-        }
-        m_layer.ResetReading();
-    }
-    Reading(const Reading&) = delete;
-    Reading& operator=(const Reading&) = delete;
-
-    /// Lets the driver leave out what nobody asks for.
-    void keep_only(const std::vector<Field>& fields, const std::vector<int>& kept, bool geometry) {
-        if (m_layer.TestCapability(OLCIgnoreFields) == 0 || !m_source.subset.empty()) {
-            return;  // a filter may look at any field
-        }
-        CPLStringList ignored;
-        ignored.AddString("OGR_STYLE");
-        if (!geometry) {
-            ignored.AddString("OGR_GEOMETRY");
-        }
-        for (std::size_t i = 0; i < fields.size(); ++i) {
-            if (std::find(kept.begin(), kept.end(), static_cast<int>(i)) == kept.end()) {
-                ignored.AddString(fields[i].name.c_str());
-            }
-        }
-        check(m_layer.SetIgnoredFields(const_cast<const char**>(ignored.List())) == OGRERR_NONE);
-    }
-
-    /// Lets only features pass that suit `where` besides the source's own filter.
-    void filter(const std::string& where) {
-        const std::string both = m_source.subset.empty() ? where : fmt::format("({}) AND ({})", m_source.subset, where);
-        m_filtered = true;
-        check(m_layer.SetAttributeFilter(both.c_str()) == OGRERR_NONE);
-    }
-
-    /// The next feature, nothing at the end. The driver says only through its error state why it stopped.
-    OGRFeatureUniquePtr next() {
-        OGRFeatureUniquePtr feature(m_layer.GetNextFeature());
-        check(!gdal_failed());
-        return feature;
-    }
-
-    /// The feature of that id, nothing when there is none.
-    OGRFeatureUniquePtr at(std::int64_t id) {
-        OGRFeatureUniquePtr feature(m_layer.GetFeature(id));
-        if (feature == nullptr) {
-            CPLErrorReset();
-        }
-        check(!gdal_failed());
-        return feature;
-    }
-
-  private:
-    void check(bool good) const {
-        if (!good) {
-            throw gdal_error(fmt::format("{} cannot be read", m_label));
-        }
-    }
-
-    OGRLayer& m_layer;
-    const FeatureSource& m_source;
-    std::string m_label;
-    bool m_filtered = false;
-};
-
 /// Whether reading in order yields ascending ids, so that features fetched by ascending ids come in source order.
 bool in_id_order(GDALDataset& dataset, const FeatureSource& source) {
-    const GDALDriver* const driver = dataset.GetDriver();
-    const std::string name = driver != nullptr ? driver->GetDescription() : "";
+    const std::string name = driver_name(dataset);
     return name == "ESRI Shapefile" || (name == "GPKG" && source.subset.empty());
 }
 
@@ -188,7 +74,7 @@ bool few(std::span<const std::int64_t> ids, OGRLayer& layer) {
 /// Asks for the features of `ids`, or all, and hands each to `take`.
 /// \return how many there were.
 template <typename Take>
-std::size_t visit(Reading& reading, std::optional<std::span<const std::int64_t>> ids, bool by_id, Take take) {
+std::size_t visit(LayerReading& reading, std::optional<std::span<const std::int64_t>> ids, bool by_id, Take take) {
     std::size_t count = 0;
     if (by_id) {
         for (const std::int64_t id : *ids) {
@@ -211,20 +97,12 @@ std::size_t visit(Reading& reading, std::optional<std::span<const std::int64_t>>
 }  // namespace
 
 FeatureClass FeatureClass::open(const FeatureSource& source) {
-    start_gdal();
-    CPLErrorReset();
     auto opened = std::make_shared<Source>();
     opened->source = source;
-    opened->dataset.reset(
-        GDALDataset::Open(source.path.c_str(), GDAL_OF_VECTOR | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR));
-    if (opened->dataset == nullptr) {
-        throw gdal_open_error(fmt::format("{} cannot be opened", source.path), source.path);
-    }
-    opened->layer = find_layer(*opened->dataset, source);
-    opened->layer_name = opened->layer->GetName();
-    opened->fields = fields_of(*opened->layer->GetLayerDefn());
-    opened->reference = reference_of(*opened->layer);
-    set_subset(*opened->layer, source.subset, opened->label());
+    opened->open = open_layer(source);
+    opened->layer_name = opened->open.layer->GetName();
+    opened->fields = fields_of(*opened->open.layer->GetLayerDefn());
+    opened->reference = reference_of(*opened->open.layer);
     return FeatureClass(std::move(opened));
 }
 
@@ -233,7 +111,7 @@ const FeatureSource& FeatureClass::source() const noexcept {
 }
 
 std::vector<std::string> FeatureClass::layers_in_source() const {
-    return layer_names(*m_source->dataset);
+    return layer_names(*m_source->open.dataset);
 }
 
 const std::string& FeatureClass::layer_name() const noexcept {
@@ -255,14 +133,14 @@ const SpatialReference& FeatureClass::spatial_reference() const noexcept {
 }
 
 bool FeatureClass::polygonal() const noexcept {
-    return may_hold_polygons(m_source->layer->GetGeomType());
+    return may_hold_polygons(m_source->open.layer->GetGeomType());
 }
 
 std::int64_t FeatureClass::feature_count() const {
     CPLErrorReset();
-    const std::int64_t count = m_source->layer->GetFeatureCount(TRUE);
+    const std::int64_t count = m_source->open.layer->GetFeatureCount(TRUE);
     if (count < 0 || gdal_failed()) {
-        throw gdal_error(fmt::format("The features of {} cannot be counted", m_source->label()));
+        throw gdal_error(fmt::format("The features of {} cannot be counted", m_source->open.label));
     }
     return count;
 }
@@ -274,17 +152,17 @@ Envelope FeatureClass::extent() const {
     }
     CPLErrorReset();
     OGREnvelope found;
-    if (m_source->layer->GetExtent(&found, TRUE) == OGRERR_NONE) {
+    if (m_source->open.layer->GetExtent(&found, TRUE) == OGRERR_NONE) {
         result.add({found.MinX, found.MinY});
         result.add({found.MaxX, found.MaxY});
     } else if (gdal_failed()) {
-        throw gdal_error(fmt::format("The extent of {} cannot be read", m_source->label()));
+        throw gdal_error(fmt::format("The extent of {} cannot be read", m_source->open.label));
     }
     return result;
 }
 
 std::vector<std::int64_t> FeatureClass::ids_where(const std::string& where) const {
-    Reading reading(*m_source->layer, m_source->source, m_source->label());
+    LayerReading reading(m_source->open, m_source->source);
     reading.filter(where);
     std::vector<std::int64_t> ids;
     visit(reading, std::nullopt, false, [&](const OGRFeature& feature) { ids.push_back(feature.GetFID()); });
@@ -307,69 +185,47 @@ std::vector<int> positions_of(const FeatureClass& features, std::span<const std:
     return positions;
 }
 
-void refuse_unless_appended(AppendResult result, std::int64_t id, const std::string& label) {
-    if (result == AppendResult::no_polygon) {
-        throw RuntimeError(kInvalidProcedureCall, fmt::format("Feature {} of {} is no polygon", id, label));
-    }
-    if (result == AppendResult::not_finite) {
-        throw RuntimeError(kInvalidProcedureCall,
-                           fmt::format("Feature {} of {} has a coordinate that is no finite number", id, label));
+}  // namespace
+
+void FeatureClass::refuse_unless_polygonal() const {
+    if (!polygonal()) {
+        throw RuntimeError(kInvalidProcedureCall, fmt::format("{} is no layer of polygons", m_source->open.label));
     }
 }
 
-/// Fills one column for each field, feature by feature.
-class Columns {
-  public:
-    Columns(const std::vector<Field>& fields, std::vector<int> positions, std::vector<std::vector<Value>>& columns)
-        : m_fields(fields), m_positions(std::move(positions)), m_columns(columns) {
-        m_columns.resize(m_positions.size());
-    }
-    void take(const OGRFeature& feature) {
-        for (std::size_t i = 0; i < m_positions.size(); ++i) {
-            const int position = m_positions[i];
-            m_columns[i].push_back(value_of(feature, position, m_fields[static_cast<std::size_t>(position)].type));
-        }
-    }
-
-  private:
-    const std::vector<Field>& m_fields;
-    std::vector<int> m_positions;
-    std::vector<std::vector<Value>>& m_columns;
-};
-
-}  // namespace
-
 PolygonFeatures FeatureClass::read_polygons(std::span<const std::string> field_names,
                                             std::optional<std::span<const std::int64_t>> only) const {
-    if (!polygonal()) {
-        throw RuntimeError(kInvalidProcedureCall, fmt::format("{} is no layer of polygons", m_source->label()));
-    }
-    const auto positions = positions_of(*this, field_names);
-    Reading reading(*m_source->layer, m_source->source, m_source->label());
-    reading.keep_only(m_source->fields, positions, true);
+    refuse_unless_polygonal();
+    const FieldChoice choice{m_source->fields, positions_of(*this, field_names)};
+    LayerReading reading(m_source->open, m_source->source);
+    reading.keep_only(choice.fields, choice.positions, true);
     PolygonFeatures result;
-    Columns columns(m_source->fields, positions, result.columns);
-    const bool by_id = only && in_id_order(*m_source->dataset, m_source->source) && few(*only, *m_source->layer);
+    result.columns.resize(choice.positions.size());
+    const bool by_id =
+        only && in_id_order(*m_source->open.dataset, m_source->source) && few(*only, *m_source->open.layer);
     const std::size_t count = visit(reading, only, by_id, [&](const OGRFeature& feature) {
-        refuse_unless_appended(append_feature(result.polygons, feature.GetGeometryRef()), feature.GetFID(),
-                               m_source->label());
-        result.ids.push_back(feature.GetFID());
-        columns.take(feature);
+        take_polygons(result, feature, choice, m_source->open.label);
     });
     if (only && count != only->size()) {
         throw RuntimeError(kInvalidProcedureCall, fmt::format("{} holds only {} of the {} features asked for",
-                                                              m_source->label(), count, only->size()));
+                                                              m_source->open.label, count, only->size()));
     }
     return result;
 }
 
+PolygonFeatures FeatureClass::read_polygons(std::span<const std::string> field_names, Progress& progress,
+                                            int threads) const {
+    refuse_unless_polygonal();
+    const FieldChoice choice{m_source->fields, positions_of(*this, field_names)};
+    return read_all_polygons(m_source->open, m_source->source, choice, progress, thread_count(threads));
+}
+
 std::vector<std::vector<Value>> FeatureClass::read_columns(std::span<const std::string> field_names) const {
-    const auto positions = positions_of(*this, field_names);
-    Reading reading(*m_source->layer, m_source->source, m_source->label());
-    reading.keep_only(m_source->fields, positions, false);
-    std::vector<std::vector<Value>> result;
-    Columns columns(m_source->fields, positions, result);
-    visit(reading, std::nullopt, false, [&](const OGRFeature& feature) { columns.take(feature); });
+    const FieldChoice choice{m_source->fields, positions_of(*this, field_names)};
+    LayerReading reading(m_source->open, m_source->source);
+    reading.keep_only(choice.fields, choice.positions, false);
+    std::vector<std::vector<Value>> result(choice.positions.size());
+    visit(reading, std::nullopt, false, [&](const OGRFeature& feature) { take_values(result, feature, choice); });
     return result;
 }
 

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/contracts/progress.h"
 #include "platform/field.h"
 #include "platform/polygons.h"
 #include "platform/spatial_reference.h"
@@ -82,11 +83,18 @@ class FeatureClass {
     PolygonFeatures read_polygons(std::span<const std::string> field_names,
                                   std::optional<std::span<const std::int64_t>> only = std::nullopt) const;
 
+    /// Reads all features as read_polygons() above does.
+    /// \param progress hears the share of the features that is read. When it answers stop, the result is incomplete and
+    ///        must not be used.
+    /// \param threads that may be used; 0 for as many as there are cores. The result does not depend on it.
+    PolygonFeatures read_polygons(std::span<const std::string> field_names, Progress& progress, int threads) const;
+
     /// Reads the attributes alone, as read_polygons() would; of layers of any geometry type.
     std::vector<std::vector<Value>> read_columns(std::span<const std::string> field_names) const;
 
   private:
     struct Source;
+    void refuse_unless_polygonal() const;
     explicit FeatureClass(std::shared_ptr<Source> source) : m_source(std::move(source)) {}
     std::shared_ptr<Source> m_source;
 };

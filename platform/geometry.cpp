@@ -59,29 +59,33 @@ class ThreadContexts {
     std::vector<std::unique_ptr<Geos>> m_contexts;
 };
 
-/// Which features are invalid.
-std::vector<std::uint8_t> find_invalid(const PolygonSet& polygons, int threads) {
+/// Which features are invalid; none when told to stop.
+std::vector<std::uint8_t> find_invalid(const PolygonSet& polygons, Progress& progress, int threads) {
     const std::size_t count = polygons.feature_count();
     std::vector<std::uint8_t> invalid(count, 0);
     ThreadContexts contexts(threads);
-    NoProgress nobody;
-    for_each_item((count + kFeaturesPerItem - 1) / kFeaturesPerItem, threads, nobody, {},
-                  [&](std::size_t item, int worker) {
-                      const std::size_t end = std::min(count, (item + 1) * kFeaturesPerItem);
-                      for (std::size_t f = item * kFeaturesPerItem; f < end; ++f) {
-                          if (!polygons.empty(f) && !certainly_valid(polygons, f)) {
-                              const Geos& geos = contexts.of(worker);
-                              invalid[f] = valid(geos, geos.multipolygon(polygons, f)) ? 0 : 1;
-                          }
-                      }
-                  });
-    return invalid;
+    const std::size_t items = (count + kFeaturesPerItem - 1) / kFeaturesPerItem;
+    const bool all = for_each_item(items, threads, progress, "Checking polygons", [&](std::size_t item, int worker) {
+        const std::size_t end = std::min(count, (item + 1) * kFeaturesPerItem);
+        for (std::size_t f = item * kFeaturesPerItem; f < end; ++f) {
+            if (!polygons.empty(f) && !certainly_valid(polygons, f)) {
+                const Geos& geos = contexts.of(worker);
+                invalid[f] = valid(geos, geos.multipolygon(polygons, f)) ? 0 : 1;
+            }
+        }
+    });
+    return all ? invalid : std::vector<std::uint8_t>(count, 0);
 }
 
 }  // namespace
 
-std::size_t repair(PolygonSet& polygons, int threads) {
-    const std::vector<std::uint8_t> invalid = find_invalid(polygons, thread_count(threads));
+std::size_t repair(PolygonSet& polygons) {
+    NoProgress nobody;
+    return repair(polygons, nobody);
+}
+
+std::size_t repair(PolygonSet& polygons, Progress& progress, int threads) {
+    const std::vector<std::uint8_t> invalid = find_invalid(polygons, progress, thread_count(threads));
     const auto count = static_cast<std::size_t>(std::count(invalid.begin(), invalid.end(), 1));
     if (count == 0) {
         return 0;

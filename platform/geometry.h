@@ -16,9 +16,12 @@ namespace kestrel::platform {
 
 /// Repairs invalid polygons (self-crossing rings, overlapping parts, repeated rings) in place of the given ones; what
 /// remains of lines and points is dropped.
+/// \param progress hears the share of the features that was checked. When it answers stop, nothing is repaired.
 /// \param threads that may be used; 0 for as many as there are cores. The result does not depend on it.
 /// \return how many features were invalid.
-std::size_t repair(PolygonSet& polygons, int threads = 0);
+std::size_t repair(PolygonSet& polygons, Progress& progress, int threads = 0);
+/// The same without anyone to tell.
+std::size_t repair(PolygonSet& polygons);
 
 /// Joins the polygons of each group into one feature. Polygons that share their borders exactly are joined by dropping
 /// the shared edges, others by cutting their edges where they meet; where that gives no valid feature, GEOS unites

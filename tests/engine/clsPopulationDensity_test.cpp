@@ -17,6 +17,8 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
+platform::NoProgress nobody;
+
 TEST(DensityClass, TheHighCutOffItselfIsHigh) {
     EXPECT_EQ(density_class(1000, "1000", "200"), 1);
     EXPECT_EQ(density_class(1000.5, "1000", "200"), 1);
@@ -62,7 +64,7 @@ class PopulationDensity : public testing::Test {
     clsPopulationDensity density(const std::string& field, const std::string& high = "1000",
                                  const std::string& low = "200") {
         const FeatureClass source = FeatureClass::open({.path = world.folder / "sheds.shp"});
-        analysis = read_polygon_layer(source, "sheds", "ID");
+        analysis = read_polygon_layer(source, "sheds", "ID", nobody, 0);
         return {world.application.map(), analysis, "blocks", field, high, low};
     }
 
@@ -75,7 +77,7 @@ TEST_F(PopulationDensity, EveryDensityPolygonGetsItsDigit) {
     world.layer("blocks", {test::real_field("POP")},
                 {{{Box{0, 0, 1, 2}}, {1000.0}}, {{Box{1, 0, 2, 2}}, {500.0}}, {{Box{2, 0, 4, 2}}, {200.0}}});
     clsPopulationDensity stage = density("POP");
-    ASSERT_TRUE(stage.DensityCalculation());
+    ASSERT_TRUE(stage.DensityCalculation(nobody, 0));
     EXPECT_THAT(stage.NewAnalysisTheme().class_digits, ElementsAre(1, 2, 3));
     EXPECT_EQ(stage.NewAnalysisTheme().density.name, "blocks");
 }
@@ -85,7 +87,7 @@ TEST_F(PopulationDensity, TheChosenFieldCountsAlsoWhereTheDensityLayerHasAnother
     world.layer("blocks", {test::real_field("POP_1"), test::real_field("POP")},
                 {{{Box{0, 0, 1, 2}}, {1.0, 1000.0}}, {{Box{1, 0, 4, 2}}, {5000.0, 100.0}}});
     clsPopulationDensity stage = density("POP");
-    ASSERT_TRUE(stage.DensityCalculation());
+    ASSERT_TRUE(stage.DensityCalculation(nobody, 0));
     EXPECT_THAT(stage.NewAnalysisTheme().class_digits, ElementsAre(1, 3));
 }
 
@@ -93,9 +95,9 @@ TEST_F(PopulationDensity, TheNewFieldIsNamedAfterTheAnalysisField) {
     world.layer("sheds", {test::text_field("WATERSHED", 12)}, {{{Box{0, 0, 2, 2}}, {"a"}}});
     world.layer("blocks", {test::real_field("POP")}, {{{Box{0, 0, 1, 2}}, {1000.0}}});
     const FeatureClass source = FeatureClass::open({.path = world.folder / "sheds.shp"});
-    analysis = read_polygon_layer(source, "sheds", "WATERSHED");
+    analysis = read_polygon_layer(source, "sheds", "WATERSHED", nobody, 0);
     clsPopulationDensity stage(world.application.map(), analysis, "blocks", "POP", "1000", "200");
-    ASSERT_TRUE(stage.DensityCalculation());
+    ASSERT_TRUE(stage.DensityCalculation(nobody, 0));
     EXPECT_EQ(stage.NewAnalysisFieldName(), "new_WATERS");
     EXPECT_EQ(stage.NewAliasName(), "new_WATERS");
     EXPECT_EQ(stage.OldAnalysisFldName(), "WATERSHED");
@@ -108,7 +110,7 @@ TEST_F(PopulationDensity, AFieldThatBothLayersHaveIsReadFromTheDensityLayer) {
     world.layer("blocks", {test::integer_field("ZONEID")},
                 {{{Box{0, 0, 2, 2}}, {std::int64_t{5000}}}, {{Box{2, 0, 4, 2}}, {std::int64_t{1}}}});
     clsPopulationDensity stage = density("ZONEID");
-    ASSERT_TRUE(stage.DensityCalculation());
+    ASSERT_TRUE(stage.DensityCalculation(nobody, 0));
     EXPECT_THAT(stage.NewAnalysisTheme().class_digits, ElementsAre(1, 3));
 }
 
@@ -116,14 +118,14 @@ TEST_F(PopulationDensity, FieldsThatDifferInLetterCaseAreSharedToo) {
     sheds();
     world.layer("blocks", {test::integer_field("zoneid")}, {{{Box{0, 0, 4, 2}}, {std::int64_t{5000}}}});
     clsPopulationDensity stage = density("zoneid");
-    ASSERT_TRUE(stage.DensityCalculation());
+    ASSERT_TRUE(stage.DensityCalculation(nobody, 0));
     EXPECT_THAT(stage.NewAnalysisTheme().class_digits, ElementsAre(1));
 }
 
 TEST_F(PopulationDensity, AFieldOfTheAnalysisLayerAloneIsNoDensity) {
     sheds();
     world.layer("blocks", {test::real_field("POP")}, {{{Box{0, 0, 4, 2}}, {1.0}}});
-    EXPECT_FALSE(density("ZONEID").DensityCalculation());
+    EXPECT_FALSE(density("ZONEID").DensityCalculation(nobody, 0));
     EXPECT_THAT(world.said.call_stacks, ElementsAre(HasSubstr("\tDensityCalculation clsPopulationDensity ")));
 }
 
@@ -131,46 +133,46 @@ TEST_F(PopulationDensity, ANullDensityCountsAsZero) {
     sheds();
     world.layer("blocks", {test::real_field("POP")}, {{{Box{0, 0, 4, 2}}, {Value()}}});
     clsPopulationDensity stage = density("POP", "1000", "-1");
-    ASSERT_TRUE(stage.DensityCalculation());
+    ASSERT_TRUE(stage.DensityCalculation(nobody, 0));
     EXPECT_THAT(stage.NewAnalysisTheme().class_digits, ElementsAre(2));
 }
 
 TEST_F(PopulationDensity, AnotherCoordinateSystemFailsWithoutAReport) {
     sheds();
     world.layer("blocks", {test::real_field("POP")}, {{{Box{0, 0, 4, 2}}, {1.0}}}, {}, "EPSG:32612");
-    EXPECT_FALSE(density("POP").DensityCalculation());
+    EXPECT_FALSE(density("POP").DensityCalculation(nobody, 0));
     EXPECT_THAT(world.said.call_stacks, IsEmpty());
 }
 
 TEST_F(PopulationDensity, AMissingCoordinateSystemIsNoDifference) {
     sheds();
     world.layer("blocks", {test::real_field("POP")}, {{{Box{0, 0, 4, 2}}, {1.0}}}, {}, "");
-    EXPECT_TRUE(density("POP").DensityCalculation());
+    EXPECT_TRUE(density("POP").DensityCalculation(nobody, 0));
 }
 
 TEST_F(PopulationDensity, LayersThatDoNotOverlapFail) {
     sheds();
     world.layer("blocks", {test::real_field("POP")}, {{{Box{10, 0, 14, 2}}, {1.0}}});
-    EXPECT_FALSE(density("POP").DensityCalculation());
+    EXPECT_FALSE(density("POP").DensityCalculation(nobody, 0));
     EXPECT_THAT(world.said.call_stacks, IsEmpty());
 }
 
 TEST_F(PopulationDensity, LayersThatOnlyShareABorderDoNotOverlap) {
     sheds();
     world.layer("blocks", {test::real_field("POP")}, {{{Box{4, 0, 6, 2}}, {1.0}}});
-    EXPECT_FALSE(density("POP").DensityCalculation());
+    EXPECT_FALSE(density("POP").DensityCalculation(nobody, 0));
 }
 
 TEST_F(PopulationDensity, ACutOffThatIsNoNumberIsReported) {
     sheds();
     world.layer("blocks", {test::real_field("POP")}, {{{Box{0, 0, 4, 2}}, {1.0}}});
-    EXPECT_FALSE(density("POP", "many").DensityCalculation());
+    EXPECT_FALSE(density("POP", "many").DensityCalculation(nobody, 0));
     EXPECT_THAT(world.said.call_stacks, ElementsAre(HasSubstr("Error Number \r\n\t13\r\n")));
 }
 
 TEST_F(PopulationDensity, AMissingLayerIsReported) {
     sheds();
-    EXPECT_FALSE(density("POP").DensityCalculation());
+    EXPECT_FALSE(density("POP").DensityCalculation(nobody, 0));
     EXPECT_THAT(world.said.call_stacks, ElementsAre(HasSubstr("The map has no polygon layer \"blocks\"")));
 }
 

@@ -19,6 +19,8 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
+platform::NoProgress nobody;
+
 FeatureClass source(test::SmallWorld& world, const std::string& reference = "EPSG:26912") {
     world.layer("sheds", {test::integer_field("ID"), test::text_field("NAME")},
                 {{{Box{0, 0, 1, 1}}, {std::int64_t{1}, "a"}}, {{Box{1, 0, 3, 1}}, {std::int64_t{2}, "b"}}}, {},
@@ -28,7 +30,7 @@ FeatureClass source(test::SmallWorld& world, const std::string& reference = "EPS
 
 TEST(PolygonLayer, HoldsTheFieldThatWasAskedFor) {
     test::SmallWorld world;
-    const PolygonLayer layer = read_polygon_layer(source(world), "Sheds", "NAME");
+    const PolygonLayer layer = read_polygon_layer(source(world), "Sheds", "NAME", nobody, 0);
     EXPECT_EQ(layer.name, "Sheds");
     EXPECT_EQ(layer.field.name, "NAME");
     EXPECT_THAT(layer.values, ElementsAre(Value("a"), Value("b")));
@@ -38,7 +40,7 @@ TEST(PolygonLayer, HoldsTheFieldThatWasAskedFor) {
 
 TEST(PolygonLayer, WithoutAFieldHasNoValues) {
     test::SmallWorld world;
-    const PolygonLayer layer = read_polygon_layer(source(world), "Sheds", "");
+    const PolygonLayer layer = read_polygon_layer(source(world), "Sheds", "", nobody, 0);
     EXPECT_EQ(layer.field.name, "");
     EXPECT_THAT(layer.values, IsEmpty());
 }
@@ -46,7 +48,7 @@ TEST(PolygonLayer, WithoutAFieldHasNoValues) {
 TEST(PolygonLayer, AMissingFieldIsErrorFive) {
     test::SmallWorld world;
     const FeatureClass sheds = source(world);
-    const auto error = test::error_of([&] { read_polygon_layer(sheds, "Sheds", "OTHER"); });
+    const auto error = test::error_of([&] { read_polygon_layer(sheds, "Sheds", "OTHER", nobody, 0); });
     EXPECT_EQ(error.number(), 5);
     EXPECT_EQ(error.description(), "The layer \"Sheds\" has no field \"OTHER\"");
 }
@@ -57,21 +59,21 @@ TEST(PolygonLayer, InvalidPolygonsAreRepairedAndCounted) {
     world.layer("sheds", {test::integer_field("ID")},
                 {{{Box{0, 0, 2, 1}, Box{1, 0, 3, 1}}, {std::int64_t{1}}}, {{Box{5, 0, 6, 1}}, {std::int64_t{2}}}});
     const FeatureClass sheds = FeatureClass::open({.path = world.folder / "sheds.shp"});
-    const PolygonLayer layer = read_polygon_layer(sheds, "Sheds", "ID");
+    const PolygonLayer layer = read_polygon_layer(sheds, "Sheds", "ID", nobody, 0);
     EXPECT_THAT(world.said.notices, ElementsAre("1 invalid polygon in the layer \"Sheds\" was repaired before use."));
     EXPECT_LE(layer.polygons->area(0), 30000);
 }
 
 TEST(PolygonLayer, InItsOwnSystemStaysAsItIs) {
     test::SmallWorld world;
-    const PolygonLayer layer = read_polygon_layer(source(world), "Sheds", "ID");
+    const PolygonLayer layer = read_polygon_layer(source(world), "Sheds", "ID", nobody, 0);
     const auto polygons = polygons_in(layer, SpatialReference::from("EPSG:26912"), "cover");
     EXPECT_THAT(polygons->points(), testing::ElementsAreArray(layer.polygons->points()));
 }
 
 TEST(PolygonLayer, InAnotherSystemIsProjectedVertexByVertex) {
     test::SmallWorld world;
-    const PolygonLayer layer = read_polygon_layer(source(world), "Sheds", "ID");
+    const PolygonLayer layer = read_polygon_layer(source(world), "Sheds", "ID", nobody, 0);
     const auto polygons = polygons_in(layer, SpatialReference::from("EPSG:4269"), "cover");
     EXPECT_EQ(polygons->point_count(), layer.polygons->point_count());
     EXPECT_NEAR(polygons->envelope().min_x, -113.2, 0.2);
@@ -81,7 +83,7 @@ TEST(PolygonLayer, InAnotherSystemIsProjectedVertexByVertex) {
 
 TEST(PolygonLayer, WithoutASystemIsTakenToBeInTheOthers) {
     test::SmallWorld world;
-    const PolygonLayer layer = read_polygon_layer(source(world, ""), "Sheds", "ID");
+    const PolygonLayer layer = read_polygon_layer(source(world, ""), "Sheds", "ID", nobody, 0);
     const auto polygons = polygons_in(layer, SpatialReference::from("EPSG:4269"), "cover");
     EXPECT_THAT(polygons->points(), testing::ElementsAreArray(layer.polygons->points()));
     EXPECT_THAT(world.said.notices,
@@ -90,7 +92,7 @@ TEST(PolygonLayer, WithoutASystemIsTakenToBeInTheOthers) {
 
 TEST(PolygonLayer, ATargetWithoutASystemIsTakenToBeInTheLayers) {
     test::SmallWorld world;
-    const PolygonLayer layer = read_polygon_layer(source(world), "Sheds", "ID");
+    const PolygonLayer layer = read_polygon_layer(source(world), "Sheds", "ID", nobody, 0);
     const auto polygons = polygons_in(layer, SpatialReference(), "cover");
     EXPECT_THAT(polygons->points(), testing::ElementsAreArray(layer.polygons->points()));
     EXPECT_THAT(world.said.notices,

@@ -204,7 +204,7 @@ TEST(PolygonArrangement, UnionsOfLotsAreThoseOfGeos) {
         for (int i = 0; i < 700; ++i) {
             PolygonSet set = lots(random, step);
             NoProgress nobody;
-            repair(set, 1);
+            repair(set);
             compare_with_geos(geos, set, 1e-9, made, "lots " + std::to_string(i));
         }
         EXPECT_GT(made, 650) << step;
@@ -218,7 +218,7 @@ TEST(PolygonArrangement, UnionsOfAwkwardPolygonsAreThoseOfGeos) {
     int made = 0;
     for (int i = 0; i < 1000; ++i) {
         PolygonSet set = test::awkward_polygons(random, grid, 6);
-        repair(set, 1);
+        repair(set);
         compare_with_geos(geos, set, 1e-9, made, "set " + std::to_string(i));
     }
     EXPECT_GT(made, 900);
