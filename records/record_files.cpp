@@ -21,6 +21,10 @@ std::string source_name(const platform::FeatureSource& source) {
     return source.layer_name.empty() ? platform::base_name_of(source.path) : source.layer_name;
 }
 
+bool has_record(const std::string& folder, const std::string& name, const std::string& ending) {
+    return !name.empty() && platform::file_exists(folder + name + "." + ending);
+}
+
 }  // namespace
 
 std::vector<std::shared_ptr<FeatureLayer>> feature_layers(const platform::Map& map) {
@@ -54,7 +58,7 @@ std::optional<std::string> record_name(const FeatureLayer& layer, const std::str
         return std::nullopt;
     }
     for (const std::string& name : {source_name(layer.source()), layer.name()}) {
-        if (!name.empty() && platform::file_exists(folder + name + "." + ending)) {
+        if (has_record(folder, name, ending)) {
             return name;
         }
     }

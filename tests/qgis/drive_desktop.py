@@ -239,8 +239,13 @@ def view_records():
                                    ("metadata", "met", "Kestrel Metadata for selected.shp")):
         viewer = drive.open_window(command, "frmISTParams")
         check_equal(f"{ending}: title", viewer.windowTitle(), title)
-        text = drive.child(viewer, "txtTParams", QPlainTextEdit).toPlainText()
-        check_equal(f"{ending}: text", text, (drive.WORK / "results" / f"selected.{ending}").read_text())
+        text = drive.child(viewer, "txtTParams", QPlainTextEdit)
+        check_equal(f"{ending}: text", text.toPlainText(), (drive.WORK / "results" / f"selected.{ending}").read_text())
+        # QGIS has uses of its own for these keys.
+        QTest.keyClick(text, Qt.Key_F, Qt.ControlModifier)
+        QTest.keyClicks(drive.child(viewer, "txtFind", QLineEdit), "LAND COVER")
+        QTest.keyClick(text, Qt.Key_F3)
+        check_equal(f"{ending}: words are found", text.textCursor().selectedText().lower(), "land cover")
         drive.picture(viewer, f"viewer_{ending}")
         viewer.close()
         drive.wait(100)
