@@ -14,7 +14,6 @@
 #include "engine/engine_texts.h"
 #include "engine/model_run.h"
 #include "engine/run_records.h"
-#include "engine/stage_progress.h"
 #include "host/error_report.h"
 #include "platform/conversions.h"
 #include "platform/errors.h"
@@ -22,6 +21,7 @@
 #include "platform/geometry.h"
 #include "platform/layer_file.h"
 #include "platform/output_files.h"
+#include "platform/part_of_progress.h"
 #include "records/metadata.h"
 #include "records/run_report.h"
 
@@ -159,7 +159,7 @@ bool clsISExecuteModel::prepare(const std::string& pFileName) {
     if (run.option == "3") {
         density_stage.emplace(run.map(), run.analysis, run.density_theme, run.density_field, run.density_high,
                               run.density_low);
-        StageProgress progress(run.app.progress(), kAnalysisLayerRead, kScenariosBegin);
+        platform::PartOfProgress progress(run.app.progress(), kAnalysisLayerRead, kScenariosBegin);
         if (!density_stage->DensityCalculation(progress, run.threads)) {
             if (!run.cancelled()) {
                 platform::interaction().message_box(engine_texts::density_failed());
@@ -230,7 +230,7 @@ bool clsISExecuteModel::DissolveAnalysisLayer(const std::string& shpPath, const 
     (void)shpName;
     ModelRun& run = *m_run;
     run.result.layer_name = LayerName;
-    StageProgress progress(run.app.progress(), kDissolveBegins, kDissolveEnds);
+    platform::PartOfProgress progress(run.app.progress(), kDissolveBegins, kDissolveEnds);
     run.output.polygons =
         platform::dissolve(run.analysis.polygons, run.groups.group_of(), run.groups.count(), progress, run.threads);
     if (run.cancelled()) {

@@ -7,11 +7,11 @@
 #include "engine/basUtil.h"
 #include "engine/clsISTableFunctions.h"
 #include "engine/engine_texts.h"
-#include "engine/stage_progress.h"
 #include "host/error_report.h"
 #include "platform/contracts/interaction.h"
 #include "platform/conversions.h"
 #include "platform/errors.h"
+#include "platform/part_of_progress.h"
 #include "platform/zonal_tabulation.h"
 
 namespace kestrel {
@@ -150,7 +150,7 @@ void clsISGetLCArea::ConvertShapeToRaster(const AreaTheme& AnalysisTheme, const 
     for (const platform::SharedPolygons& scenario : zones.scenarios) {
         input.scenarios.push_back(scenario.get());
     }
-    StageProgress progress(m_application->progress(), kPassBegins, kPassEnds);
+    platform::PartOfProgress progress(m_application->progress(), kPassBegins, kPassEnds);
     m_counts.emplace(platform::tabulate(raster, input, m_threads, progress), zones.keys, raster.grid().cell_area());
 }
 

@@ -8,11 +8,11 @@
 
 #include "engine/basUtil.h"
 #include "engine/engine_texts.h"
-#include "engine/stage_progress.h"
 #include "platform/contracts/interaction.h"
 #include "platform/conversions.h"
 #include "platform/errors.h"
 #include "platform/files.h"
+#include "platform/part_of_progress.h"
 
 namespace kestrel {
 
@@ -120,7 +120,7 @@ bool read_analysis_layer(ModelRun& run) {
         platform::interaction().message_box(engine_texts::analysis_field_missing());
         return false;
     }
-    StageProgress progress(run.app.progress(), 0, kAnalysisLayerRead);
+    platform::PartOfProgress progress(run.app.progress(), 0, kAnalysisLayerRead);
     if (run.analysis_layer->selection().count() > 0) {
         const auto copied = basUtil::CreateShapefile(run.analysis_field, *run.analysis_layer, run.working_folder());
         if (!copied) {
@@ -185,7 +185,7 @@ void lay_out_zones(ModelRun& run, const PolygonLayer* density) {
     const double each = (kScenariosEnd - kScenariosBegin) / scenario_count;
     double begin = kScenariosBegin;
     for (const auto& [number, choice] : *run.scenario_choices) {
-        StageProgress progress(run.app.progress(), begin, begin + each);
+        platform::PartOfProgress progress(run.app.progress(), begin, begin + each);
         add_scenario(run, zones, choice.Item(1), progress);
         begin += each;
     }

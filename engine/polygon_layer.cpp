@@ -5,10 +5,10 @@
 #include <fmt/format.h>
 
 #include "engine/engine_texts.h"
-#include "engine/stage_progress.h"
 #include "platform/contracts/interaction.h"
 #include "platform/errors.h"
 #include "platform/geometry.h"
+#include "platform/part_of_progress.h"
 
 namespace kestrel {
 
@@ -39,12 +39,12 @@ PolygonLayer read_polygon_layer(const FeatureClass& source, const std::string& l
         layer.field = source.fields()[static_cast<std::size_t>(position)];
         wanted.push_back(field_name);
     }
-    StageProgress reading(progress, 0, kRead);
+    platform::PartOfProgress reading(progress, 0, kRead);
     platform::PolygonFeatures features = source.read_polygons(wanted, reading, threads);
     if (!features.columns.empty()) {
         layer.values = std::move(features.columns.front());
     }
-    StageProgress checking(progress, kRead, 1);
+    platform::PartOfProgress checking(progress, kRead, 1);
     const std::size_t repaired = progress.cancelled() ? 0 : platform::repair(features.polygons, checking, threads);
     if (repaired > 0) {
         platform::interaction().notice(engine_texts::repaired_polygons(repaired, layer_name));

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "platform/cell_runs.h"
+#include "platform/part_of_progress.h"
 
 namespace kestrel::platform {
 
@@ -21,23 +22,29 @@ std::optional<std::uint8_t> byte_nodata(const RasterDataset& raster) {
                                                          : std::nullopt;
 }
 
-LayerSweeps sweeps_of(const RasterDataset& raster, const TabulationInput& input) {
-    const Grid& grid = raster.grid();
-    const std::vector<int>& lines = raster.tile_lines().rows;
-    LayerSweeps layers{.zones = EdgeSweep(*input.zones, grid, lines), .overlay = {}, .scenarios = {}};
+LayerSweeps sweeps_of(const RasterDataset& raster, const TabulationInput& input, int threads, Progress& progress) {
+    const double each = 1.0 / static_cast<double>(input.scenarios.size() + 2);
+    double begin = 0;
+    const auto sweep_of = [&](const PolygonSet& polygons) {
+        PartOfProgress part(progress, begin, begin + each);
+        begin += each;
+        return EdgeSweep(polygons, raster.grid(), raster.tile_lines().rows, threads, part);
+    };
+    LayerSweeps layers{.zones = sweep_of(*input.zones), .overlay = {}, .scenarios = {}};
     if (input.overlay != nullptr) {
-        layers.overlay.emplace(*input.overlay, grid, lines);
+        layers.overlay.emplace(sweep_of(*input.overlay));
     }
     for (const PolygonSet* scenario : input.scenarios) {
-        layers.scenarios.emplace_back(*scenario, grid, lines);
+        layers.scenarios.push_back(sweep_of(*scenario));
     }
     return layers;
 }
 
 }  // namespace
 
-TabulationPlan::TabulationPlan(const RasterDataset& raster, const TabulationInput& input)
-    : layers(sweeps_of(raster, input)), zone_count(input.zones->feature_count()) {
+TabulationPlan::TabulationPlan(const RasterDataset& raster, const TabulationInput& input, int threads,
+                               Progress& progress)
+    : layers(sweeps_of(raster, input, threads, progress)), zone_count(input.zones->feature_count()) {
     const Grid& grid = raster.grid();
     if (raster.needs_checking()) {
         end_column = grid.columns;  // every cell is looked at
@@ -53,8 +60,12 @@ TabulationPlan::TabulationPlan(const RasterDataset& raster, const TabulationInpu
     }
 }
 
-BandCounter::BandCounter(RasterDataset raster, const TabulationPlan& plan)
-    : m_raster(std::move(raster)), m_plan(plan), m_histogram(byte_nodata(m_raster)), m_touched(plan.zone_count, 0) {}
+BandCounter::BandCounter(RasterDataset raster, const TabulationPlan& plan, const std::atomic<bool>& stopped)
+    : m_raster(std::move(raster)),
+      m_plan(plan),
+      m_stopped(stopped),
+      m_histogram(byte_nodata(m_raster)),
+      m_touched(plan.zone_count, 0) {}
 
 void BandCounter::count(int band) {
     const EdgeSweep& zones = m_plan.layers.zones;
@@ -70,7 +81,7 @@ void BandCounter::count(int band) {
     const TileLines& lines = m_raster.tile_lines();
     for (int row = 0; row < zones.row_count(band); row += lines.rows_at_once) {
         const int rows = std::min(lines.rows_at_once, zones.row_count(band) - row);
-        for (std::size_t i = 0; i + 1 < lines.columns.size(); ++i) {
+        for (std::size_t i = 0; i + 1 < lines.columns.size() && !m_stopped; ++i) {
             if (lines.columns[i + 1] > m_plan.first_column && lines.columns[i] < m_plan.end_column) {
                 count_tile(band, {lines.columns[i], zones.first_row(band) + row,
                                   lines.columns[i + 1] - lines.columns[i], rows});

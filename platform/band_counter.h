@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -18,7 +19,9 @@ namespace kestrel::platform {
 
 /// What all bands share and nobody changes while they are counted.
 struct TabulationPlan {
-    TabulationPlan(const RasterDataset& raster, const TabulationInput& input);
+    /// \param threads as thread_count() gives it.
+    /// \param progress when it answers stop, the plan must not be used.
+    TabulationPlan(const RasterDataset& raster, const TabulationInput& input, int threads, Progress& progress);
 
     LayerSweeps layers;
     std::size_t zone_count = 0;
@@ -33,7 +36,8 @@ struct TabulationPlan {
 class BandCounter {
   public:
     /// \param raster a handle that nobody else uses.
-    BandCounter(RasterDataset raster, const TabulationPlan& plan);
+    /// \param stopped once it is set, what is counted does not matter any more.
+    BandCounter(RasterDataset raster, const TabulationPlan& plan, const std::atomic<bool>& stopped);
 
     /// \throws RuntimeError as RasterDataset::read() does.
     void count(int band);
@@ -52,6 +56,7 @@ class BandCounter {
 
     RasterDataset m_raster;
     const TabulationPlan& m_plan;
+    const std::atomic<bool>& m_stopped;
     PieceCounter m_counter;
     BandHistogram m_histogram;
     ScenarioSets m_sets;

@@ -6,10 +6,13 @@
 #include <cmath>
 #include <limits>
 #include <numeric>
+#include <span>
 #include <utility>
 
 #include "platform/errors.h"
 #include "platform/geometry.h"
+#include "platform/parallel.h"
+#include "platform/part_of_progress.h"
 
 namespace kestrel::platform {
 
@@ -27,6 +30,30 @@ std::vector<int> equal_bands(int rows, int rows_per_band) {
         lines.push_back(row);
     }
     lines.push_back(rows);
+    return lines;
+}
+
+constexpr const char* kText = "Counting land cover";
+/// Of the work of dealing out edges.
+constexpr double kCountingShare = 0.5;
+
+/// Where to cut the features into parts of some ten thousand points: the first of each part, and their number.
+std::vector<std::size_t> feature_lines(const PolygonSet& polygons) {
+    constexpr std::size_t kPointsPerPart = 50'000;
+    std::vector<std::size_t> lines{0};
+    std::size_t points = 0;
+    for (std::size_t feature = 0; feature < polygons.feature_count(); ++feature) {
+        for (std::size_t r = polygons.first_ring_of(feature); r < polygons.first_ring_of(feature + 1); ++r) {
+            points += polygons.ring(r).size();
+        }
+        if (points >= kPointsPerPart) {
+            lines.push_back(feature + 1);
+            points = 0;
+        }
+    }
+    if (lines.back() < polygons.feature_count()) {
+        lines.push_back(polygons.feature_count());
+    }
     return lines;
 }
 
@@ -51,50 +78,82 @@ int ceil_within(double position, int lowest, int highest) {
 }  // namespace
 
 EdgeSweep::EdgeSweep(const PolygonSet& polygons, const Grid& grid, int rows_per_band)
-    : EdgeSweep(polygons, grid, equal_bands(grid.rows, rows_per_band)) {}
+    : m_polygons(polygons), m_grid(grid), m_band_lines(equal_bands(grid.rows, rows_per_band)) {
+    NoProgress nobody;
+    set_tolerances();
+    set_bands();
+    deal_out_edges(1, nobody);
+}
 
-EdgeSweep::EdgeSweep(const PolygonSet& polygons, const Grid& grid, std::vector<int> band_lines)
+EdgeSweep::EdgeSweep(const PolygonSet& polygons, const Grid& grid, std::vector<int> band_lines, int threads,
+                     Progress& progress)
     : m_polygons(polygons), m_grid(grid), m_band_lines(std::move(band_lines)) {
-    if (polygons.point_count() > std::numeric_limits<std::uint32_t>::max()) {
+    set_tolerances();
+    set_bands();
+    deal_out_edges(threads, progress);
+}
+
+void EdgeSweep::set_tolerances() {
+    m_rows_per_unit = 1 / m_grid.dy;
+    m_columns_per_unit = 1 / m_grid.dx;
+    Envelope box = m_polygons.envelope();
+    box.include(m_grid.extent());
+    m_row_tolerance = position_tolerance(box.min_y, box.max_y, m_grid.y0, m_grid.dy);
+    m_column_tolerance = position_tolerance(box.min_x, box.max_x, m_grid.x0, m_grid.dx);
+}
+
+void EdgeSweep::set_bands() {
+    for (int band = 0; band + 1 < static_cast<int>(m_band_lines.size()); ++band) {
+        m_band_of_row.resize(index(m_band_lines[index(band) + 1]), band);
+    }
+}
+
+/// A counting sort by band; within a band the edges stay in the order of the features. Each part of the features counts
+/// and places its own edges, so that parts can be worked on at the same time.
+bool EdgeSweep::deal_out_edges(int threads, Progress& progress) {
+    if (m_polygons.point_count() > std::numeric_limits<std::uint32_t>::max()) {
         throw RuntimeError(kOutOfMemory, "The polygons have more than 4,294,967,295 vertices: split the layer");
     }
-    m_rows_per_unit = 1 / grid.dy;
-    m_columns_per_unit = 1 / grid.dx;
-    const Envelope box = polygons.envelope();
-    const Envelope extent = grid.extent();
-    m_row_tolerance =
-        position_tolerance(std::min(box.min_y, extent.min_y), std::max(box.max_y, extent.max_y), grid.y0, grid.dy);
-    m_column_tolerance =
-        position_tolerance(std::min(box.min_x, extent.min_x), std::max(box.max_x, extent.max_x), grid.x0, grid.dx);
-
-    // A counting sort by band; within a band the edges stay in the order of the features.
     const std::size_t bands = m_band_lines.size() - 1;
-    for (std::size_t band = 0; band < bands; ++band) {
-        m_band_of_row.resize(index(m_band_lines[band + 1]), static_cast<int>(band));
-    }
-    m_band_begin.assign(bands + 1, 0);
-    for_each_edge([&](const Edge&, CellRange rows) {
-        for (int band = band_of(rows.first); band <= band_of(rows.last); ++band) {
-            ++m_band_begin[index(band) + 1];
-        }
+    const std::vector<std::size_t> lines = feature_lines(m_polygons);
+    const std::size_t parts = lines.size() - 1;
+    std::vector<std::vector<std::size_t>> next(parts);
+    const auto for_each_band_of_an_edge = [&](std::size_t part, auto take) {
+        for_each_edge(lines[part], lines[part + 1], [&](const Edge& edge, CellRange rows) {
+            for (int band = band_of(rows.first); band <= band_of(rows.last); ++band) {
+                take(next[part][index(band)], edge);
+            }
+        });
+    };
+    PartOfProgress counting(progress, 0, kCountingShare);
+    const bool counted = for_each_item(parts, threads, counting, kText, [&](std::size_t part, int) {
+        next[part].assign(bands, 0);
+        for_each_band_of_an_edge(part, [](std::size_t& count, const Edge&) { ++count; });
     });
-    for (std::size_t band = 1; band < m_band_begin.size(); ++band) {
-        m_band_begin[band] += m_band_begin[band - 1];
+    if (!counted) {
+        return false;
     }
-    m_edges.resize(m_band_begin.back());
-    std::vector<std::size_t> next(m_band_begin.begin(), m_band_begin.end() - 1);
-    for_each_edge([&](const Edge& edge, CellRange rows) {
-        for (int band = band_of(rows.first); band <= band_of(rows.last); ++band) {
-            m_edges[next[index(band)]++] = edge;
+    m_band_begin.clear();
+    std::size_t position = 0;
+    for (std::size_t band = 0; band < bands; ++band) {
+        m_band_begin.push_back(position);
+        for (std::size_t part = 0; part < parts; ++part) {
+            position += std::exchange(next[part][band], position);
         }
+    }
+    m_band_begin.push_back(position);
+    m_edges.resize(position);
+    PartOfProgress placing(progress, kCountingShare, 1);
+    return for_each_item(parts, threads, placing, kText, [&](std::size_t part, int) {
+        for_each_band_of_an_edge(part, [&](std::size_t& place, const Edge& edge) { m_edges[place++] = edge; });
     });
 }
 
-/// Calls take(edge, rows) for every edge that reaches the grid's rows.
+/// Calls take(edge, rows) for every edge of some features that reaches the grid's rows.
 template <typename Take>
-void EdgeSweep::for_each_edge(Take take) const {
+void EdgeSweep::for_each_edge(std::size_t first_feature, std::size_t end_feature, Take take) const {
     const std::span<const Point> all = m_polygons.points();
-    for (std::size_t feature = 0; feature < m_polygons.feature_count(); ++feature) {
+    for (std::size_t feature = first_feature; feature < end_feature; ++feature) {
         for (std::size_t r = m_polygons.first_ring_of(feature); r < m_polygons.first_ring_of(feature + 1); ++r) {
             const std::span<const Point> ring = m_polygons.ring(r);
             const auto first = static_cast<std::size_t>(ring.data() - all.data());

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "platform/contracts/progress.h"
 #include "platform/polygons.h"
 #include "platform/raster.h"
 #include "platform/row_spans.h"
@@ -24,8 +25,11 @@ class EdgeSweep {
   public:
     /// \param polygons in the grid's coordinate system; rings may run either way.
     /// \param band_lines rows at which bands begin, ascending from 0, and the grid's number of rows.
-    EdgeSweep(const PolygonSet& polygons, const Grid& grid, std::vector<int> band_lines);
-    /// Bands of equal height; the last may be lower.
+    /// \param threads that may be used, as thread_count() gives it. The result does not depend on it.
+    /// \param progress hears the share that is done. When it answers stop, the sweep must not be used.
+    EdgeSweep(const PolygonSet& polygons, const Grid& grid, std::vector<int> band_lines, int threads,
+              Progress& progress);
+    /// Bands of equal height, the last may be lower; on one thread.
     EdgeSweep(const PolygonSet& polygons, const Grid& grid, int rows_per_band);
 
     int band_count() const noexcept { return static_cast<int>(m_band_begin.size()) - 1; }
@@ -69,8 +73,11 @@ class EdgeSweep {
     };
 
     static std::size_t index(int i) noexcept { return static_cast<std::size_t>(i); }
+    void set_tolerances();
+    void set_bands();
+    bool deal_out_edges(int threads, Progress& progress);
     template <typename Take>
-    void for_each_edge(Take take) const;
+    void for_each_edge(std::size_t first_feature, std::size_t end_feature, Take take) const;
     UpwardEdge upward(const Edge& edge) const noexcept;
     CellRange rows_touched(Point a, Point b) const noexcept;
     CellRange columns_touched(double west, double east) const noexcept;

@@ -2,22 +2,54 @@
 // SPDX-License-Identifier: MIT
 #include "platform/zonal_tabulation.h"
 
+#include <atomic>
 #include <memory>
 
 #include "platform/band_counter.h"
 #include "platform/parallel.h"
+#include "platform/part_of_progress.h"
 
 namespace kestrel::platform {
 
+namespace {
+
+/// Of the work; dealing out the edges takes it.
+constexpr double kPlanningShare = 0.05;
+
+/// Progress of the counting that raises a flag when it is told to stop: a band of a wide raster is long work.
+class StopFlag final : public Progress {
+  public:
+    explicit StopFlag(Progress& whole) : m_counting(whole, kPlanningShare, 1) {}
+
+    bool report(double fraction, std::string_view text) override {
+        const bool go_on = m_counting.report(fraction, text);
+        m_stopped = !go_on;
+        return go_on;
+    }
+    bool cancelled() const override { return m_counting.cancelled(); }
+    const std::atomic<bool>& stopped() const { return m_stopped; }
+
+  private:
+    PartOfProgress m_counting;
+    std::atomic<bool> m_stopped = false;
+};
+
+}  // namespace
+
 ZoneCounts tabulate(const RasterDataset& raster, const TabulationInput& input, int threads, Progress& progress) {
-    const TabulationPlan plan(raster, input);
     const int workers = thread_count(threads);
+    PartOfProgress planning(progress, 0, kPlanningShare);
+    const TabulationPlan plan(raster, input, workers, planning);
+    if (progress.cancelled()) {
+        return {};
+    }
+    StopFlag counting(progress);
     std::vector<std::unique_ptr<BandCounter>> counters(static_cast<std::size_t>(workers));
-    for_each_item(static_cast<std::size_t>(plan.layers.zones.band_count()), workers, progress, "Counting land cover",
+    for_each_item(static_cast<std::size_t>(plan.layers.zones.band_count()), workers, counting, "Counting land cover",
                   [&](std::size_t band, int worker) {
                       auto& counter = counters[static_cast<std::size_t>(worker)];
                       if (!counter) {
-                          counter = std::make_unique<BandCounter>(raster.reopened(), plan);
+                          counter = std::make_unique<BandCounter>(raster.reopened(), plan, counting.stopped());
                       }
                       counter->count(static_cast<int>(band));
                   });

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <numbers>
 #include <random>
 
 #include "tests/support/exact_reference.h"
@@ -152,6 +154,85 @@ TEST(EdgeSweep, SegmentsTouchingARectangleAtACornerOrAlongASideCount) {
     EXPECT_FALSE(segment_touches({0, 1.9999999999999998}, {1.9999999999999998, 0}, square));
     EXPECT_FALSE(segment_touches({2.0000000000000004, 0}, {2.0000000000000004, 5}, square));
     EXPECT_FALSE(segment_touches({0, 0}, {0.9999999999999999, 3}, square));
+}
+
+/// Stars of many points that overlap: more than are dealt out as one piece of work.
+PolygonSet stars(const Grid& grid, int count, int points) {
+    PolygonSet polygons;
+    std::mt19937 random(8);
+    std::uniform_real_distribution<double> share(0, 1);
+    for (int i = 0; i < count; ++i) {
+        const Point centre{grid.x0 + grid.columns * grid.dx * share(random),
+                           grid.y0 + grid.rows * grid.dy * share(random)};
+        polygons.begin_feature();
+        polygons.begin_polygon();
+        polygons.begin_ring();
+        Point first;
+        for (int p = 0; p < points; ++p) {
+            const double angle = 2 * std::numbers::pi * p / points;
+            const double radius = 4 + 3 * share(random);
+            const Point at{centre.x + radius * std::cos(angle), centre.y + radius * std::sin(angle)};
+            first = p == 0 ? at : first;
+            polygons.add(at);
+        }
+        polygons.add(first);
+    }
+    return polygons;
+}
+
+TEST(EdgeSweep, IsTheSameWithAnyNumberOfThreads) {
+    const Grid grid = small_grid(false);
+    const PolygonSet polygons = stars(grid, 97, 3000);
+    const std::vector<int> lines{0, 5, 6, 12, grid.rows};
+    const auto rows_of = [&](int threads) {
+        NoProgress nobody;
+        const EdgeSweep sweep(polygons, grid, lines, threads, nobody);
+        EdgeSweep::Scratch scratch;
+        std::vector<std::vector<std::vector<RowSpan>>> bands(lines.size() - 1);
+        for (int band = 0; band < sweep.band_count(); ++band) {
+            sweep.spans(band, scratch, bands[static_cast<std::size_t>(band)]);
+        }
+        return bands;
+    };
+    const auto one = rows_of(1);
+    ASSERT_GT(one[2][0].size(), 50U);
+    EXPECT_EQ(rows_of(2), one);
+    EXPECT_EQ(rows_of(5), one);
+    // By bands of one height, row by row.
+    const auto cells = swept_cells(polygons, grid, 3);
+    std::vector<std::vector<std::uint8_t>> same(cells.size(), std::vector<std::uint8_t>(cells[0].size(), 0));
+    for (std::size_t band = 0; band < one.size(); ++band) {
+        for (std::size_t row = 0; row < one[band].size(); ++row) {
+            for (const RowSpan& span : one[band][row]) {
+                const std::size_t line =
+                    (static_cast<std::size_t>(lines[band]) + row) * static_cast<std::size_t>(grid.columns);
+                for (int column = span.begin; column < span.end; ++column) {
+                    ++same[span.owner][line + static_cast<std::size_t>(column)];
+                }
+            }
+        }
+    }
+    EXPECT_EQ(same, cells);
+}
+
+TEST(EdgeSweep, StopsWhenToldSo) {
+    class Stop final : public Progress {
+      public:
+        bool report(double fraction, std::string_view) override {
+            m_fraction = fraction;
+            ++m_reports;
+            return false;
+        }
+        bool cancelled() const override { return m_reports > 0; }
+        int m_reports = 0;
+        double m_fraction = -1;
+    };
+    const Grid grid = small_grid(false);
+    const PolygonSet polygons = stars(grid, 97, 3000);
+    Stop stop;
+    const EdgeSweep sweep(polygons, grid, {0, grid.rows}, 2, stop);
+    EXPECT_EQ(stop.m_reports, 1) << "it does not ask again";
+    EXPECT_EQ(stop.m_fraction, 0);
 }
 
 TEST(EdgeSweep, BandsThatNoEdgeReachesAreEmpty) {

@@ -340,6 +340,29 @@ TEST_F(ZonalTabulation, TheFirstValueThatIsNoCodeIsNamedWhateverTheThreads) {
     }
 }
 
+TEST_F(ZonalTabulation, ProgressRisesFromNothingAndIsOfTheWholeCall) {
+    class Hear final : public Progress {
+      public:
+        bool report(double fraction, std::string_view text) override {
+            fractions.push_back(fraction);
+            EXPECT_EQ(text, "Counting land cover");
+            return true;
+        }
+        bool cancelled() const override { return false; }
+        std::vector<double> fractions;
+    };
+    std::mt19937 random(18);
+    const Scene scene = random_scene(random, 1);
+    const std::string path = m_folder / "cells.tif";
+    test::write_raster(path, scene.raster);
+    Hear hear;
+    tabulate(RasterDataset::open(path), input_of(scene), 2, hear);
+    ASSERT_GE(hear.fractions.size(), 2U);
+    EXPECT_EQ(hear.fractions.front(), 0);
+    EXPECT_TRUE(std::is_sorted(hear.fractions.begin(), hear.fractions.end()));
+    EXPECT_LE(hear.fractions.back(), 1);
+}
+
 TEST_F(ZonalTabulation, StoppingEndsTheWorkSoon) {
     class Stop final : public Progress {
       public:
