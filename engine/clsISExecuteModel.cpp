@@ -37,6 +37,7 @@ constexpr const char* kModule = "clsISExecuteModel";
 // The share of a run that joining the polygons takes.
 constexpr double kDissolveBegins = 0.7;
 constexpr double kDissolveEnds = 0.9;
+constexpr double kOutputWritten = 0.98;
 
 /// An area table as it was after a stage, under the name of that stage's working table.
 Table snapshot(const Table& table, const std::string& name) {
@@ -306,7 +307,8 @@ bool clsISExecuteModel::publish(const std::string& shpPath, const std::string& s
         return false;
     }
     platform::StagedOutput stage(shpPath);
-    run.output.write(stage.path(shpName));
+    platform::PartOfProgress writing(run.app.progress(), kDissolveEnds, kOutputWritten);
+    run.output.write(stage.path(shpName), writing);
     if (run.cancelled()) {
         return false;
     }

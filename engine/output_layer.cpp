@@ -15,6 +15,9 @@ using platform::Value;
 
 namespace {
 
+/// Some milliseconds of writing.
+constexpr std::size_t kFeaturesPerReport = 4096;
+
 /// Whether a shapefile could not tell the two names apart.
 bool same_name(const std::string& a, const std::string& b) {
     const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
@@ -73,9 +76,14 @@ std::vector<std::string> OutputLayer::field_names() const {
     return names;
 }
 
-void OutputLayer::write(const std::string& path) const {
+void OutputLayer::write(const std::string& path, platform::Progress& progress) const {
     platform::ShapefileWriter writer(path, fields, reference);
-    for (std::size_t i = 0; i < polygons.feature_count(); ++i) {
+    const std::size_t count = polygons.feature_count();
+    for (std::size_t i = 0; i < count; ++i) {
+        if (i % kFeaturesPerReport == 0 &&
+            !progress.report(static_cast<double>(i) / static_cast<double>(count), "Writing the output")) {
+            break;
+        }
         const platform::DissolvedPolygons::Feature feature = polygons.feature(i);
         writer.insert(feature.set, feature.position, values(i));
     }

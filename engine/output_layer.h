@@ -9,6 +9,7 @@
 
 #include "engine/zone_keys.h"
 #include "platform/class_breaks.h"
+#include "platform/contracts/progress.h"
 #include "platform/dissolved_polygons.h"
 #include "platform/field.h"
 #include "platform/spatial_reference.h"
@@ -34,8 +35,9 @@ struct OutputLayer {
     std::vector<platform::Value> values(std::size_t i) const;
     /// Names of all fields by position, object id and shape included.
     std::vector<std::string> field_names() const;
-    /// Writes the shapefile.
-    void write(const std::string& path) const;
+    /// Writes the shapefile. \param progress hears the share of the features that is written; when it answers stop, the
+    /// files are incomplete.
+    void write(const std::string& path, platform::Progress& progress) const;
 };
 
 /// The fields of total area, impervious area, percentage and completeness, named after the units: acres for "Feet",
