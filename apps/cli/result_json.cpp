@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "apps/cli/result_json.h"
 
+#include <fmt/compile.h>
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string_view>
 
@@ -24,76 +24,83 @@ namespace {
 
 constexpr std::size_t kBufferSize = std::size_t{1} << 16;
 
+constexpr std::uint64_t kMillion = 1000000;
+constexpr double kMostMillionths = 1e15;  // a double holds any 15 digits
+
 /// What the library makes of one value: any text or number at all.
-void append_any(std::string& text, const ordered_json& value) {
-    text += value.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
+std::string any_json(const ordered_json& value) {
+    return value.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
 }
 
 /// Most texts stand as they are.
-void append(std::string& text, const std::string& value) {
+std::string json_of(const std::string& value) {
     const bool plain =
         std::all_of(value.begin(), value.end(), [](char c) { return c >= ' ' && c <= '~' && c != '"' && c != '\\'; });
-    if (plain) {
-        text.append(1, '"').append(value).append(1, '"');
-    } else {
-        append_any(text, value);
-    }
+    return plain ? '"' + value + '"' : any_json(value);
 }
 
-/// Most numbers need no exponent.
-void append(std::string& text, double value) {
+/// A number of whole millionths, as areas and percents are stored. Of so few digits no others read back as the same
+/// number, so these are the shortest.
+std::string json_of_millionths(std::uint64_t millionths) {
+    std::string text = fmt::format_int(millionths / kMillion).str();
+    const std::size_t point = text.size();
+    text += fmt::format_int(kMillion + millionths % kMillion).str();
+    text[point] = '.';  // in place of the 1 that kept the zeros behind it
+    text.resize(std::max(text.find_last_not_of('0') + 1, point + 2));
+    return text;
+}
+
+/// The shortest digits that read back as the same number. Most numbers need no exponent.
+std::string json_of(double value) {
     const double magnitude = std::abs(value);
-    if (!(magnitude >= 1e-4 && magnitude < 1e15)) {
-        append_any(text, value);
-        return;
+    if (value != 0 && !(magnitude >= 1e-4 && magnitude < 1e15)) {
+        return any_json(value);
     }
-    std::array<char, 40> room{};
-    const char* const end = std::to_chars(room.begin(), room.end(), value, std::chars_format::fixed).ptr;
-    const std::string_view digits(room.data(), static_cast<std::size_t>(end - room.data()));
-    text.append(digits).append(digits.find('.') == std::string_view::npos ? ".0" : "");
+    if (!std::signbit(value) && value < kMostMillionths / kMillion) {
+        const auto millionths = static_cast<std::uint64_t>(value * kMillion + 0.5);
+        if (static_cast<double>(millionths) / kMillion == value) {
+            return json_of_millionths(millionths);
+        }
+    }
+    std::array<char, 40> room;
+    char* const end = std::to_chars(room.begin(), room.end(), value, std::chars_format::fixed).ptr;
+    const std::string digits(room.data(), end);
+    return digits.find('.') == std::string::npos ? digits + ".0" : digits;
 }
 
-void append(std::string& text, std::uint64_t value) {
-    fmt::format_to(std::back_inserter(text), "{}", value);
-}
-
-void append(std::string& text, bool value) {
-    text += value ? "true" : "false";
-}
-
-template <typename Member>
-void append_member(std::string& text, std::string_view name, const Member& value) {
-    text.append(text.ends_with('{') ? "\n      \"" : ",\n      \"").append(name).append("\": ");
-    append(text, value);
-}
-
-void append_zone(std::string& text, const ZoneResult& zone) {
-    text += "\n    {";
-    append_member(text, "value", zone.value);
-    append_member(text, "total_area", zone.total_area);
-    append_member(text, "impervious_area", zone.impervious_area);
-    append_member(text, "percent", zone.percent);
-    append_member(text, "complete", zone.complete());
-    append_member(text, "cells", zone.cells);
-    append_member(text, "nodata_cells", zone.nodata_cells);
-    append_member(text, "touches_nodata", zone.touches_nodata);
-    append_member(text, "beyond_raster", zone.beyond_raster);
-    append_member(text, "no_cell", zone.without_cells());
-    text += "\n    }";
+void append_zone(fmt::memory_buffer& text, const ZoneResult& zone) {
+    fmt::format_to(fmt::appender(text), FMT_COMPILE(R"(
+    {{
+      "value": {},
+      "total_area": {},
+      "impervious_area": {},
+      "percent": {},
+      "complete": {},
+      "cells": {},
+      "nodata_cells": {},
+      "touches_nodata": {},
+      "beyond_raster": {},
+      "no_cell": {}
+    }})"),
+                   json_of(zone.value), json_of(zone.total_area), json_of(zone.impervious_area), json_of(zone.percent),
+                   zone.complete(), zone.cells, zone.nodata_cells, zone.touches_nodata, zone.beyond_raster,
+                   zone.without_cells());
 }
 
 /// Writes the members of the array, through a buffer of some kilobytes.
 void write_zones(std::ostream& out, const std::vector<ZoneResult>& zones) {
-    std::string text;
+    fmt::memory_buffer text;
     for (const ZoneResult& zone : zones) {
-        text += &zone == zones.data() ? "" : ",";
-        append_zone(text, zone);
         if (text.size() >= kBufferSize) {
-            out << text;
+            out << std::string_view(text.data(), text.size());
             text.clear();
         }
+        if (&zone != zones.data()) {
+            text.push_back(',');
+        }
+        append_zone(text, zone);
     }
-    out << text << (zones.empty() ? "" : "\n  ");
+    out << std::string_view(text.data(), text.size()) << (zones.empty() ? "" : "\n  ");
 }
 
 ordered_json totals(const RunResult& result) {

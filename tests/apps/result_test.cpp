@@ -1,8 +1,10 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <nlohmann/json.hpp>
 #include <random>
 #include <sstream>
@@ -228,6 +230,41 @@ TEST(ResultJson, ValuesOfEveryKindReadBack) {
     }
     EXPECT_NE(text.find("\"total_area\": 0.0,"), std::string::npos);
     EXPECT_NE(text.find("\"total_area\": -0.0,"), std::string::npos);
+}
+
+/// The digits that a number is written with.
+std::string number_in_json(double number) {
+    RunResult result;
+    result.zones = {{.value = "1", .total_area = number}};
+    const std::string text = json_of(result);
+    const std::string name = "\"total_area\": ";
+    const std::size_t begin = text.find(name) + name.size();
+    return text.substr(begin, text.find(",\n", begin) - begin);
+}
+
+TEST(ResultJson, NumbersHaveTheFewestDigitsThatReadBack) {
+    EXPECT_EQ(number_in_json(0), "0.0");
+    EXPECT_EQ(number_in_json(100), "100.0");
+    EXPECT_EQ(number_in_json(0.1), "0.1");
+    EXPECT_EQ(number_in_json(0.0001), "0.0001");
+    EXPECT_EQ(number_in_json(0.000099), "9.9e-05");
+    EXPECT_EQ(number_in_json(0.5000005), "0.5000005");
+    EXPECT_EQ(number_in_json(0.1 + 0.2), "0.30000000000000004");
+    EXPECT_EQ(number_in_json(999999999.999999), "999999999.999999");
+    EXPECT_EQ(number_in_json(1e9), "1000000000.0");
+    EXPECT_EQ(number_in_json(8388608.000001), "8388608.000001");
+    EXPECT_EQ(number_in_json(-12.5), "-12.5");
+    EXPECT_EQ(number_in_json(std::numeric_limits<double>::quiet_NaN()), "null");
+    std::mt19937_64 random(6);
+    for (int i = 0; i < 3000; ++i) {
+        const double whole = std::ldexp(static_cast<double>(random() % (1ULL << 53)), -static_cast<int>(random() % 53));
+        const double number = i % 2 == 0 ? std::floor(whole) / 1e6 : whole;
+        if (number >= 1e-4 && number < 1e15) {
+            const std::string digits = fmt::format("{}", number);
+            const bool has_point = digits.find('.') != std::string::npos;
+            EXPECT_EQ(number_in_json(number), has_point ? digits : digits + ".0");
+        }
+    }
 }
 
 TEST(ResultJson, OfAFailedRunNamesTheUnknownClasses) {
