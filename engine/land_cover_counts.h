@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "engine/tabulation.h"
@@ -20,6 +21,8 @@ class LandCoverCounts {
     LandCoverCounts(platform::ZoneCounts counts, ZoneKeys keys, double cell_area);
 
     const platform::ZoneCounts& counts() const noexcept { return m_counts; }
+    /// Hands the counts over when the stages are done with them: there may be millions of rows.
+    platform::ZoneCounts take_counts() noexcept { return std::exchange(m_counts, {}); }
 
     /// All cells of all zones, in the raster's own classes.
     Tabulation whole() const;

@@ -92,7 +92,7 @@ void describe_result(ModelRun& run) {
         result.zones[i].impervious_area = run.output.impervious_area[i];
         result.zones[i].percent = run.output.percent[i];
     }
-    result.counts = run.areas.counts()->counts();
+    result.counts = run.areas.counts()->take_counts();
     const std::uint64_t uncovered = add_cells(run, result.counts, result.zones);
     if (uncovered > 0) {
         run.notices.notice(engine_texts::uncovered_cells(uncovered, run.density_theme));

@@ -65,7 +65,7 @@ HeadlessEnding execute(const HeadlessRun& run, const std::string& extension_fold
     clsISExecuteModel model({.threads = run.threads, .keep_temp_folder = kept});
     model.ExecuteModel(&application, extension_folder, kParameterFile, output.folder, output.file_name,
                        output.layer_name);
-    HeadlessEnding ending{application.result().value_or(platform::RunResult{}), kept};
+    HeadlessEnding ending{application.take_result().value_or(platform::RunResult{}), kept};
     if (ending.result.finished) {
         older.discard();
     }

@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "platform/contracts/application.h"
 #include "platform/headless/headless_map.h"
@@ -38,6 +39,8 @@ class HeadlessApplication final : public Application {
     void register_extension(std::string class_id, IExtensionConfig& extension);
     /// What the last run made; nothing before one ended.
     const std::optional<RunResult>& result() const noexcept { return m_result; }
+    /// Hands that over: it may be large.
+    std::optional<RunResult> take_result() noexcept { return std::exchange(m_result, std::nullopt); }
 
   private:
     HeadlessDocument m_document;

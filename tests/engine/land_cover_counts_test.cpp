@@ -87,6 +87,11 @@ TEST_F(Counted, TheWholeZonesKeepTheRastersOwnClasses) {
     EXPECT_THAT(lines_of(counted.whole()), ElementsAre("10: 5x3", "20: -7x1 5x16"));
 }
 
+TEST_F(Counted, CountsAreHandedOver) {
+    EXPECT_EQ(counted.take_counts().rows, counts().rows);
+    EXPECT_THAT(counted.counts().rows, IsEmpty());
+}
+
 TEST(LandCoverCounts, AZoneOfNodataOnlyIsARowWithoutCells) {
     const ZoneGroups groups({Value("dry"), Value("wet")});
     ZoneCounts given;

@@ -199,6 +199,8 @@ TEST(HeadlessApplication, KeepsTheResultOfTheLastRun) {
     result.layer_name = "second";
     application.run_ended(result);
     EXPECT_EQ(application.result()->layer_name, "second");
+    EXPECT_EQ(application.take_result()->layer_name, "second");
+    EXPECT_FALSE(application.result().has_value());
     EXPECT_EQ(&application.progress(), &progress);
 }
 
