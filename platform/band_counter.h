@@ -41,7 +41,8 @@ class BandCounter {
 
     /// \throws RuntimeError as RasterDataset::read() does.
     void count(int band);
-    /// Adds all that was counted.
+    std::size_t row_count() const noexcept { return m_counter.row_count(); }
+    /// Appends all that was counted to `counts`, which is then to be put in order.
     void append_to(ZoneCounts& counts) const;
 
   private:

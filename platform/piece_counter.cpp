@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "platform/piece_counter.h"
 
+#include <functional>
+#include <numeric>
+
 namespace kestrel::platform {
 
 std::uint32_t ScenarioSets::with(std::uint32_t set, std::uint32_t scenario) {
@@ -73,24 +76,28 @@ void PieceCounter::grow(std::size_t piece) {
     m_slots[piece] = grown;
 }
 
+std::size_t PieceCounter::row_count() const noexcept {
+    return std::transform_reduce(m_slots.begin(), m_slots.end(), std::size_t{0}, std::plus<>(),
+                                 [](const Slots& slots) { return slots.used; });
+}
+
 void PieceCounter::append_to(ZoneCounts& counts, const ScenarioSets& sets) const {
-    ZoneCounts part;
-    part.scenario_sets = sets.sets();
-    part.touches_nodata.assign(counts.touches_nodata.size(), 0);
+    const std::vector<std::uint32_t> set_positions = counts.add_scenario_sets(sets.sets());
     for (std::size_t i = 0; i < m_pieces.size(); ++i) {
         const Piece& piece = m_pieces[i];
         const Slots& slots = m_slots[i];
+        ZoneCounts::Row row{piece.zone, piece.overlay, set_positions[piece.scenario_set], 0, 0};
         for (std::size_t at = slots.first; at <= slots.first + slots.mask; ++at) {
             const Slot& slot = m_pool[at];
-            if (slot.land_class == kNodata) {
-                part.nodata_rows.push_back({piece.zone, piece.overlay, piece.scenario_set, 0, slot.cells});
-            } else if (slot.land_class != kFree) {
-                part.rows.push_back({piece.zone, piece.overlay, piece.scenario_set,
-                                     static_cast<std::int32_t>(slot.land_class), slot.cells});
+            if (slot.land_class == kFree) {
+                continue;
             }
+            const bool is_nodata = slot.land_class == kNodata;
+            row.land_class = is_nodata ? 0 : static_cast<std::int32_t>(slot.land_class);
+            row.cells = slot.cells;
+            (is_nodata ? counts.nodata_rows : counts.rows).push_back(row);
         }
     }
-    counts.merge(part);
 }
 
 }  // namespace kestrel::platform

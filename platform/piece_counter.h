@@ -55,7 +55,9 @@ class PieceCounter {
     /// Stands for NODATA where a class is asked for.
     static constexpr std::int64_t kNodata = std::numeric_limits<std::int64_t>::min();
 
-    /// Appends everything counted to `counts`, unordered.
+    /// How many rows append_to() adds, those of NODATA included.
+    std::size_t row_count() const noexcept;
+    /// Appends everything counted to `counts`, which is then to be put in order.
     void append_to(ZoneCounts& counts, const ScenarioSets& sets) const;
 
   private:

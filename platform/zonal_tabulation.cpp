@@ -34,6 +34,23 @@ class StopFlag final : public Progress {
     std::atomic<bool> m_stopped = false;
 };
 
+/// What all counters have counted, each of which is let go.
+ZoneCounts gathered(std::vector<std::unique_ptr<BandCounter>>& counters, std::size_t zone_count) {
+    ZoneCounts counts;
+    counts.touches_nodata.assign(zone_count, 0);
+    std::size_t rows = 0;
+    for (const auto& counter : counters) {
+        rows += counter->row_count();
+    }
+    counts.rows.reserve(rows);
+    for (auto& counter : counters) {
+        counter->append_to(counts);
+        counter.reset();
+    }
+    counts.put_in_order();
+    return counts;
+}
+
 }  // namespace
 
 ZoneCounts tabulate(const RasterDataset& raster, const TabulationInput& input, int threads, Progress& progress) {
@@ -53,14 +70,8 @@ ZoneCounts tabulate(const RasterDataset& raster, const TabulationInput& input, i
                       }
                       counter->count(static_cast<int>(band));
                   });
-    ZoneCounts counts;
-    counts.touches_nodata.assign(plan.zone_count, 0);
-    for (const auto& counter : counters) {
-        if (counter) {
-            counter->append_to(counts);
-        }
-    }
-    return counts;
+    std::erase(counters, nullptr);
+    return gathered(counters, plan.zone_count);
 }
 
 }  // namespace kestrel::platform

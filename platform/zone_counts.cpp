@@ -3,6 +3,7 @@
 #include "platform/zone_counts.h"
 
 #include <algorithm>
+#include <numeric>
 
 #include "platform/errors.h"
 
@@ -37,10 +38,35 @@ void add_rows(std::vector<ZoneCounts::Row>& rows, const std::vector<ZoneCounts::
     }
 }
 
+/// Deals the rows out to their zones and sorts them there: each zone has few.
+void sort(std::vector<ZoneCounts::Row>& rows) {
+    std::vector<std::size_t> zone_ends;
+    for (const ZoneCounts::Row& row : rows) {
+        if (row.zone >= zone_ends.size()) {
+            zone_ends.resize(std::size_t{row.zone} + 1, 0);
+        }
+        ++zone_ends[row.zone];
+    }
+    std::exclusive_scan(zone_ends.begin(), zone_ends.end(), zone_ends.begin(), std::size_t{0});
+    std::vector<ZoneCounts::Row> dealt(rows.size());
+    for (const ZoneCounts::Row& row : rows) {
+        dealt[zone_ends[row.zone]++] = row;
+    }
+    auto begin = dealt.begin();
+    for (const std::size_t end_position : zone_ends) {
+        const auto end = dealt.begin() + static_cast<std::ptrdiff_t>(end_position);
+        std::sort(begin, end);
+        begin = end;
+    }
+    rows.swap(dealt);
+}
+
 }  // namespace
 
 void sort_and_sum(std::vector<ZoneCounts::Row>& rows) {
-    std::sort(rows.begin(), rows.end());
+    if (!std::is_sorted(rows.begin(), rows.end())) {
+        sort(rows);
+    }
     std::size_t last = 0;
     for (std::size_t i = 1; i < rows.size(); ++i) {
         if (same_place(rows[last], rows[i])) {
@@ -52,7 +78,11 @@ void sort_and_sum(std::vector<ZoneCounts::Row>& rows) {
     rows.resize(rows.empty() ? 0 : last + 1);
 }
 
-void ZoneCounts::order_scenario_sets() {
+std::vector<std::uint32_t> ZoneCounts::add_scenario_sets(const std::vector<std::vector<std::uint32_t>>& sets) {
+    return join_sets(scenario_sets, sets);
+}
+
+void ZoneCounts::put_in_order() {
     std::vector<std::uint8_t> used(scenario_sets.size(), 0);
     used[0] = 1;
     for (const auto* table : {&rows, &nodata_rows}) {
@@ -83,13 +113,13 @@ void ZoneCounts::merge(const ZoneCounts& other) {
     if (touches_nodata.size() != other.touches_nodata.size()) {
         throw RuntimeError(kInvalidProcedureCall, "Counts of different zones cannot be merged");
     }
-    const auto positions = join_sets(scenario_sets, other.scenario_sets);
+    const auto positions = add_scenario_sets(other.scenario_sets);
     add_rows(rows, other.rows, positions);
     add_rows(nodata_rows, other.nodata_rows, positions);
     for (std::size_t i = 0; i < touches_nodata.size(); ++i) {
         touches_nodata[i] = touches_nodata[i] | other.touches_nodata[i];
     }
-    order_scenario_sets();
+    put_in_order();
 }
 
 }  // namespace kestrel::platform

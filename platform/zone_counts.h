@@ -46,9 +46,11 @@ struct ZoneCounts {
     /// Adds the counts of another part of the raster for the same zones, overlay and scenarios.
     /// \throws RuntimeError 5 when the numbers of zones differ.
     void merge(const ZoneCounts& other);
+    /// Adds the sets that are missing. \return the position of each of `sets` among `scenario_sets`.
+    std::vector<std::uint32_t> add_scenario_sets(const std::vector<std::vector<std::uint32_t>>& sets);
     /// Puts the sets of scenarios that are in use and the rows into their order, each row once: the same table whatever
     /// order the cells were counted in.
-    void order_scenario_sets();
+    void put_in_order();
 };
 
 /// Sorts rows and sums those of the same place.

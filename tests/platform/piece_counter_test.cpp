@@ -18,6 +18,8 @@ ZoneCounts collected(const PieceCounter& counter, const ScenarioSets& sets, std:
     ZoneCounts counts;
     counts.touches_nodata.assign(zones, 0);
     counter.append_to(counts, sets);
+    EXPECT_EQ(counter.row_count(), counts.rows.size() + counts.nodata_rows.size());
+    counts.put_in_order();
     return counts;
 }
 
