@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "engine/clsISGetLCArea.h"
 
+#include <algorithm>
 #include <map>
+#include <numeric>
 
 #include "engine/basUtil.h"
 #include "engine/clsISTableFunctions.h"
@@ -36,8 +38,8 @@ class ColumnCoefficients {
         const char density_class = m_by_zone && !key.empty() ? key.back() : '\0';
         std::vector<double>& coefficients = m_known[density_class];
         if (coefficients.empty()) {
-            for (const std::int32_t code : m_tabulation.classes) {
-                coefficients.push_back(m_lookup.coefficient(platform::text_of(code), key));
+            for (const Tabulation::Column& column : m_tabulation.columns) {
+                coefficients.push_back(m_lookup.coefficient(platform::text_of(column.land_class), key));
             }
         }
         return coefficients;
@@ -89,7 +91,7 @@ std::optional<Table> clsISGetLCArea::isGetLCArea(const std::string& pWorkspace, 
     if (!tabulation || m_application->progress().cancelled()) {
         return std::nullopt;
     }
-    if (tabulation->rows.empty()) {
+    if (tabulation->keys.empty()) {
         platform::interaction().message_box(engine_texts::no_zone_has_cells(AnalysisTheme.name, lcTheme.name()));
         return std::nullopt;
     }
@@ -155,7 +157,7 @@ void clsISGetLCArea::ConvertShapeToRaster(const AreaTheme& AnalysisTheme, const 
 }
 
 std::string clsISGetLCArea::AnalysisFieldValues(const Tabulation& table, std::size_t id) try {
-    return table.rows.at(id).key;
+    return table.keys.at(id);
 } catch (...) {
     return reported<std::string>({"AnalysisFieldValues", kModule});
 }
@@ -164,24 +166,31 @@ bool clsISGetLCArea::CalculateAreas(const Tabulation& tabulation, double factor,
                                     Table& table) try {
     const CoefficientLookup lookup(m_option, dictCL);
     ColumnCoefficients known(lookup, tabulation, !(m_option < "3"));
-    table.reserve(tabulation.rows.size());
-    for (std::size_t id = 0; id < tabulation.rows.size(); ++id) {
-        const std::string zone = AnalysisFieldValues(tabulation, id);
-        const std::vector<double>& coefficients = known.of(zone);
-        for (std::size_t column = 0; column < coefficients.size(); ++column) {
-            if (coefficients[column] == CoefficientLookup::kNoCoefficient) {
-                list_unknown_classes(tabulation, lookup, zone);
-                platform::interaction().message_box(
-                    engine_texts::no_coefficients(platform::text_of(tabulation.classes[column])));
-                return false;
-            }
+    std::vector<std::string> zones;
+    std::vector<const double*> coefficients;  // of each zone, column by column
+    for (std::size_t id = 0; id < tabulation.keys.size(); ++id) {
+        zones.push_back(AnalysisFieldValues(tabulation, id));
+        const std::vector<double>& of_zone = known.of(zones.back());
+        const auto missing = std::find(of_zone.begin(), of_zone.end(), CoefficientLookup::kNoCoefficient);
+        if (missing != of_zone.end()) {
+            const auto column = static_cast<std::size_t>(missing - of_zone.begin());
+            list_unknown_classes(tabulation, lookup, zones.back());
+            platform::interaction().message_box(
+                engine_texts::no_coefficients(platform::text_of(tabulation.columns[column].land_class)));
+            return false;
         }
-        const std::size_t row = table.add_row(zone);
-        for (const Tabulation::Cell& cell : tabulation.rows[id].cells) {
-            const double area = static_cast<double>(cell.cells) * tabulation.cell_area;
-            const int field = 2 + 2 * static_cast<int>(cell.column);
-            table.set_number(row, field, area * factor);
-            table.set_number(row, field + 1, area * factor * coefficients[cell.column] / 100);
+        coefficients.push_back(of_zone.data());
+    }
+    table.add_rows(std::move(zones));
+    for (std::size_t column = 0; column < tabulation.columns.size(); ++column) {
+        const std::vector<std::uint64_t>& cells = tabulation.columns[column].cells;
+        const int field = 2 + 2 * static_cast<int>(column);
+        for (std::size_t row = 0; row < cells.size(); ++row) {
+            if (cells[row] != 0) {
+                const double area = static_cast<double>(cells[row]) * tabulation.cell_area;
+                table.set_number(row, field, area * factor);
+                table.set_number(row, field + 1, area * factor * coefficients[row][column] / 100);
+            }
         }
     }
     return true;
@@ -191,16 +200,10 @@ bool clsISGetLCArea::CalculateAreas(const Tabulation& tabulation, double factor,
 
 void clsISGetLCArea::list_unknown_classes(const Tabulation& tabulation, const CoefficientLookup& lookup,
                                           const std::string& key) {
-    std::vector<std::uint64_t> cells(tabulation.classes.size(), 0);
-    for (const Tabulation::Row& row : tabulation.rows) {
-        for (const Tabulation::Cell& cell : row.cells) {
-            cells[cell.column] += cell.cells;
-        }
-    }
-    for (std::size_t column = 0; column < cells.size(); ++column) {
-        const std::int32_t code = tabulation.classes[column];
-        if (lookup.coefficient(platform::text_of(code), key) == CoefficientLookup::kNoCoefficient) {
-            m_unknown_classes.push_back({code, cells[column]});
+    for (const Tabulation::Column& column : tabulation.columns) {
+        if (lookup.coefficient(platform::text_of(column.land_class), key) == CoefficientLookup::kNoCoefficient) {
+            m_unknown_classes.push_back(
+                {column.land_class, std::accumulate(column.cells.begin(), column.cells.end(), std::uint64_t{0})});
         }
     }
 }

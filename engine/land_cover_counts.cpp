@@ -3,6 +3,8 @@
 #include "engine/land_cover_counts.h"
 
 #include <algorithm>
+#include <array>
+#include <map>
 
 namespace kestrel {
 
@@ -10,36 +12,36 @@ using platform::ZoneCounts;
 
 namespace {
 
-/// Cells of one class under one key; a row of NODATA has no class.
-struct KeyedCells {
-    std::uint32_t key = 0;
-    std::int32_t land_class = 0;
-    std::uint64_t cells = 0;
-};
+constexpr std::uint32_t kNoRow = UINT32_MAX;
 
-bool before(const KeyedCells& a, const KeyedCells& b) {
-    return a.key != b.key ? a.key < b.key : a.land_class < b.land_class;
-}
+/// The columns of a tabulation while it is filled, in the order in which their classes are met.
+class ColumnsByClass {
+  public:
+    explicit ColumnsByClass(std::size_t rows) : m_rows(rows) {}
 
-/// The classes that occur, ascending; there are few.
-std::vector<std::int32_t> classes_of(const std::vector<KeyedCells>& cells) {
-    std::vector<std::int32_t> classes;
-    for (const KeyedCells& entry : cells) {
-        const auto at = std::lower_bound(classes.begin(), classes.end(), entry.land_class);
-        if (at == classes.end() || *at != entry.land_class) {
-            classes.insert(at, entry.land_class);
+    std::vector<std::uint64_t>& cells_of(std::int32_t land_class) {
+        // The few classes that there are mostly differ in their last digits.
+        Tabulation::Column*& recent = m_recent[static_cast<std::uint32_t>(land_class) % m_recent.size()];
+        if (recent == nullptr || recent->land_class != land_class) {
+            recent = &m_columns.try_emplace(land_class, Tabulation::Column{land_class, {}}).first->second;
+            recent->cells.resize(m_rows);
         }
+        return recent->cells;
     }
-    return classes;
-}
 
-/// Sorts what is in order already where zones have keys in their own order.
-template <typename Element, typename Before>
-void sort_unless_sorted(std::vector<Element>& elements, Before is_before) {
-    if (!std::is_sorted(elements.begin(), elements.end(), is_before)) {
-        std::sort(elements.begin(), elements.end(), is_before);
+    std::vector<Tabulation::Column> take() {
+        std::vector<Tabulation::Column> columns;
+        for (auto& [land_class, column] : m_columns) {
+            columns.push_back(std::move(column));
+        }
+        return columns;
     }
-}
+
+  private:
+    std::size_t m_rows;
+    std::map<std::int32_t, Tabulation::Column> m_columns;
+    std::array<Tabulation::Column*, 256> m_recent{};
+};
 
 }  // namespace
 
@@ -48,44 +50,31 @@ LandCoverCounts::LandCoverCounts(ZoneCounts counts, ZoneKeys keys, double cell_a
 
 template <typename Wanted, typename ClassOf>
 Tabulation LandCoverCounts::tabulate(Wanted wanted, ClassOf class_of) const {
-    std::vector<KeyedCells> cells;
-    for (const ZoneCounts::Row& row : m_counts.rows) {
-        const std::uint32_t key = m_keys.key(row.zone, row.overlay);
-        if (key != ZoneKeys::kNoKey && wanted(row)) {
-            cells.push_back({key, class_of(row), row.cells});
-        }
-    }
-    std::vector<std::uint32_t> keys;
-    for (const ZoneCounts::Row& row : m_counts.nodata_rows) {
-        const std::uint32_t key = m_keys.key(row.zone, row.overlay);
-        if (key != ZoneKeys::kNoKey && wanted(row)) {
-            keys.push_back(key);
-        }
-    }
-    sort_unless_sorted(cells, before);
-    const auto of_nodata = static_cast<std::ptrdiff_t>(keys.size());
-    for (const KeyedCells& entry : cells) {
-        if (static_cast<std::ptrdiff_t>(keys.size()) == of_nodata || keys.back() != entry.key) {
-            keys.push_back(entry.key);
-        }
-    }
-    std::sort(keys.begin(), keys.begin() + of_nodata);
-    std::inplace_merge(keys.begin(), keys.begin() + of_nodata, keys.end());
-    keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
-
-    Tabulation result{.cell_area = m_cell_area, .classes = classes_of(cells), .rows = {}};
-    auto entry = cells.begin();
-    for (const std::uint32_t key : keys) {
-        Tabulation::Row& row = result.rows.emplace_back(Tabulation::Row{m_keys.text(key), {}});
-        for (; entry != cells.end() && entry->key == key; ++entry) {
-            const auto at = std::lower_bound(result.classes.begin(), result.classes.end(), entry->land_class);
-            const auto column = static_cast<std::uint32_t>(at - result.classes.begin());
-            if (row.cells.empty() || row.cells.back().column != column) {
-                row.cells.push_back({column, 0});
+    const auto key_of = [&](const ZoneCounts::Row& row) {
+        return wanted(row) ? m_keys.key(row.zone, row.overlay) : ZoneKeys::kNoKey;
+    };
+    std::vector<std::uint32_t> row_of_key(m_keys.count(), kNoRow);
+    for (const auto* counted : {&m_counts.rows, &m_counts.nodata_rows}) {
+        for (const ZoneCounts::Row& row : *counted) {
+            if (const std::uint32_t key = key_of(row); key != ZoneKeys::kNoKey) {
+                row_of_key[key] = 0;
             }
-            row.cells.back().cells += entry->cells;
         }
     }
+    Tabulation result{.cell_area = m_cell_area, .keys = {}, .columns = {}};
+    for (std::uint32_t key = 0; key < row_of_key.size(); ++key) {
+        if (row_of_key[key] != kNoRow) {
+            row_of_key[key] = static_cast<std::uint32_t>(result.keys.size());
+            result.keys.push_back(m_keys.text(key));
+        }
+    }
+    ColumnsByClass columns(result.keys.size());
+    for (const ZoneCounts::Row& row : m_counts.rows) {
+        if (const std::uint32_t key = key_of(row); key != ZoneKeys::kNoKey) {
+            columns.cells_of(class_of(row))[row_of_key[key]] += row.cells;
+        }
+    }
+    result.columns = columns.take();
     return result;
 }
 

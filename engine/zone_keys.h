@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/field.h"
+#include "platform/zone_counts.h"
 
 namespace kestrel {
 
@@ -46,10 +47,20 @@ class ZoneKeys {
 
     static constexpr std::uint32_t kNoKey = UINT32_MAX;
     /// Number of the key of a piece, ascending in the order of zones and digits; kNoKey when the piece drops out.
-    std::uint32_t key(std::uint32_t zone, std::uint32_t overlay) const;
+    std::uint32_t key(std::uint32_t zone, std::uint32_t overlay) const {
+        const std::uint32_t group = m_groups->group_of()[zone];
+        if (!m_by_density) {
+            return group;
+        }
+        return overlay == platform::kNoOverlay ? kNoKey : group * kDigits + m_digits[overlay];
+    }
+    /// One more than the largest number that a key may have.
+    std::size_t count() const noexcept { return m_groups->count() * (m_by_density ? kDigits : 1); }
     std::string text(std::uint32_t key) const;
 
   private:
+    static constexpr std::uint32_t kDigits = 4;  // room for a digit from 1 to 3
+
     const ZoneGroups* m_groups;
     std::vector<std::uint8_t> m_digits;
     bool m_by_density = false;

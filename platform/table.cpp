@@ -40,8 +40,9 @@ std::uint32_t& Table::Rows::slot_of(std::string_view key) {
     return buckets[at];
 }
 
-void Table::Rows::grow() {
-    buckets.assign(std::max(kFewestSlots, 4 * std::bit_ceil(keys.size() + 1)), kFree);
+void Table::Rows::reserve(std::size_t count) {
+    keys.reserve(count);
+    buckets.assign(std::max(kFewestSlots, 2 * std::bit_ceil(count)), kFree);
     for (std::uint32_t row = 0; row < keys.size(); ++row) {
         slot_of(keys[row]) = row;
     }
@@ -75,33 +76,51 @@ int Table::add_field(Field field, int line) {
     return position;
 }
 
-void Table::reserve(std::size_t rows) {
-    owned(m_rows).keys.reserve(rows);
-    for (std::size_t column = 0; column < m_numbers.size(); ++column) {
-        own_column(column).reserve(rows);
-    }
-}
-
-std::size_t Table::add_row(std::string key, int line) {
-    Rows& rows = owned(m_rows);
+void Table::add_key(std::string key, int line) {
+    Rows& rows = *m_rows;
     const std::size_t row = rows.keys.size();
     if (row == kFree) {
         throw RuntimeError(kOverflow, "The table " + m_name + " has too many rows", "Kestrel", line);
     }
     if (2 * (row + 1) > rows.buckets.size()) {
-        rows.grow();
+        rows.reserve(2 * (row + 1));
     }
     std::uint32_t& slot = rows.slot_of(key);
     if (slot != kFree) {
         throw RuntimeError(kKeyAlreadyExists, "The table " + m_name + " has a row of this key: " + key, "Kestrel",
                            line);
     }
-    slot = static_cast<std::uint32_t>(row);
     rows.keys.push_back(std::move(key));
+    slot = static_cast<std::uint32_t>(row);
+}
+
+std::size_t Table::add_row(std::string key, int line) {
+    owned(m_rows);
+    add_key(std::move(key), line);
+    const std::size_t row = row_count() - 1;
     for (std::size_t column = 0; column < m_numbers.size(); ++column) {
-        own_column(column).push_back(0);
+        if (m_numbers[column]->size() <= row) {
+            own_column(column).push_back(0);
+        }
     }
     return row;
+}
+
+void Table::add_rows(std::vector<std::string> keys, int line) {
+    Rows& rows = owned(m_rows);
+    const std::size_t count = rows.keys.size() + keys.size();
+    const auto zeros = std::make_shared<Column>(count, 0.0);
+    for (std::size_t column = 0; column < m_numbers.size(); ++column) {
+        if (rows.keys.empty()) {
+            m_numbers[column] = zeros;
+        } else if (m_numbers[column]->size() < count) {
+            own_column(column).resize(count);
+        }
+    }
+    rows.reserve(count);
+    for (std::string& key : keys) {
+        add_key(std::move(key), line);
+    }
 }
 
 std::optional<std::size_t> Table::find_row(std::string_view key) const {
@@ -131,7 +150,7 @@ double Table::number(std::size_t row, int field, int line) const {
 }
 
 std::span<const double> Table::numbers(int field, int line) const {
-    return *m_numbers[column_of(field, line)];
+    return std::span(*m_numbers[column_of(field, line)]).first(row_count());
 }
 
 void Table::set_number(std::size_t row, int field, double value, int line) {

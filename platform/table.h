@@ -37,8 +37,6 @@ class Table {
     /// Position of the field, compared exactly; -1 when there is none.
     int find_field(std::string_view name) const noexcept;
     std::size_t row_count() const noexcept { return m_rows->keys.size(); }
-    /// Makes room for that many rows at once.
-    void reserve(std::size_t rows);
 
     /// Appends a number field at the end; every row starts from 0 there.
     /// \return its position.
@@ -48,6 +46,10 @@ class Table {
     /// \return its position.
     /// \throws RuntimeError 457 when there is a row with this key: keys are zones.
     std::size_t add_row(std::string key, int line = __builtin_LINE());
+    /// Appends many rows, numbers 0. Of keys that are there already, or twice among these, none is added, nor those
+    /// behind it.
+    /// \throws RuntimeError 457 for such a key.
+    void add_rows(std::vector<std::string> keys, int line = __builtin_LINE());
     /// Position of the row with this key, or nothing.
     std::optional<std::size_t> find_row(std::string_view key) const;
     /// The same, where `likely` is probably the row, as when going through rows in order.
@@ -65,6 +67,7 @@ class Table {
     std::size_t column_of(int field, int line) const;
     void check_row(std::size_t row, int line) const;
     std::vector<double>& own_column(std::size_t column);
+    void add_key(std::string key, int line);
 
     /// The keys of the rows, and where they are found: positions of rows, by the hash of their key.
     struct Rows {
@@ -72,7 +75,8 @@ class Table {
         std::vector<std::uint32_t> buckets;  // "slots" is a keyword to Qt
 
         std::uint32_t& slot_of(std::string_view key);
-        void grow();
+        /// Makes room for that many keys.
+        void reserve(std::size_t count);
     };
     using Column = std::vector<double>;
 
@@ -80,7 +84,9 @@ class Table {
     std::vector<Field> m_fields;
     std::map<std::string, int, std::less<>> m_field_positions;
     std::shared_ptr<Rows> m_rows;
-    std::vector<std::shared_ptr<Column>> m_numbers;  // of the fields from position 2 on
+    /// Of the fields from position 2 on; a column that is longer than there are rows has zeros there. Columns that have
+    /// no other numbers yet may be one and the same.
+    std::vector<std::shared_ptr<Column>> m_numbers;
 };
 
 /// Writes a table as a dBASE file, for inspection: without the object id, names cut to 10 characters, text to 254

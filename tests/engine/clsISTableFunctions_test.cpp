@@ -23,11 +23,15 @@ class TableFunctions : public testing::Test {
   protected:
     TableFunctions() { platform::create_folder(extension / "temp"); }
 
-    static Tabulation tabulation(std::vector<std::int32_t> classes) {
-        return {.cell_area = 1, .classes = std::move(classes), .rows = {}};
+    static Tabulation tabulation(const std::vector<std::int32_t>& classes) {
+        Tabulation result{.cell_area = 1, .keys = {}, .columns = {}};
+        for (const std::int32_t land_class : classes) {
+            result.columns.push_back({land_class});
+        }
+        return result;
     }
-    std::optional<Table> created(std::vector<std::int32_t> classes, const std::string& zone_field = "SHED") {
-        const Tabulation tabulated = tabulation(std::move(classes));
+    std::optional<Table> created(const std::vector<std::int32_t>& classes, const std::string& zone_field = "SHED") {
+        const Tabulation tabulated = tabulation(classes);
         return functions.createDBF("areaTemp", zone_field, 2 * tabulated.field_count() - 2, tabulated);
     }
     /// A table with the columns of class 5.

@@ -8,6 +8,7 @@
 #include "tests/support/test_files.h"
 #include "tests/support/tiny_disk.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -97,6 +98,43 @@ TEST(Table, ASecondRowOfTheSameKeyIsRefused) {
     EXPECT_EQ(table.row_count(), 1U);
     table.set_number(0, 2, 1);
     EXPECT_EQ(table.number(0, 2), 1);
+}
+
+TEST(Table, ManyRowsAreAddedAtOnce) {
+    Table table = area_table();
+    table.add_rows({"b", "a"});
+    table.set_number(0, 2, 1.5);
+    EXPECT_EQ(table.number(0, 3), 0);
+    const Table before = table;
+    table.add_rows({"c", "d", "e"});
+    EXPECT_EQ(table.add_row("f"), 5U);
+    table.set_number(4, 2, 2.5);
+    EXPECT_THAT(table.numbers(2), testing::ElementsAre(1.5, 0, 0, 0, 2.5, 0));
+    EXPECT_THAT(table.numbers(3), testing::ElementsAre(0, 0, 0, 0, 0, 0));
+    EXPECT_EQ(table.find_row("a"), 1U);
+    EXPECT_EQ(table.find_row("e"), 4U);
+    EXPECT_THAT(before.numbers(2), testing::ElementsAre(1.5, 0));
+    EXPECT_EQ(before.find_row("c"), std::nullopt);
+}
+
+TEST(Table, OfManyRowsThoseFromASecondKeyOnAreRefused) {
+    for (const bool filled : {false, true}) {
+        Table table = area_table();
+        if (filled) {
+            table.add_row("0");
+        }
+        EXPECT_EQ(error_of([&] { table.add_rows({"1", "2", "1", "3"}); }).number(), 457);
+        const std::size_t rows = filled ? 3 : 2;
+        EXPECT_EQ(table.row_count(), rows);
+        EXPECT_EQ(table.numbers(2).size(), rows);
+        EXPECT_EQ(table.find_row("3"), std::nullopt);
+        EXPECT_EQ(table.add_row("4"), rows);
+        EXPECT_EQ(table.add_field(area_field("area-82")), 4);
+        for (const int field : {2, 3, 4}) {
+            table.set_number(rows, field, field);
+            EXPECT_EQ(table.numbers(field).back(), field);
+        }
+    }
 }
 
 TEST(Table, NumbersAreRoundedToTheScaleOfTheirField) {
