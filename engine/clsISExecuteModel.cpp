@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <functional>
 #include <span>
 #include <utility>
 #include <vector>
@@ -46,27 +48,17 @@ Table snapshot(const Table& table, const std::string& name) {
     return copy;
 }
 
-/// The columns of an area table that are summed up.
-class Columns {
-  public:
-    Columns(const Table& table, bool (*wanted)(const Field&)) {
-        for (int field = 2; field < static_cast<int>(table.fields().size()); ++field) {
-            if (wanted(table.fields()[static_cast<std::size_t>(field)])) {
-                m_columns.push_back(table.numbers(field));
-            }
+/// The sum of an area table's wanted columns in each row. They are added in their order.
+std::vector<double> row_sums(const Table& table, bool (*wanted)(const Field&)) {
+    std::vector<double> sums(table.row_count(), 0.0);
+    for (int field = 2; field < static_cast<int>(table.fields().size()); ++field) {
+        if (wanted(table.fields()[static_cast<std::size_t>(field)])) {
+            const std::span<const double> column = table.numbers(field);
+            std::transform(sums.begin(), sums.end(), column.begin(), sums.begin(), std::plus<>());
         }
     }
-    double sum(std::size_t row) const {
-        double result = 0;
-        for (const std::span<const double> column : m_columns) {
-            result += column[row];
-        }
-        return result;
-    }
-
-  private:
-    std::vector<std::span<const double>> m_columns;
-};
+    return sums;
+}
 
 /// The files of an output that stands in its place but is not in the map yet: unless they are kept, they go again.
 class PublishedFiles {
@@ -261,15 +253,15 @@ bool clsISExecuteModel::AddNewFields() try {
 bool clsISExecuteModel::isCalPctIS() try {
     ModelRun& run = *m_run;
     const Table& table = *run.summary;
-    const Columns areas(table, is_area_column);
-    const Columns impervious_areas(table, is_impervious_column);
+    const std::vector<double> areas = row_sums(table, is_area_column);
+    const std::vector<double> impervious_areas = row_sums(table, is_impervious_column);
     std::size_t likely_row = 0;
     for (std::size_t i = 0; i < run.groups.count(); ++i) {
         double area = 0;
         double impervious = 0;
         if (const std::optional<std::size_t> row = table.find_row(run.groups.text(i), likely_row)) {
-            area = areas.sum(*row);
-            impervious = impervious_areas.sum(*row);
+            area = areas[*row];
+            impervious = impervious_areas[*row];
             likely_row = *row + 1;
         }
         run.output.total_area.push_back(platform::round_to_scale(area, 6));
