@@ -39,6 +39,8 @@ class BandCounter {
     /// \param stopped once it is set, what is counted does not matter any more.
     BandCounter(RasterDataset raster, const TabulationPlan& plan, const std::atomic<bool>& stopped);
 
+    /// Makes room for that many pieces of zones at once.
+    void reserve(std::size_t pieces) { m_counter.reserve(pieces); }
     /// \throws RuntimeError as RasterDataset::read() does.
     void count(int band);
     std::size_t row_count() const noexcept { return m_counter.row_count(); }

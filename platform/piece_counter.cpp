@@ -24,6 +24,12 @@ std::size_t PieceCounter::PieceHash::operator()(const Piece& piece) const noexce
     return static_cast<std::size_t>(mixed ^ (mixed >> 32));
 }
 
+void PieceCounter::reserve(std::size_t pieces) {
+    m_pieces.reserve(pieces);
+    m_slots.reserve(pieces);
+    m_pool.reserve(pieces * kFirstSlots);
+}
+
 std::size_t PieceCounter::add_piece(const Piece& piece) {
     m_pieces.push_back(piece);
     m_slots.push_back({m_pool.size(), kFirstSlots - 1, 0});

@@ -29,6 +29,9 @@ class ScenarioSets {
 /// number of pieces.
 class PieceCounter {
   public:
+    /// Makes room for that many pieces at once.
+    void reserve(std::size_t pieces);
+
     /// Position of the piece, made when it is new. Stays valid.
     std::size_t piece(std::uint32_t zone, std::uint32_t overlay, std::uint32_t scenario_set) {
         const bool plain = overlay == kNoOverlay && scenario_set == 0;

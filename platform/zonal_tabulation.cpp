@@ -67,6 +67,8 @@ ZoneCounts tabulate(const RasterDataset& raster, const TabulationInput& input, i
                       auto& counter = counters[static_cast<std::size_t>(worker)];
                       if (!counter) {
                           counter = std::make_unique<BandCounter>(raster.reopened(), plan, counting.stopped());
+                          // A worker's share of the zones, and some that others meet in their bands too.
+                          counter->reserve(plan.zone_count / counters.size() * 5 / 4);
                       }
                       counter->count(static_cast<int>(band));
                   });
