@@ -289,10 +289,11 @@ void RasterDataset::read(const CellWindow& window, CellBuffer& buffer) const {
     }
 }
 
-/// Whether the window is what one block holds of the raster, a block that is not wider than the raster there.
+/// Whether the window is what one block holds of the raster.
 bool RasterDataset::Source::one_block(const CellWindow& window) const {
     return window.first_column % block_columns == 0 && window.first_row % block_rows == 0 &&
-           window.columns == block_columns && window.rows == std::min(block_rows, grid.rows - window.first_row);
+           window.columns == std::min(block_columns, grid.columns - window.first_column) &&
+           window.rows == std::min(block_rows, grid.rows - window.first_row);
 }
 
 void RasterDataset::Source::read_bytes(const CellWindow& window, CellBuffer& buffer) const {
@@ -305,7 +306,14 @@ void RasterDataset::Source::read_bytes(const CellWindow& window, CellBuffer& buf
     CPLErrorReset();
     check_read(band->ReadBlock(window.first_column / block_columns, window.first_row / block_rows, buffer.bytes.data()),
                window);
-    buffer.bytes.resize(columns * static_cast<std::size_t>(window.rows));
+    // A block on the east holds more columns than the raster, one on the south more rows.
+    const auto width = static_cast<std::size_t>(window.columns);
+    const auto rows = static_cast<std::size_t>(window.rows);
+    for (std::size_t row = 1; row < rows && width < columns; ++row) {
+        const std::uint8_t* const line = buffer.bytes.data() + row * columns;
+        std::copy(line, line + width, buffer.bytes.data() + row * width);
+    }
+    buffer.bytes.resize(width * rows);
 }
 
 void RasterDataset::Source::check_read(CPLErr error, const CellWindow& window) const {

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <fstream>
 #include <limits>
 
@@ -151,6 +153,32 @@ TEST_F(Raster, ThinStripsAreReadManyRowsAtATime) {
     file.options = {"BLOCKYSIZE=128"};
     EXPECT_EQ(opened(file).tile_lines().rows[1], 128);
     EXPECT_EQ(opened(file).tile_lines().columns, (std::vector<int>{0, 2}));
+}
+
+TEST_F(Raster, WindowsOfOneTileHoldItsCellsAlsoWhereTheRasterEnds) {
+    // Tiles of 32 by 16 cells: the last column of tiles is 6 cells wide, the last row 2 cells high.
+    RasterFile file{.grid = {.x0 = 0, .y0 = 0, .dx = 1, .dy = -1, .columns = 70, .rows = 50},
+                    .cells = {},
+                    .options = {"TILED=YES", "BLOCKXSIZE=32", "BLOCKYSIZE=16", "COMPRESS=DEFLATE"}};
+    for (int cell = 0; cell < 70 * 50; ++cell) {
+        file.cells.push_back(cell % 251);
+    }
+    const RasterDataset raster = opened(file);
+    CellBuffer buffer;
+    // From the last tile to the first, so that each comes after one of another size.
+    for (int row = 48; row >= 0; row -= 16) {
+        for (int column = 64; column >= 0; column -= 32) {
+            const CellWindow tile{column, row, std::min(32, 70 - column), std::min(16, 50 - row)};
+            raster.read(tile, buffer);
+            std::vector<std::uint8_t> expected;
+            for (int r = row; r < row + tile.rows; ++r) {
+                for (int c = column; c < column + tile.columns; ++c) {
+                    expected.push_back(static_cast<std::uint8_t>((r * 70 + c) % 251));
+                }
+            }
+            EXPECT_EQ(buffer.bytes, expected) << row << " " << column;
+        }
+    }
 }
 
 TEST_F(Raster, AMissingFileIsSaidToBeMissing) {
