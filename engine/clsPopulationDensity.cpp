@@ -10,7 +10,7 @@
 #include "platform/contracts/interaction.h"
 #include "platform/conversions.h"
 #include "platform/errors.h"
-#include "platform/geometry.h"
+#include "platform/overlap.h"
 
 namespace kestrel {
 
@@ -63,7 +63,7 @@ bool clsPopulationDensity::DensityCalculation(platform::Progress& progress, int 
     // In an intersection a field whose name both layers have would be called by that name and "_1"; either way it is
     // the density layer's own.
     m_intersection.density = read_polygon_layer(density, m_density_layer, m_density_field, progress, threads);
-    if (progress.cancelled() || !overlaps()) {
+    if (progress.cancelled() || !platform::overlap(*m_analysis.polygons, *m_intersection.density.polygons)) {
         return false;
     }
     for (const Value& value : m_intersection.density.values) {
@@ -75,16 +75,6 @@ bool clsPopulationDensity::DensityCalculation(platform::Progress& progress, int 
     return true;
 } catch (...) {
     return reported<bool>({"DensityCalculation", kModule});
-}
-
-bool clsPopulationDensity::overlaps() const {
-    bool any = false;
-    platform::intersect(*m_analysis.polygons, *m_intersection.density.polygons,
-                        [&](std::size_t, std::size_t, const platform::PolygonSet&) {
-                            any = true;
-                            return false;  // one piece is enough
-                        });
-    return any;
 }
 
 std::string clsPopulationDensity::SetFieldName(const std::string& name, std::span<const Field> table) {

@@ -49,8 +49,6 @@ class clsPopulationDensity {
     const std::string& OldAnalysisFldName() const { return m_analysis.field.name; }
 
   private:
-    bool overlaps() const;
-
     const platform::Map& m_map;
     const PolygonLayer& m_analysis;
     std::string m_density_layer;
