@@ -13,6 +13,22 @@ bool begins_before(const RowSpan& a, const RowSpan& b) {
     return a.begin != b.begin ? a.begin < b.begin : a.owner < b.owner;
 }
 
+/// Spans come feature by feature, and features are numbered along rows as a rule: the few ascending runs of such spans
+/// are merged, anything else is sorted.
+void put_in_order(std::vector<RowSpan>& spans) {
+    constexpr int kFewRuns = 6;
+    auto sorted = std::is_sorted_until(spans.begin(), spans.end(), begins_before);
+    for (int runs = 1; sorted != spans.end(); ++runs) {
+        if (runs == kFewRuns) {
+            std::sort(spans.begin(), spans.end(), begins_before);
+            return;
+        }
+        const auto end = std::is_sorted_until(sorted, spans.end(), begins_before);
+        std::inplace_merge(spans.begin(), sorted, end, begins_before);
+        sorted = end;
+    }
+}
+
 bool disjoint(const std::vector<RowSpan>& ascending) {
     for (std::size_t i = 1; i < ascending.size(); ++i) {
         if (ascending[i].begin < ascending[i - 1].end) {
@@ -67,9 +83,7 @@ std::vector<RowSpan> highest_owners(const std::vector<RowSpan>& ascending) {
 }  // namespace
 
 void resolve_overlaps(std::vector<RowSpan>& spans) {
-    if (!std::is_sorted(spans.begin(), spans.end(), begins_before)) {
-        std::sort(spans.begin(), spans.end(), begins_before);
-    }
+    put_in_order(spans);
     if (!disjoint(spans)) {
         spans = highest_owners(spans);
     }

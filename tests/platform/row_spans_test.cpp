@@ -41,7 +41,7 @@ TEST(RowSpans, TheLaterFeatureOwnsWhatSeveralCover) {
 TEST(RowSpans, ResolvedSpansAgreeWithPaintingCellByCell) {
     std::mt19937 random(4);
     for (int i = 0; i < 3000; ++i) {
-        std::vector<RowSpan> spans = random_spans(random, i % 12);
+        std::vector<RowSpan> spans = random_spans(random, i % 40);
         std::vector<int> painted(kWidth, -1);
         for (const RowSpan& span : spans) {
             for (int c = span.begin; c < span.end; ++c) {
