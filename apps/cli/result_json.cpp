@@ -2,9 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "apps/cli/result_json.h"
 
-#include <fmt/compile.h>
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -26,6 +23,7 @@ constexpr std::size_t kBufferSize = std::size_t{1} << 16;
 
 constexpr std::uint64_t kMillion = 1000000;
 constexpr double kMostMillionths = 1e15;  // a double holds any 15 digits
+constexpr std::size_t kLongestNumber = 32;
 
 /// What the library makes of one value: any text or number at all.
 std::string any_json(const ordered_json& value) {
@@ -33,74 +31,91 @@ std::string any_json(const ordered_json& value) {
 }
 
 /// Most texts stand as they are.
-std::string json_of(const std::string& value) {
+void append(std::string& text, const std::string& value) {
     const bool plain =
         std::all_of(value.begin(), value.end(), [](char c) { return c >= ' ' && c <= '~' && c != '"' && c != '\\'; });
-    return plain ? '"' + value + '"' : any_json(value);
+    if (plain) {
+        text.append(1, '"').append(value).append(1, '"');
+    } else {
+        text += any_json(value);
+    }
+}
+
+// put() writes a value at a place and tells where it ends. All but texts are short, so there is room for a whole zone.
+
+template <std::size_t size>
+char* put(char* at, const char (&literal)[size]) {
+    return std::copy_n(literal, size - 1, at);
+}
+
+char* put(char* at, std::uint64_t value) {
+    return std::to_chars(at, at + kLongestNumber, value).ptr;
+}
+
+char* put(char* at, bool value) {
+    return value ? put(at, "true") : put(at, "false");
 }
 
 /// A number of whole millionths, as areas and percents are stored. Of so few digits no others read back as the same
 /// number, so these are the shortest.
-std::string json_of_millionths(std::uint64_t millionths) {
-    std::string text = fmt::format_int(millionths / kMillion).str();
-    const std::size_t point = text.size();
-    text += fmt::format_int(kMillion + millionths % kMillion).str();
-    text[point] = '.';  // in place of the 1 that kept the zeros behind it
-    text.resize(std::max(text.find_last_not_of('0') + 1, point + 2));
-    return text;
+char* put_millionths(char* at, std::uint64_t millionths) {
+    char* const point = put(at, millionths / kMillion);
+    char* end = put(point, kMillion + millionths % kMillion);
+    *point = '.';  // in place of the 1 that kept the zeros behind it
+    while (end[-1] == '0' && end - point > 2) {
+        --end;
+    }
+    return end;
 }
 
 /// The shortest digits that read back as the same number. Most numbers need no exponent.
-std::string json_of(double value) {
+char* put(char* at, double value) {
     const double magnitude = std::abs(value);
     if (value != 0 && !(magnitude >= 1e-4 && magnitude < 1e15)) {
-        return any_json(value);
+        const std::string text = any_json(value);
+        return std::copy(text.begin(), text.end(), at);
     }
     if (!std::signbit(value) && value < kMostMillionths / kMillion) {
         const auto millionths = static_cast<std::uint64_t>(value * kMillion + 0.5);
         if (static_cast<double>(millionths) / kMillion == value) {
-            return json_of_millionths(millionths);
+            return put_millionths(at, millionths);
         }
     }
-    std::array<char, 40> room;
-    char* const end = std::to_chars(room.begin(), room.end(), value, std::chars_format::fixed).ptr;
-    const std::string digits(room.data(), end);
-    return digits.find('.') == std::string::npos ? digits + ".0" : digits;
+    char* const end = std::to_chars(at, at + kLongestNumber, value, std::chars_format::fixed).ptr;
+    return std::find(at, end, '.') == end ? put(end, ".0") : end;
 }
 
-void append_zone(fmt::memory_buffer& text, const ZoneResult& zone) {
-    fmt::format_to(fmt::appender(text), FMT_COMPILE(R"(
-    {{
-      "value": {},
-      "total_area": {},
-      "impervious_area": {},
-      "percent": {},
-      "complete": {},
-      "cells": {},
-      "nodata_cells": {},
-      "touches_nodata": {},
-      "beyond_raster": {},
-      "no_cell": {}
-    }})"),
-                   json_of(zone.value), json_of(zone.total_area), json_of(zone.impervious_area), json_of(zone.percent),
-                   zone.complete(), zone.cells, zone.nodata_cells, zone.touches_nodata, zone.beyond_raster,
-                   zone.without_cells());
+void append_zone(std::string& text, const ZoneResult& zone) {
+    text += "\n    {\n      \"value\": ";
+    append(text, zone.value);
+    std::array<char, 1024> room;
+    char* at = room.data();
+    at = put(put(at, ",\n      \"total_area\": "), zone.total_area);
+    at = put(put(at, ",\n      \"impervious_area\": "), zone.impervious_area);
+    at = put(put(at, ",\n      \"percent\": "), zone.percent);
+    at = put(put(at, ",\n      \"complete\": "), zone.complete());
+    at = put(put(at, ",\n      \"cells\": "), zone.cells);
+    at = put(put(at, ",\n      \"nodata_cells\": "), zone.nodata_cells);
+    at = put(put(at, ",\n      \"touches_nodata\": "), zone.touches_nodata);
+    at = put(put(at, ",\n      \"beyond_raster\": "), zone.beyond_raster);
+    at = put(put(at, ",\n      \"no_cell\": "), zone.without_cells());
+    text.append(room.data(), put(at, "\n    }"));
 }
 
 /// Writes the members of the array, through a buffer of some kilobytes.
 void write_zones(std::ostream& out, const std::vector<ZoneResult>& zones) {
-    fmt::memory_buffer text;
+    std::string text;
     for (const ZoneResult& zone : zones) {
         if (text.size() >= kBufferSize) {
-            out << std::string_view(text.data(), text.size());
+            out << text;
             text.clear();
         }
         if (&zone != zones.data()) {
-            text.push_back(',');
+            text += ',';
         }
         append_zone(text, zone);
     }
-    out << std::string_view(text.data(), text.size()) << (zones.empty() ? "" : "\n  ");
+    out << text << (zones.empty() ? "" : "\n  ");
 }
 
 ordered_json totals(const RunResult& result) {
