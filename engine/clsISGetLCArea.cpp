@@ -185,11 +185,13 @@ bool clsISGetLCArea::CalculateAreas(const Tabulation& tabulation, double factor,
     for (std::size_t column = 0; column < tabulation.columns.size(); ++column) {
         const std::vector<std::uint64_t>& cells = tabulation.columns[column].cells;
         const int field = 2 + 2 * static_cast<int>(column);
+        Table::NumberSetter areas = table.number_setter(field);
+        Table::NumberSetter impervious_areas = table.number_setter(field + 1);
         for (std::size_t row = 0; row < cells.size(); ++row) {
             if (cells[row] != 0) {
                 const double area = static_cast<double>(cells[row]) * tabulation.cell_area;
-                table.set_number(row, field, area * factor);
-                table.set_number(row, field + 1, area * factor * coefficients[row][column] / 100);
+                areas.set(row, area * factor);
+                impervious_areas.set(row, area * factor * coefficients[row][column] / 100);
             }
         }
     }

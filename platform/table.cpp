@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/table.h"
 
-#include "platform/conversions.h"
 #include "platform/errors.h"
 
 #include <algorithm>
@@ -157,6 +156,15 @@ void Table::set_number(std::size_t row, int field, double value, int line) {
     check_row(row, line);
     const std::size_t column = column_of(field, line);
     own_column(column)[row] = round_to_scale(value, m_fields[static_cast<std::size_t>(field)].scale);
+}
+
+Table::NumberSetter Table::number_setter(int field, int line) {
+    std::vector<double>& column = own_column(column_of(field, line));
+    return {std::span(column).first(row_count()), m_fields[static_cast<std::size_t>(field)].scale};
+}
+
+void Table::NumberSetter::refuse_row(std::size_t row, int line) {
+    throw RuntimeError(kSubscriptOutOfRange, "A table has no row " + std::to_string(row), "Kestrel", line);
 }
 
 std::size_t Table::column_of(int field, int line) const {

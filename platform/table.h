@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/conversions.h"
 #include "platform/field.h"
 
 namespace kestrel::platform {
@@ -61,6 +62,27 @@ class Table {
     /// All values of a number field, row by row; until the table is changed.
     std::span<const double> numbers(int field, int line = __builtin_LINE()) const;
     void set_number(std::size_t row, int field, double value, int line = __builtin_LINE());
+    /// Sets many numbers of one field, as set_number() does.
+    class NumberSetter {
+      public:
+        /// \throws RuntimeError 9 when there is no such row.
+        void set(std::size_t row, double value, int line = __builtin_LINE()) {
+            if (row >= m_numbers.size()) {
+                refuse_row(row, line);
+            }
+            m_numbers[row] = round_to_scale(value, m_scale);
+        }
+
+      private:
+        friend class Table;
+        NumberSetter(std::span<double> numbers, int scale) : m_numbers(numbers), m_scale(scale) {}
+        [[noreturn]] static void refuse_row(std::size_t row, int line);
+
+        std::span<double> m_numbers;
+        int m_scale;
+    };
+    /// For a number field; until the table is changed in other ways, or copied.
+    NumberSetter number_setter(int field, int line = __builtin_LINE());
 
   private:
     /// Position in m_numbers.

@@ -149,6 +149,23 @@ TEST(Table, NumbersAreRoundedToTheScaleOfTheirField) {
     EXPECT_EQ(table.number(0, whole), 8);
 }
 
+TEST(Table, ManyNumbersOfAFieldAreSetAsOneIs) {
+    Table table = area_table();
+    table.add_rows({"1", "2", "3", "4"});
+    const Table before = table;
+    Table::NumberSetter setter = table.number_setter(2);
+    const std::vector<double> values{1.23456789, 0, -0.0000004, 1e15};
+    for (std::size_t row = 0; row < values.size(); ++row) {
+        setter.set(row, values[row]);
+        table.set_number(row, 3, values[row]);
+        EXPECT_EQ(table.number(row, 2), table.number(row, 3));
+    }
+    EXPECT_EQ(table.number(0, 2), 1.234568);
+    EXPECT_EQ(before.number(0, 2), 0);
+    EXPECT_EQ(error_of([&] { setter.set(4, 1); }).number(), 9);
+    EXPECT_EQ(error_of([&] { static_cast<void>(table.number_setter(1)); }).number(), 9);
+}
+
 TEST(Table, AFieldThatIsAddedLaterStartsWithZeroInEveryRow) {
     Table table = area_table();
     table.add_row("1");
