@@ -32,6 +32,7 @@ OutputRecord output_record_of(const ModelRun& run) {
                         .decimal_degrees = run.map().distance_units() == platform::kDecimalDegrees,
                         .field_names = run.output.field_names(),
                         .analysis_values = {}};
+    record.analysis_values.reserve(run.groups.count());
     for (std::size_t i = 0; i < run.groups.count(); ++i) {
         record.analysis_values.push_back(run.groups.text(i));
     }

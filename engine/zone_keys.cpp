@@ -34,6 +34,8 @@ ZoneGroups::ZoneGroups(const std::vector<Value>& values) : m_group_of(values.siz
     if (!std::is_sorted(order.begin(), order.end(), is_before)) {  // numbers of zones often ascend
         std::stable_sort(order.begin(), order.end(), is_before);
     }
+    m_values.reserve(order.size());
+    m_texts.reserve(order.size());
     for (std::size_t i = 0; i < order.size(); ++i) {
         if (i == 0 || before(values[order[i - 1]], values[order[i]])) {
             m_values.push_back(values[order[i]]);

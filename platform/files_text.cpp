@@ -114,8 +114,9 @@ void TextWriter::close(int line) {
 }
 
 void TextWriter::flush_buffer(int line) {
-    const std::string bytes = std::exchange(m_buffer, {});  // a failed write is not tried again
-    if (const int error = write_all(m_descriptor, bytes)) {
+    const int error = write_all(m_descriptor, m_buffer);
+    m_buffer.clear();  // a failed write is not tried again
+    if (error != 0) {
         throw path_error(error, m_path, line);
     }
 }
