@@ -17,6 +17,7 @@
 #include "parameters/named_control.h"
 #include "platform/contracts/interaction.h"
 #include "platform/files.h"
+#include "records/find_words.h"
 
 namespace kestrel {
 
@@ -215,15 +216,11 @@ void frmHelpBrowser2::find(QTextDocument::FindFlags direction) {
         begin_search();
         return;
     }
-    bool found = brwHelp->find(text, direction);
-    if (!found) {
-        // Once around the page.
-        QTextCursor start = brwHelp->textCursor();
-        start.movePosition(direction.testFlag(QTextDocument::FindBackward) ? QTextCursor::End : QTextCursor::Start);
-        brwHelp->setTextCursor(start);
-        found = brwHelp->find(text, direction);
+    const FoundWords found = find_words(text, brwHelp->textCursor(), direction);
+    if (!found.place.isNull()) {
+        brwHelp->setTextCursor(found.place);
     }
-    lblFound->setText(found ? QString() : QStringLiteral("Not found"));
+    lblFound->setText(found.place.isNull() ? QStringLiteral("Not found") : QString());
 }
 
 void frmHelpBrowser2::begin_search() {

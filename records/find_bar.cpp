@@ -8,6 +8,7 @@
 #include <QTextCursor>
 
 #include "host/error_report.h"
+#include "records/find_words.h"
 #include "records/viewer_texts.h"
 
 namespace kestrel {
@@ -88,23 +89,15 @@ void FindBar::find(QTextDocument::FindFlags direction) {
         open();
         return;
     }
-    const bool backward = direction.testFlag(QTextDocument::FindBackward);
-    const char* result = "";
-    const QTextDocument& document = *m_text.document();
-    QTextCursor found = document.find(txtFind->text(), m_text.textCursor(), direction);
-    if (found.isNull()) {
-        result = backward ? viewer_texts::kFromTheEnd : viewer_texts::kFromTheBeginning;
-        QTextCursor other_end(m_text.document());
-        other_end.movePosition(backward ? QTextCursor::End : QTextCursor::Start);
-        found = document.find(txtFind->text(), other_end, direction);
-    }
-    if (found.isNull()) {
-        result = viewer_texts::kNotFound;
+    const FoundWords found = find_words(txtFind->text(), m_text.textCursor(), direction);
+    if (found.place.isNull()) {
+        lblFound->setText(viewer_texts::kNotFound);
         show();  // F3 finds without the bar, too, but this must be seen
-    } else {
-        m_text.setTextCursor(found);
+        return;
     }
-    lblFound->setText(result);
+    m_text.setTextCursor(found.place);
+    const bool backward = direction.testFlag(QTextDocument::FindBackward);
+    lblFound->setText(!found.around ? "" : backward ? viewer_texts::kFromTheEnd : viewer_texts::kFromTheBeginning);
 }
 
 /// It was of other words, or of another text.
