@@ -26,7 +26,7 @@ enum class TextFault {
 
 /// A larger file is not read to its end. Hardly any byte of a text is left out of the store, which holds no more than
 /// kMaxStoreCharacters, so this is ample.
-inline constexpr std::size_t kMaxCoefficientTextBytes = 1024 * 1024;
+inline constexpr std::size_t kMaxCoefficientTextBytes = std::size_t{1024} * 1024;
 
 /// Appends the classes of the text file at `path` to `classes`, up to the first line that is wrong. Lines whose first
 /// field is "Value", in any letter case, are skipped wherever they stand. Needs bounded memory, whatever the file.

@@ -52,7 +52,7 @@ class MergeTest : public testing::Test {
     }
 
     /// Outline of what the store file holds.
-    std::vector<std::string> stored() {
+    std::vector<std::string> stored() const {
         clsISModelProperties props;
         EXPECT_TRUE(basUtil::GetISModelProperties(props, m_store.path));
         return outline(props);

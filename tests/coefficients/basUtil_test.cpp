@@ -145,7 +145,9 @@ TEST_F(basUtilTest, EveryTruncationOfAStoreGivesFalseAndChangesNothing) {
 }
 
 TEST_F(basUtilTest, StoreOf20MegabytesGivesFalseAndChangesNothing) {
-    write_file(m_path, "<ISModelProperties>" + std::string(20'000'000, ' ') + "</ISModelProperties>");
+    std::string blanks;
+    blanks.resize(20'000'000, ' ');
+    write_file(m_path, "<ISModelProperties>" + blanks + "</ISModelProperties>");
     clsISModelProperties props;
     add_default_set(props);
     EXPECT_FALSE(GetISModelProperties(props, m_path));

@@ -299,7 +299,7 @@ std::string repeated(const std::string& line, std::size_t bytes) {
 
 TEST_F(CoefficientText, FileOfTheLimitIsReadWhole) {
     const std::string line = "11,Water,1,2,3\r\n";  // 16 bytes, so the last line ends at the limit
-    EXPECT_EQ(read(repeated(line, 1024 * 1024)).size(), 65536U);
+    EXPECT_EQ(read(repeated(line, std::size_t{1024} * 1024)).size(), 65536U);
 }
 
 TEST_F(CoefficientText, LargerFileOfGoodLinesIsAnOverflowThatNamesTheFile) {
@@ -312,7 +312,8 @@ TEST_F(CoefficientText, LargerFileOfGoodLinesIsAnOverflowThatNamesTheFile) {
 }
 
 TEST_F(CoefficientText, WrongLineIsFoundBeforeTheSizeOfTheFile) {
-    EXPECT_EQ(fault("11,Water,101,0,0\n" + repeated("11,Water,1,2,3\n", 2 * 1024 * 1024)), TextFault::coefficient);
+    EXPECT_EQ(fault("11,Water,101,0,0\n" + repeated("11,Water,1,2,3\n", std::size_t{2} * 1024 * 1024)),
+              TextFault::coefficient);
 }
 
 TEST_F(CoefficientText, LineOfAGigabyteHasNoFiveFields) {

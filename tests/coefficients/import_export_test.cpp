@@ -54,7 +54,7 @@ class ImportTest : public testing::Test {
         return [this](const std::string& name) { m_added.push_back(name + " of " + outline(m_props).back()); };
     }
 
-    std::vector<std::string> stored() {
+    std::vector<std::string> stored() const {
         clsISModelProperties props;
         EXPECT_TRUE(basUtil::GetISModelProperties(props, m_store.path));
         return outline(props);
@@ -279,7 +279,7 @@ TEST_F(ImportTest, LineOfAGigabyteIsRefusedInLittleMemory) {
         const bool imported = import("New");
         const bool said = m_user.boxes.size() == 1 &&
                           m_user.boxes.front().text.starts_with("Incorrect number of fields detected in your import ");
-        ::_exit(imported ? 1 : !said ? 2 : peak_memory() - before > 64 * 1024 * 1024 ? 3 : 0);
+        ::_exit(imported ? 1 : !said ? 2 : peak_memory() - before > std::int64_t{64} * 1024 * 1024 ? 3 : 0);
     }
     int status = -1;
     ::waitpid(child, &status, 0);
@@ -311,7 +311,7 @@ TEST_F(ImportTest, FolderInPlaceOfAFileIsReported) {
 
 TEST_F(ImportTest, FileOfTooManyGoodLinesIsReported) {
     std::string lines;
-    while (lines.size() <= 1024 * 1024)
+    while (lines.size() <= std::size_t{1024} * 1024)
         lines += "11,Water,1,2,3\r\n";
     platform::write_file(m_path, lines);
     EXPECT_FALSE(import("New"));

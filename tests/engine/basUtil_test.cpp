@@ -284,7 +284,7 @@ class Intersect : public testing::Test {
                     {{{Box{0, 0, 2, 2}}, {std::int64_t{1}, 99.0}}, {{Box{2, 0, 4, 2}}, {std::int64_t{2}, 99.0}}});
         world.layer("overlay", {test::real_field("ID")}, {{{Box{1, 0, 3, 1}}, {5.5}}, {{Box{1, 1, 2, 2}}, {6.5}}});
     }
-    platform::FeatureClass features(const std::string& name) {
+    platform::FeatureClass features(const std::string& name) const {
         return platform::FeatureClass::open({.path = world.folder / (name + ".shp")});
     }
 

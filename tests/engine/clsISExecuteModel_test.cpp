@@ -29,7 +29,7 @@ class Run : public testing::Test {
         world.layer("sheds", {test::integer_field("ID")},
                     {{{Box{0, 0, 2, 2}}, {std::int64_t{2}}}, {{Box{2, 0, 4, 2}}, {std::int64_t{1}}}});
     }
-    void expect_silence() {
+    void expect_silence() const {
         EXPECT_THAT(world.said.boxes, IsEmpty());
         EXPECT_THAT(world.said.call_stacks, IsEmpty());
     }

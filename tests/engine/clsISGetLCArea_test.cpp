@@ -41,7 +41,7 @@ class LandCoverAreas : public testing::Test {
   protected:
     /// Lays zones of these values over the land cover; with density polygons when there are any.
     void zones(const std::vector<Shape>& shapes, const std::vector<Value>& values,
-               const std::vector<Shape>& density = {}, std::vector<std::uint8_t> digits = {}) {
+               const std::vector<Shape>& density = {}, const std::vector<std::uint8_t>& digits = {}) {
         groups = ZoneGroups(values);
         run_zones = RunZones{.zones = test::shared_polygons_of(shapes, world.cell),
                              .density = digits.empty() ? nullptr : test::shared_polygons_of(density, world.cell),

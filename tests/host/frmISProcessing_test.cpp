@@ -397,7 +397,7 @@ TEST_F(ProcessingWindowFonts, NothingIsCutOffOfALongTextOrStep) {
 class NotedProgress final : public platform::Progress {
   public:
     explicit NotedProgress(std::vector<std::string>& notes) : m_notes(notes) {}
-    ~NotedProgress() override { m_notes.push_back(waiting_form() != nullptr ? "gone first" : "gone last"); }
+    ~NotedProgress() override { m_notes.emplace_back(waiting_form() != nullptr ? "gone first" : "gone last"); }
     NotedProgress(const NotedProgress&) = delete;
     NotedProgress& operator=(const NotedProgress&) = delete;
 

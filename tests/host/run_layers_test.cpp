@@ -25,7 +25,7 @@ class RunLayersTest : public testing::Test {
     void copy_sheds_to(const std::string& folder, const std::string& name) {
         fs::create_directories(m_data / folder);
         for (const char* extension : {".shp", ".shx", ".dbf", ".prj", ".cpg"}) {
-            fs::copy_file(m_data / ("sheds" + std::string(extension)), m_data / (folder + "/" + name + extension));
+            fs::copy_file(m_data / ("sheds" + std::string(extension)), fs::path(m_data / folder) / (name + extension));
         }
     }
 

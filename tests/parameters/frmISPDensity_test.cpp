@@ -136,7 +136,7 @@ TEST_F(DensityTest, AMissingFieldIsRefusedBeforeTheBounds) {
 }
 
 TEST_F(DensityTest, AnOverflowIsReportedAndTheDialogStays) {
-    in_density([this](QDialog& dialog) {
+    in_density([](QDialog& dialog) {
         type(dialog, "txtHigh", "1e999");
         type(dialog, "txtLow", "1");
         press(dialog, "cmdOK");

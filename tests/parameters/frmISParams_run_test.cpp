@@ -245,6 +245,10 @@ TEST_F(RunTest, AFailedRunLeavesMapAndDiskAsTheyWere) {
 
 TEST_F(RunTest, AnOutputThatIsAnInputIsRefusedBeforeAnythingIsDeleted) {
     fill();
+    const auto refusal = [](const std::string& path) {
+        return warning("The output '" + path + "' would replace the input '" + path +
+                       "', or files that belong to it. Give another output name.");
+    };
     for (const char* input : {"sheds", "plan"}) {
         boxes().clear();
         if (std::string(input) == "plan") {
@@ -256,8 +260,7 @@ TEST_F(RunTest, AnOutputThatIsAnInputIsRefusedBeforeAnythingIsDeleted) {
         const std::string path = m_world.folder / (std::string(input) + ".shp");
         type_output(path);
         click("cmdISRun");
-        EXPECT_THAT(boxes(), ElementsAre(warning("The output '" + path + "' would replace the input '" + path +
-                                                 "', or files that belong to it. Give another output name.")));
+        EXPECT_THAT(boxes(), ElementsAre(refusal(path)));
         EXPECT_EQ(focused(), "txtOutputTheme");
         EXPECT_EQ(names_in(m_world.folder.path()), before);
         EXPECT_THAT(m_world.temp(), IsEmpty()) << "no parameter file is written";

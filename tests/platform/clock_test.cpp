@@ -101,8 +101,8 @@ TEST(SystemClock, GivesLocalTimeInTheTimeZoneOfTheEnvironment) {
     const std::time_t before = std::time(nullptr);
     const std::time_t shown = seconds_of(SystemClock().now());
     const std::time_t after = std::time(nullptr);
-    EXPECT_GE(shown, before + 5 * 3600 + 1800);
-    EXPECT_LE(shown, after + 5 * 3600 + 1800);
+    EXPECT_GE(shown, before + std::time_t{5} * 3600 + 1800);
+    EXPECT_LE(shown, after + std::time_t{5} * 3600 + 1800);
 }
 
 }  // namespace

@@ -31,7 +31,8 @@ Grid small_grid(bool south_up) {
 /// The cells of every feature, as spans of all bands say.
 std::vector<std::vector<std::uint8_t>> swept_cells(const PolygonSet& polygons, const Grid& grid, int rows_per_band) {
     const EdgeSweep sweep(polygons, grid, rows_per_band);
-    const auto cells = static_cast<std::size_t>(grid.columns * grid.rows);
+    const auto columns = static_cast<std::size_t>(grid.columns);
+    const std::size_t cells = columns * static_cast<std::size_t>(grid.rows);
     std::vector<std::vector<std::uint8_t>> inside(polygons.feature_count(), std::vector<std::uint8_t>(cells, 0));
     EdgeSweep::Scratch scratch;
     std::vector<std::vector<RowSpan>> rows;
@@ -43,9 +44,9 @@ std::vector<std::vector<std::uint8_t>> swept_cells(const PolygonSet& polygons, c
                 EXPECT_LE(0, span.begin);
                 EXPECT_LT(span.begin, span.end);
                 EXPECT_LE(span.end, grid.columns);
-                const int line = (sweep.first_row(band) + static_cast<int>(row)) * grid.columns;
+                const std::size_t line = (static_cast<std::size_t>(sweep.first_row(band)) + row) * columns;
                 for (int column = span.begin; column < span.end; ++column) {
-                    ++inside[span.owner][static_cast<std::size_t>(line + column)];
+                    ++inside[span.owner][line + static_cast<std::size_t>(column)];
                 }
             }
         }
