@@ -171,7 +171,8 @@ class Nest {
         rings.push_back(is_shell ? shell(ring) : hole(ring));
         const double quarter = size * 3 / 8;
         for (int i = 0; i < 4; ++i) {
-            fill(x + size / 8 + i % 2 * quarter, y + size / 8 + i / 2 * quarter, quarter, !is_shell, true);
+            const int row = i / 2;
+            fill(x + size / 8 + i % 2 * quarter, y + size / 8 + row * quarter, quarter, !is_shell, true);
         }
     }
 

@@ -388,7 +388,7 @@ TEST(ShapefileWriter, MissingFolderIsAnErrorThatNamesThePath) {
     const TemporaryFolder folder;
     const std::vector<Field> fields{{"A", "", FieldType::integer, 4}};
     try {
-        ShapefileWriter(folder / "missing/out.shp", fields, {});
+        const ShapefileWriter writer(folder / "missing/out.shp", fields, {});
         FAIL() << "no error";
     } catch (const RuntimeError& error) {
         EXPECT_EQ(error.number(), 76);

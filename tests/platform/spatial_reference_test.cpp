@@ -282,7 +282,8 @@ TEST(Project, ThereAndBackIsWithinAMicrometre) {
     set.begin_ring();
     constexpr int kCount = 150000;  // more than two chunks
     for (int i = 0; i < kCount; ++i) {
-        set.add({300000 + i % 1000 * 40.0, 4100000 + i / 1000 * 40.0});
+        const int row = i / 1000;
+        set.add({300000 + i % 1000 * 40.0, 4100000 + row * 40.0});
     }
     const PolygonSet before = set;
     const auto utm = SpatialReference::from("EPSG:26912");

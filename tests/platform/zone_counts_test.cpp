@@ -50,7 +50,7 @@ TEST(ZoneCounts, RowsInAnyOrderAreSummedAsByAMap) {
     for (const std::uint32_t zones : {1U, 7U, 5000U}) {
         std::vector<ZoneCounts::Row> rows;
         std::map<std::tuple<std::uint32_t, std::uint32_t, std::uint32_t, std::int32_t>, std::uint64_t> expected;
-        for (int i = 0; i < 4000; ++i) {
+        for (std::uint32_t i = 0; i < 4000; ++i) {
             const auto zone = static_cast<std::uint32_t>(random() % zones);
             const std::uint32_t overlay = random() % 3 == 0 ? static_cast<std::uint32_t>(random() % 5) : kNoOverlay;
             const auto set = static_cast<std::uint32_t>(random() % 3);
