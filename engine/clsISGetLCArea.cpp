@@ -3,6 +3,7 @@
 #include "engine/clsISGetLCArea.h"
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <numeric>
 
@@ -183,16 +184,13 @@ bool clsISGetLCArea::CalculateAreas(const Tabulation& tabulation, double factor,
     }
     table.add_rows(std::move(zones));
     for (std::size_t column = 0; column < tabulation.columns.size(); ++column) {
-        const std::vector<std::uint64_t>& cells = tabulation.columns[column].cells;
         const int field = 2 + 2 * static_cast<int>(column);
         Table::NumberSetter areas = table.number_setter(field);
         Table::NumberSetter impervious_areas = table.number_setter(field + 1);
-        for (std::size_t row = 0; row < cells.size(); ++row) {
-            if (cells[row] != 0) {
-                const double area = static_cast<double>(cells[row]) * tabulation.cell_area;
-                areas.set(row, area * factor);
-                impervious_areas.set(row, area * factor * coefficients[row][column] / 100);
-            }
+        for (const auto& [row, cells] : tabulation.columns[column].entries) {
+            const double area = static_cast<double>(cells) * tabulation.cell_area;
+            areas.set(row, area * factor);
+            impervious_areas.set(row, area * factor * coefficients[row][column] / 100);
         }
     }
     return true;
@@ -204,8 +202,11 @@ void clsISGetLCArea::list_unknown_classes(const Tabulation& tabulation, const Co
                                           const std::string& key) {
     for (const Tabulation::Column& column : tabulation.columns) {
         if (lookup.coefficient(platform::text_of(column.land_class), key) == CoefficientLookup::kNoCoefficient) {
+            const auto& entries = column.entries;
             m_unknown_classes.push_back(
-                {column.land_class, std::accumulate(column.cells.begin(), column.cells.end(), std::uint64_t{0})});
+                {column.land_class,
+                 std::transform_reduce(entries.begin(), entries.end(), std::uint64_t{0}, std::plus<>(),
+                                       [](const Tabulation::Entry& entry) { return entry.cells; })});
         }
     }
 }

@@ -14,31 +14,46 @@ namespace {
 
 constexpr std::uint32_t kNoRow = UINT32_MAX;
 
-/// The columns of a tabulation while it is filled, in the order in which their classes are met.
+/// The columns of a tabulation while it is filled, in whatever order cells come.
 class ColumnsByClass {
   public:
-    explicit ColumnsByClass(std::size_t rows) : m_rows(rows) {}
-
-    std::vector<std::uint64_t>& cells_of(std::int32_t land_class) {
+    void add(std::int32_t land_class, std::uint32_t row, std::uint64_t cells) {
         // The few classes that there are mostly differ in their last digits.
         Tabulation::Column*& recent = m_recent[static_cast<std::uint32_t>(land_class) % m_recent.size()];
         if (recent == nullptr || recent->land_class != land_class) {
             recent = &m_columns.try_emplace(land_class, Tabulation::Column{land_class, {}}).first->second;
-            recent->cells.resize(m_rows);
         }
-        return recent->cells;
+        recent->entries.push_back({row, cells});
     }
 
     std::vector<Tabulation::Column> take() {
         std::vector<Tabulation::Column> columns;
         for (auto& [land_class, column] : m_columns) {
+            put_in_order(column.entries);
             columns.push_back(std::move(column));
         }
         return columns;
     }
 
   private:
-    std::size_t m_rows;
+    /// One entry for each row, ascending.
+    static void put_in_order(std::vector<Tabulation::Entry>& entries) {
+        const auto before = [](const Tabulation::Entry& a, const Tabulation::Entry& b) { return a.row < b.row; };
+        // Zones that are groups of their own mostly come in the order of their rows.
+        if (!std::is_sorted(entries.begin(), entries.end(), before)) {
+            std::sort(entries.begin(), entries.end(), before);
+        }
+        std::size_t last = 0;
+        for (std::size_t i = 1; i < entries.size(); ++i) {
+            if (entries[i].row == entries[last].row) {
+                entries[last].cells += entries[i].cells;
+            } else {
+                entries[++last] = entries[i];
+            }
+        }
+        entries.resize(last + 1);
+    }
+
     std::map<std::int32_t, Tabulation::Column> m_columns;
     std::array<Tabulation::Column*, 256> m_recent{};
 };
@@ -68,10 +83,10 @@ Tabulation LandCoverCounts::tabulate(Wanted wanted, ClassOf class_of) const {
             result.keys.push_back(m_keys.text(key));
         }
     }
-    ColumnsByClass columns(result.keys.size());
+    ColumnsByClass columns;
     for (const ZoneCounts::Row& row : m_counts.rows) {
         if (const std::uint32_t key = key_of(row); key != ZoneKeys::kNoKey) {
-            columns.cells_of(class_of(row))[row_of_key[key]] += row.cells;
+            columns.add(class_of(row), row_of_key[key], row.cells);
         }
     }
     result.columns = columns.take();

@@ -13,10 +13,15 @@ namespace kestrel {
 /// The area of each land-cover class within each zone, as cells: one row for each zone that has a cell, one column for
 /// each class that occurs in one.
 struct Tabulation {
+    struct Entry {
+        std::uint32_t row = 0;
+        std::uint64_t cells = 0;
+    };
     struct Column {
         std::int32_t land_class = 0;
-        /// The cells of the class in each row.
-        std::vector<std::uint64_t> cells{};
+        /// The rows that have cells of the class, ascending: a raster may hold thousands of classes, few of them in
+        /// each zone.
+        std::vector<Entry> entries{};
     };
 
     /// Area of one cell, in square map units.

@@ -78,14 +78,14 @@ std::size_t visit(LayerReading& reading, std::optional<std::span<const std::int6
     std::size_t count = 0;
     if (by_id) {
         for (const std::int64_t id : *ids) {
-            if (const OGRFeatureUniquePtr feature = reading.at(id)) {
+            if (const FeaturePointer feature = reading.at(id)) {
                 take(*feature);
                 ++count;
             }
         }
         return count;
     }
-    while (const OGRFeatureUniquePtr feature = reading.next()) {
+    while (const FeaturePointer feature = reading.next()) {
         if (!ids || std::binary_search(ids->begin(), ids->end(), std::int64_t{feature->GetFID()})) {
             take(*feature);
             ++count;

@@ -5,6 +5,7 @@
 #include <cpl_error.h>
 #include <cpl_string.h>
 #include <fmt/format.h>
+#include <ogrsf_frmts.h>
 
 #include <algorithm>
 
@@ -13,6 +14,10 @@
 #include "platform/gdal_support.h"
 
 namespace kestrel::platform {
+
+void DeleteFeature::operator()(OGRFeature* feature) const {
+    OGRFeature::DestroyFeature(feature);
+}
 
 std::string driver_name(GDALDataset& dataset) {
     const GDALDriver* const driver = dataset.GetDriver();
@@ -61,7 +66,7 @@ OpenLayer open_layer(const FeatureSource& source) {
     start_gdal();
     CPLErrorReset();
     OpenLayer open;
-    open.dataset.reset(
+    open.dataset = GDALDatasetUniquePtr(
         GDALDataset::Open(source.path.c_str(), GDAL_OF_VECTOR | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR));
     if (open.dataset == nullptr) {
         throw gdal_open_error(fmt::format("{} cannot be opened", source.path), source.path);
@@ -115,14 +120,14 @@ void LayerReading::go_to(std::int64_t position) {
 }
 
 /// The driver says only through its error state why it stopped.
-OGRFeatureUniquePtr LayerReading::next() {
-    OGRFeatureUniquePtr feature(m_layer.GetNextFeature());
+FeaturePointer LayerReading::next() {
+    FeaturePointer feature(m_layer.GetNextFeature());
     check(!gdal_failed());
     return feature;
 }
 
-OGRFeatureUniquePtr LayerReading::at(std::int64_t id) {
-    OGRFeatureUniquePtr feature(m_layer.GetFeature(id));
+FeaturePointer LayerReading::at(std::int64_t id) {
+    FeaturePointer feature(m_layer.GetFeature(id));
     if (feature == nullptr) {
         CPLErrorReset();
     }

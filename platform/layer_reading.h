@@ -2,9 +2,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <gdal_priv.h>
-#include <ogrsf_frmts.h>
-
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -13,17 +10,26 @@
 #include "platform/feature_class.h"
 #include "platform/field.h"
 
+class GDALDataset;
+class OGRFeature;
+class OGRLayer;
+
 /// \file
 /// For this folder's own sources: layers of features as OGR reads them.
 namespace kestrel::platform {
 
 /// A layer, the dataset that it lies in, and what to call it in messages; used on one thread at a time.
 struct OpenLayer {
-    GDALDatasetUniquePtr dataset;
+    std::shared_ptr<GDALDataset> dataset;
     OGRLayer* layer = nullptr;
     /// The path, and the layer's name where it is not the path's own.
     std::string label;
 };
+
+struct DeleteFeature {
+    void operator()(OGRFeature* feature) const;
+};
+using FeaturePointer = std::unique_ptr<OGRFeature, DeleteFeature>;
 
 /// Opens the layer of a source, with its filter set. \throws RuntimeError as FeatureClass::open() does.
 OpenLayer open_layer(const FeatureSource& source);
@@ -51,9 +57,9 @@ class LayerReading {
     /// Goes on at the feature of that position, of a layer that is numbered from 0 without gaps.
     void go_to(std::int64_t position);
     /// The next feature, nothing at the end.
-    OGRFeatureUniquePtr next();
+    FeaturePointer next();
     /// The feature of that id, nothing when there is none.
-    OGRFeatureUniquePtr at(std::int64_t id);
+    FeaturePointer at(std::int64_t id);
 
   private:
     void check(bool good) const;

@@ -3,6 +3,7 @@
 #include "platform/polygon_reading.h"
 
 #include <fmt/format.h>
+#include <ogrsf_frmts.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -115,7 +116,7 @@ class PartReader {
         PolygonFeatures part;
         part.columns.resize(m_choice.positions.size());
         for (; count > 0; --count) {
-            const OGRFeatureUniquePtr feature = m_reading.next();
+            const FeaturePointer feature = m_reading.next();
             if (feature == nullptr || feature->GetFID() >= end) {
                 break;
             }

@@ -24,8 +24,9 @@ std::vector<std::string> lines_of(const Tabulation& tabulation) {
     for (std::size_t row = 0; row < tabulation.keys.size(); ++row) {
         std::string line = tabulation.keys[row] + ":";
         for (const Tabulation::Column& column : tabulation.columns) {
-            const std::uint64_t cells = column.cells.at(row);
-            line += cells == 0 ? "" : fmt::format(" {}x{}", column.land_class, cells);
+            for (const Tabulation::Entry& entry : column.entries) {
+                line += entry.row == row ? fmt::format(" {}x{}", column.land_class, entry.cells) : "";
+            }
         }
         lines.push_back(line);
     }
