@@ -46,7 +46,8 @@ int main(int argc, char** argv) {
         return 2;
     }
     GDALAllRegister();
-    GDALSetCacheMax64(std::int64_t{64} << 20);  // nothing is read twice
+    // Room for the tiles of a mosaic under a few rows of its own blocks, and not a share of the memory.
+    GDALSetCacheMax64(std::int64_t{512} << 20);
     const int threads = argc > 2 ? std::atoi(argv[2]) : static_cast<int>(std::thread::hardware_concurrency());
     const auto begin = std::chrono::steady_clock::now();
     std::atomic<int> next = 0;

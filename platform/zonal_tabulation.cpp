@@ -62,16 +62,19 @@ ZoneCounts tabulate(const RasterDataset& raster, const TabulationInput& input, i
     }
     StopFlag counting(progress);
     std::vector<std::unique_ptr<BandCounter>> counters(static_cast<std::size_t>(workers));
-    for_each_item(static_cast<std::size_t>(plan.layers.zones.band_count()), workers, counting, "Counting land cover",
-                  [&](std::size_t band, int worker) {
-                      auto& counter = counters[static_cast<std::size_t>(worker)];
-                      if (!counter) {
-                          counter = std::make_unique<BandCounter>(raster.reopened(), plan, counting.stopped());
-                          // A worker's share of the zones, and some that others meet in their bands too.
-                          counter->reserve(plan.zone_count / counters.size() * 5 / 4);
-                      }
-                      counter->count(static_cast<int>(band));
-                  });
+    const auto bands = static_cast<std::size_t>(plan.layers.zones.band_count());
+    const bool all = for_each_item(bands, workers, counting, "Counting land cover", [&](std::size_t band, int worker) {
+        auto& counter = counters[static_cast<std::size_t>(worker)];
+        if (!counter) {
+            counter = std::make_unique<BandCounter>(raster.reopened(), plan, counting.stopped());
+            // A worker's share of the zones, and some that others meet in their bands too.
+            counter->reserve(plan.zone_count / counters.size() * 5 / 4);
+        }
+        counter->count(static_cast<int>(band));
+    });
+    if (!all) {
+        return {};
+    }
     std::erase(counters, nullptr);
     return gathered(counters, plan.zone_count);
 }
