@@ -9,6 +9,7 @@
 #include <random>
 
 #include "tests/support/exact_reference.h"
+#include "tests/support/listening_progress.h"
 
 namespace kestrel::platform {
 namespace {
@@ -217,23 +218,11 @@ TEST(EdgeSweep, IsTheSameWithAnyNumberOfThreads) {
 }
 
 TEST(EdgeSweep, StopsWhenToldSo) {
-    class Stop final : public Progress {
-      public:
-        bool report(double fraction, std::string_view) override {
-            m_fraction = fraction;
-            ++m_reports;
-            return false;
-        }
-        bool cancelled() const override { return m_reports > 0; }
-        int m_reports = 0;
-        double m_fraction = -1;
-    };
     const Grid grid = small_grid(false);
     const PolygonSet polygons = stars(grid, 97, 3000);
-    Stop stop;
+    test::ListeningProgress stop(1);
     const EdgeSweep sweep(polygons, grid, {0, grid.rows}, 2, stop);
-    EXPECT_EQ(stop.m_reports, 1) << "it does not ask again";
-    EXPECT_EQ(stop.m_fraction, 0);
+    EXPECT_EQ(stop.fractions, std::vector<double>{0}) << "it does not ask again";
 }
 
 TEST(EdgeSweep, BandsThatNoEdgeReachesAreEmpty) {

@@ -19,6 +19,7 @@
 
 #include "platform/feature_class.h"
 #include "tests/support/dissolved_copy.h"
+#include "tests/support/listening_progress.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel::platform {
@@ -275,22 +276,6 @@ TEST(Dissolve, AnswersTheSameEveryTimeAndOnEveryThread) {
     EXPECT_TRUE(equal(first, second));
 }
 
-/// Hears everything, and stops at a given report.
-class ListeningProgress final : public Progress {
-  public:
-    explicit ListeningProgress(std::size_t stop_at) : m_stop_at(stop_at) {}
-    bool report(double fraction, std::string_view) override {
-        m_fractions.push_back(fraction);
-        return !cancelled();
-    }
-    bool cancelled() const override { return m_fractions.size() >= m_stop_at; }
-    const std::vector<double>& fractions() const { return m_fractions; }
-
-  private:
-    std::size_t m_stop_at;
-    std::vector<double> m_fractions;
-};
-
 /// Pairs of overlapping circles, the two of a pair in one group: work for a good part of a second.
 std::pair<PolygonSet, Groups> overlapping_pairs() {
     PolygonSet set;
@@ -331,12 +316,12 @@ TEST(Dissolve, AGroupOfOneFeatureIsThatOfTheInputAndNotACopy) {
 
 TEST(Dissolve, TellsProgressWithoutFallingAndNotTooOften) {
     const auto [set, groups] = overlapping_pairs();
-    ListeningProgress progress(1000000);
+    test::ListeningProgress progress;
     const auto start = std::chrono::steady_clock::now();
     const auto result = dissolve(std::make_shared<PolygonSet>(set), groups, groups.size() / 2, progress);
     const auto elapsed = std::chrono::steady_clock::now() - start;
     EXPECT_EQ(result.feature_count(), groups.size() / 2);
-    const auto& fractions = progress.fractions();
+    const auto& fractions = progress.fractions;
     ASSERT_GE(fractions.size(), 1U);
     EXPECT_LE(fractions.size(), static_cast<std::size_t>(elapsed / std::chrono::milliseconds(50)) + 2);
     EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
@@ -346,9 +331,9 @@ TEST(Dissolve, TellsProgressWithoutFallingAndNotTooOften) {
 
 TEST(Dissolve, AsksNoMoreOnceItIsToldToStop) {
     const auto [set, groups] = overlapping_pairs();
-    ListeningProgress progress(1);
+    test::ListeningProgress progress(1);
     dissolve(std::make_shared<PolygonSet>(set), groups, groups.size() / 2, progress);
-    EXPECT_EQ(progress.fractions().size(), 1U);
+    EXPECT_EQ(progress.fractions.size(), 1U);
     EXPECT_TRUE(progress.cancelled());
 }
 

@@ -14,6 +14,7 @@
 #include "platform/files.h"
 #include "platform/shapefile_writer.h"
 #include "tests/support/error_of.h"
+#include "tests/support/listening_progress.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel::platform {
@@ -76,23 +77,6 @@ void expect_same(const PolygonFeatures& one, const PolygonFeatures& other) {
         ASSERT_EQ(one.polygons.first_ring_of(f), other.polygons.first_ring_of(f));
     }
 }
-
-/// Hears everything, and stops at a given report.
-class Listener final : public Progress {
-  public:
-    explicit Listener(std::size_t stop_at = static_cast<std::size_t>(-1)) : m_stop_at(stop_at) {}
-    bool report(double fraction, std::string_view text) override {
-        fractions.push_back(fraction);
-        texts.emplace_back(text);
-        return !cancelled();
-    }
-    bool cancelled() const override { return fractions.size() >= m_stop_at; }
-    std::vector<double> fractions;
-    Names texts;
-
-  private:
-    std::size_t m_stop_at;
-};
 
 TEST(PolygonReading, IsTheSameWithAnyNumberOfThreadsAndFeatureByFeature) {
     const TemporaryFolder folder;
@@ -203,12 +187,12 @@ TEST(PolygonReading, TheFirstBadFeatureIsToldWhateverTheThreads) {
 TEST(PolygonReading, TellsOfItselfAndStopsWhenTold) {
     const TemporaryFolder folder;
     const auto layer = FeatureClass::open({write_layer(folder / "zones.shp", kCount)});
-    Listener all;
+    test::ListeningProgress all;
     layer.read_polygons({}, all, 2);
     EXPECT_EQ(all.fractions.front(), 0);
     EXPECT_TRUE(std::is_sorted(all.fractions.begin(), all.fractions.end()));
     EXPECT_THAT(all.texts, Each("Reading the layers"));
-    Listener stops(1);
+    test::ListeningProgress stops(1);
     EXPECT_LT(layer.read_polygons({}, stops, 2).ids.size(), static_cast<std::size_t>(kCount));
     EXPECT_EQ(stops.fractions.size(), 1U);
     NoProgress nobody;

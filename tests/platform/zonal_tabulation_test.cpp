@@ -11,6 +11,7 @@
 #include "platform/errors.h"
 #include "platform/files.h"
 #include "tests/support/exact_reference.h"
+#include "tests/support/listening_progress.h"
 #include "tests/support/raster_files.h"
 #include "tests/support/test_files.h"
 
@@ -341,39 +342,26 @@ TEST_F(ZonalTabulation, TheFirstValueThatIsNoCodeIsNamedWhateverTheThreads) {
 }
 
 TEST_F(ZonalTabulation, ProgressRisesFromNothingAndIsOfTheWholeCall) {
-    class Hear final : public Progress {
-      public:
-        bool report(double fraction, std::string_view text) override {
-            fractions.push_back(fraction);
-            EXPECT_EQ(text, "Counting land cover");
-            return true;
-        }
-        bool cancelled() const override { return false; }
-        std::vector<double> fractions;
-    };
     std::mt19937 random(18);
     const Scene scene = random_scene(random, 1);
     const std::string path = m_folder / "cells.tif";
     test::write_raster(path, scene.raster);
-    Hear hear;
+    test::ListeningProgress hear;
     tabulate(RasterDataset::open(path), input_of(scene), 2, hear);
     ASSERT_GE(hear.fractions.size(), 2U);
     EXPECT_EQ(hear.fractions.front(), 0);
     EXPECT_TRUE(std::is_sorted(hear.fractions.begin(), hear.fractions.end()));
     EXPECT_LE(hear.fractions.back(), 1);
+    EXPECT_EQ(hear.texts.front(), "Counting land cover");
+    EXPECT_EQ(hear.texts.back(), "Counting land cover");
 }
 
 TEST_F(ZonalTabulation, StoppingEndsTheWorkSoon) {
-    class Stop final : public Progress {
-      public:
-        bool report(double, std::string_view) override { return false; }
-        bool cancelled() const override { return true; }
-    };
     std::mt19937 random(16);
     const Scene scene = random_scene(random, 0);
     const std::string path = m_folder / "cells.tif";
     test::write_raster(path, scene.raster);
-    Stop stop;
+    test::ListeningProgress stop(1);
     // Nothing may be concluded from the counts; what matters is that the call returns.
     EXPECT_NO_THROW(tabulate(RasterDataset::open(path), input_of(scene), 2, stop));
 }
