@@ -9,6 +9,7 @@
 #include "tests/support/failing_event.h"
 #include "tests/support/failing_interaction.h"
 #include "tests/support/failure.h"
+#include "tests/support/leaks_of_qt.h"
 
 /// \file
 /// What the call stack of an error says: its bottom line is the procedure that failed, with its module.
@@ -103,6 +104,7 @@ TEST_F(ErrorsTest, AnotherDocumentReportsUnderItsName) {
 }
 
 TEST_F(ErrorsTest, PuttingTheListsBackReportsWhatTheListsBelowCouldNotReport) {
+    const LeaksOfQt forgiven;
     type_output(out("is"));
     tab();
     choose("cboAnalysisTheme", "blocks");
@@ -117,6 +119,7 @@ TEST_F(ErrorsTest, PuttingTheListsBackReportsWhatTheListsBelowCouldNotReport) {
 }
 
 TEST_F(ErrorsTest, ANewSetReportsUnderItsName) {
+    const LeaksOfQt forgiven;
     click("cmdDSAdd");
     QObject::connect(list("cboDSToClass(0)").model(), &QAbstractItemModel::rowsInserted, fail_denied);
     EXPECT_THAT(reported_by([this] { choose("cboLCType", "Valley"); }), ElementsAre(entry("cboLCType_Click ISParams")));
@@ -165,6 +168,7 @@ TEST_F(ErrorsTest, ADensityLayerChosenWithoutAHostReportsItsClick) {
 }
 
 TEST_F(ErrorsTest, TheBoundsOfDensityReportUnderTheirNames) {
+    const LeaksOfQt forgiven;
     in_dialog([this](QDialog& dialog) {
         for (const auto& [box, mirror, procedure] : {std::tuple{"txtHigh", "txtMed(1)", "txtHigh_Change ISPDensity"},
                                                      {"txtLow", "txtMed(0)", "txtLow_Change ISPDensity"}}) {

@@ -13,6 +13,7 @@
 #include "records/frmISTParams.h"
 #include "tests/support/failing_interaction.h"
 #include "tests/support/failure.h"
+#include "tests/support/leaks_of_qt.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
 #include "tests/support/user_actions.h"
@@ -224,6 +225,7 @@ std::string report_of(const std::string& procedure) {
 }
 
 TEST_F(FindBarTest, FailuresAreReportedUnderTheProceduresNames) {
+    const LeaksOfQt forgiven;
     look_for("roads");
     key(Qt::Key_Return);
     auto failing = QObject::connect(&text(), &QPlainTextEdit::cursorPositionChanged, fail_denied);
