@@ -46,6 +46,9 @@ class ErrorsTest : public ParamsTest {
     void lose(const std::string& layer) { platform::remove_file(m_world.folder / (layer + ".shp")); }
 };
 
+/// Errors that pass through Qt, which then keeps texts of its own and of the form's lists.
+class ErrorsThroughQtTest : private LeaksOfQt, public ErrorsTest {};
+
 TEST_F(ErrorsTest, ButtonsThatLeaveTheOutputBoxReportUnderTheirOwnNames) {
     click("cmdDSAdd");
     for (const auto& [button, procedure] : {std::pair{"cmdDSAdd", "cmdDSAdd_Click ISParams"},
@@ -103,8 +106,7 @@ TEST_F(ErrorsTest, AnotherDocumentReportsUnderItsName) {
                 ElementsAre(entry("OpenDocument ISParams")));
 }
 
-TEST_F(ErrorsTest, PuttingTheListsBackReportsWhatTheListsBelowCouldNotReport) {
-    const LeaksOfQt forgiven;
+TEST_F(ErrorsThroughQtTest, PuttingTheListsBackReportsWhatTheListsBelowCouldNotReport) {
     type_output(out("is"));
     tab();
     choose("cboAnalysisTheme", "blocks");
@@ -118,8 +120,7 @@ TEST_F(ErrorsTest, PuttingTheListsBackReportsWhatTheListsBelowCouldNotReport) {
     EXPECT_TRUE(m_form->isVisible());
 }
 
-TEST_F(ErrorsTest, ANewSetReportsUnderItsName) {
-    const LeaksOfQt forgiven;
+TEST_F(ErrorsThroughQtTest, ANewSetReportsUnderItsName) {
     click("cmdDSAdd");
     QObject::connect(list("cboDSToClass(0)").model(), &QAbstractItemModel::rowsInserted, fail_denied);
     EXPECT_THAT(reported_by([this] { choose("cboLCType", "Valley"); }), ElementsAre(entry("cboLCType_Click ISParams")));
@@ -167,8 +168,7 @@ TEST_F(ErrorsTest, ADensityLayerChosenWithoutAHostReportsItsClick) {
     choose_option(3);
 }
 
-TEST_F(ErrorsTest, TheBoundsOfDensityReportUnderTheirNames) {
-    const LeaksOfQt forgiven;
+TEST_F(ErrorsThroughQtTest, TheBoundsOfDensityReportUnderTheirNames) {
     in_dialog([this](QDialog& dialog) {
         for (const auto& [box, mirror, procedure] : {std::tuple{"txtHigh", "txtMed(1)", "txtHigh_Change ISPDensity"},
                                                      {"txtLow", "txtMed(0)", "txtLow_Change ISPDensity"}}) {
