@@ -13,8 +13,12 @@ namespace kestrel::test {
 class LeaksOfQt {
   public:
 #if defined(__SANITIZE_ADDRESS__)
-    LeaksOfQt() { __lsan_disable(); }
-    ~LeaksOfQt() { __lsan_enable(); }
+    LeaksOfQt() {
+        __lsan_disable();
+    }
+    ~LeaksOfQt() {
+        __lsan_enable();
+    }
 #else
     LeaksOfQt() {}
     ~LeaksOfQt() {}
