@@ -4,7 +4,9 @@
 // The units that a run spends its time in: the sweep, counting under spans, dissolving, checking polygons.
 #include <benchmark/benchmark.h>
 
+#include <memory>
 #include <random>
+#include <utility>
 
 #include "platform/cell_runs.h"
 #include "platform/edge_cancelling.h"
@@ -65,14 +67,18 @@ void CountRuns(benchmark::State& state) {
 }
 BENCHMARK(CountRuns)->Arg(2)->Arg(12)->Arg(100);
 
-void DissolveByCancelling(benchmark::State& state) {
-    const auto polygons = std::make_shared<const PolygonSet>(coverage(static_cast<int>(state.range(0))));
+void dissolve_into_one(benchmark::State& state, PolygonSet given) {
+    const auto polygons = std::make_shared<const PolygonSet>(std::move(given));
     const std::vector<std::uint32_t> one_group(polygons->feature_count(), 0);
     NoProgress nobody;
     for (auto _ : state) {
         benchmark::DoNotOptimize(dissolve(polygons, one_group, 1, nobody, 1));
     }
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(polygons->point_count()));
+}
+
+void DissolveByCancelling(benchmark::State& state) {
+    dissolve_into_one(state, coverage(static_cast<int>(state.range(0))));
 }
 BENCHMARK(DissolveByCancelling)->Arg(8)->Arg(64)->UseRealTime();  // another thread does the work
 
@@ -98,13 +104,7 @@ PolygonSet bricks(int side) {
 }
 
 void DissolveByArrangement(benchmark::State& state) {
-    const auto polygons = std::make_shared<const PolygonSet>(bricks(static_cast<int>(state.range(0))));
-    const std::vector<std::uint32_t> one_group(polygons->feature_count(), 0);
-    NoProgress nobody;
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(dissolve(polygons, one_group, 1, nobody, 1));
-    }
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(polygons->point_count()));
+    dissolve_into_one(state, bricks(static_cast<int>(state.range(0))));
 }
 BENCHMARK(DissolveByArrangement)->Arg(8)->Arg(64)->UseRealTime();  // another thread does the work
 

@@ -110,7 +110,7 @@ void EdgeSweep::set_bands() {
 
 /// A counting sort by band; within a band the edges stay in the order of the features. Each part of the features counts
 /// and places its own edges, so that parts can be worked on at the same time.
-bool EdgeSweep::deal_out_edges(int threads, Progress& progress) {
+void EdgeSweep::deal_out_edges(int threads, Progress& progress) {
     if (m_polygons.point_count() > std::numeric_limits<std::uint32_t>::max()) {
         throw RuntimeError(kOutOfMemory, "The polygons have more than 4,294,967,295 vertices: split the layer");
     }
@@ -131,7 +131,7 @@ bool EdgeSweep::deal_out_edges(int threads, Progress& progress) {
         for_each_band_of_an_edge(part, [](std::size_t& count, const Edge&) { ++count; });
     });
     if (!counted) {
-        return false;
+        return;
     }
     m_band_begin.clear();
     std::size_t position = 0;
@@ -144,7 +144,7 @@ bool EdgeSweep::deal_out_edges(int threads, Progress& progress) {
     m_band_begin.push_back(position);
     m_edges.resize(position);
     PartOfProgress placing(progress, kCountingShare, 1);
-    return for_each_item(parts, threads, placing, kText, [&](std::size_t part, int) {
+    for_each_item(parts, threads, placing, kText, [&](std::size_t part, int) {
         for_each_band_of_an_edge(part, [&](std::size_t& place, const Edge& edge) { m_edges[place++] = edge; });
     });
 }

@@ -75,7 +75,7 @@ class EdgeSweep {
     static std::size_t index(int i) noexcept { return static_cast<std::size_t>(i); }
     void set_tolerances();
     void set_bands();
-    bool deal_out_edges(int threads, Progress& progress);
+    void deal_out_edges(int threads, Progress& progress);
     template <typename Take>
     void for_each_edge(std::size_t first_feature, std::size_t end_feature, Take take) const;
     UpwardEdge upward(const Edge& edge) const noexcept;

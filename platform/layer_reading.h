@@ -54,7 +54,7 @@ class LayerReading {
     void keep_only(const std::vector<Field>& fields, const std::vector<int>& kept, bool geometry);
     /// Lets only features pass that suit `where` besides the source's own filter.
     void filter(const std::string& where);
-    /// Goes on at the feature of that position, of a layer that is numbered from 0 without gaps.
+    /// Goes on at the record of that number, deleted ones counted; for a layer that numbers its records from 0.
     void go_to(std::int64_t position);
     /// The next feature, nothing at the end.
     FeaturePointer next();

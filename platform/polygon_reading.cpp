@@ -51,7 +51,7 @@ namespace {
 /// Features that are read as one item of work, so that it can be stopped soon.
 constexpr std::int64_t kFeaturesPerItem = 1024;
 
-/// Whether records are numbered from 0 and can be read from any of them on.
+/// Whether records are numbered from 0, which is their id, and can be read from any of them on.
 bool numbered(const OpenLayer& open, const FeatureSource& source) {
     return source.subset.empty() && driver_name(*open.dataset) == "ESRI Shapefile" &&
            open.layer->TestCapability(OLCFastSetNextByIndex) != 0;

@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <numeric>
 
-#include "platform/errors.h"
-
 namespace kestrel::platform {
 
 namespace {
@@ -28,14 +26,6 @@ std::vector<std::uint32_t> join_sets(std::vector<std::vector<std::uint32_t>>& ou
         }
     }
     return positions;
-}
-
-void add_rows(std::vector<ZoneCounts::Row>& rows, const std::vector<ZoneCounts::Row>& more,
-              const std::vector<std::uint32_t>& set_positions) {
-    for (ZoneCounts::Row row : more) {
-        row.scenario_set = set_positions[row.scenario_set];
-        rows.push_back(row);
-    }
 }
 
 /// Deals the rows out to their zones and sorts them there: each zone has few.
@@ -107,19 +97,6 @@ void ZoneCounts::put_in_order() {
     }
     ordered.resize(used_sets);  // join_sets() has put those that no row uses behind them
     scenario_sets = std::move(ordered);
-}
-
-void ZoneCounts::merge(const ZoneCounts& other) {
-    if (touches_nodata.size() != other.touches_nodata.size()) {
-        throw RuntimeError(kInvalidProcedureCall, "Counts of different zones cannot be merged");
-    }
-    const auto positions = add_scenario_sets(other.scenario_sets);
-    add_rows(rows, other.rows, positions);
-    add_rows(nodata_rows, other.nodata_rows, positions);
-    for (std::size_t i = 0; i < touches_nodata.size(); ++i) {
-        touches_nodata[i] = touches_nodata[i] | other.touches_nodata[i];
-    }
-    put_in_order();
 }
 
 }  // namespace kestrel::platform

@@ -43,13 +43,10 @@ struct ZoneCounts {
     /// For each zone polygon, whether it touches the closed square of a NODATA cell.
     std::vector<std::uint8_t> touches_nodata;
 
-    /// Adds the counts of another part of the raster for the same zones, overlay and scenarios.
-    /// \throws RuntimeError 5 when the numbers of zones differ.
-    void merge(const ZoneCounts& other);
     /// Adds the sets that are missing. \return the position of each of `sets` among `scenario_sets`.
     std::vector<std::uint32_t> add_scenario_sets(const std::vector<std::vector<std::uint32_t>>& sets);
-    /// Puts the sets of scenarios that are in use and the rows into their order, each row once: the same table whatever
-    /// order the cells were counted in.
+    /// To be called when rows were appended. Puts the sets of scenarios that are in use and the rows into their order,
+    /// each row once: the same table whatever order the cells were counted in.
     void put_in_order();
 };
 

@@ -8,37 +8,42 @@
 #include <random>
 #include <tuple>
 
-#include "platform/errors.h"
-
 namespace kestrel::platform {
 namespace {
 
-ZoneCounts part(std::vector<ZoneCounts::Row> rows, std::vector<std::vector<std::uint32_t>> sets,
-                std::vector<std::uint8_t> touches) {
+ZoneCounts part(std::vector<ZoneCounts::Row> rows, std::vector<std::vector<std::uint32_t>> sets) {
     ZoneCounts counts;
     counts.rows = std::move(rows);
     counts.scenario_sets = std::move(sets);
-    counts.touches_nodata = std::move(touches);
     return counts;
 }
 
-TEST(ZoneCounts, PartsOfARasterMergeBySumAndByOr) {
-    ZoneCounts counts = part({{0, kNoOverlay, 0, 21, 5}, {1, kNoOverlay, 0, 21, 7}}, {{}}, {0, 1, 0});
-    counts.merge(part({{0, kNoOverlay, 0, 11, 2}, {1, kNoOverlay, 0, 21, 3}}, {{}}, {1, 0, 0}));
-    EXPECT_EQ(counts.rows, (std::vector<ZoneCounts::Row>{
-                               {0, kNoOverlay, 0, 11, 2}, {0, kNoOverlay, 0, 21, 5}, {1, kNoOverlay, 0, 21, 10}}));
-    EXPECT_EQ(counts.touches_nodata, (std::vector<std::uint8_t>{1, 1, 0}));
+/// The counts of several parts of a raster together, each with sets of scenarios of its own.
+ZoneCounts together(const std::vector<ZoneCounts>& parts) {
+    ZoneCounts counts;
+    for (const ZoneCounts& one : parts) {
+        const auto positions = counts.add_scenario_sets(one.scenario_sets);
+        for (ZoneCounts::Row row : one.rows) {
+            row.scenario_set = positions[row.scenario_set];
+            counts.rows.push_back(row);
+        }
+    }
+    counts.put_in_order();
+    return counts;
 }
 
-TEST(ZoneCounts, TheOrderOfMergingDoesNotShow) {
-    const ZoneCounts a = part({{0, 4, 1, 21, 5}}, {{}, {1}}, {0});
-    const ZoneCounts b = part({{0, 4, 2, 21, 1}, {0, 4, 1, 21, 2}}, {{}, {0}, {0, 1}}, {0});
-    ZoneCounts ab = part({}, {{}}, {0});
-    ab.merge(a);
-    ab.merge(b);
-    ZoneCounts ba = part({}, {{}}, {0});
-    ba.merge(b);
-    ba.merge(a);
+TEST(ZoneCounts, RowsOfTheSamePlaceAreSummed) {
+    const ZoneCounts counts = together({part({{0, kNoOverlay, 0, 21, 5}, {1, kNoOverlay, 0, 21, 7}}, {{}}),
+                                        part({{0, kNoOverlay, 0, 11, 2}, {1, kNoOverlay, 0, 21, 3}}, {{}})});
+    EXPECT_EQ(counts.rows, (std::vector<ZoneCounts::Row>{
+                               {0, kNoOverlay, 0, 11, 2}, {0, kNoOverlay, 0, 21, 5}, {1, kNoOverlay, 0, 21, 10}}));
+}
+
+TEST(ZoneCounts, TheOrderOfThePartsDoesNotShow) {
+    const ZoneCounts a = part({{0, 4, 1, 21, 5}}, {{}, {1}});
+    const ZoneCounts b = part({{0, 4, 2, 21, 1}, {0, 4, 1, 21, 2}}, {{}, {0}, {0, 1}});
+    const ZoneCounts ab = together({a, b});
+    const ZoneCounts ba = together({b, a});
     EXPECT_EQ(ab.scenario_sets, (std::vector<std::vector<std::uint32_t>>{{}, {0}, {0, 1}, {1}}));
     EXPECT_EQ(ab.scenario_sets, ba.scenario_sets);
     EXPECT_EQ(ab.rows, ba.rows);
@@ -77,20 +82,10 @@ TEST(ZoneCounts, NoRowsAreInOrder) {
 }
 
 TEST(ZoneCounts, SetsOfScenariosThatNoCellHasAreDropped) {
-    ZoneCounts counts = part({{0, kNoOverlay, 2, 21, 5}}, {{}, {0}, {0, 1}}, {0});
+    ZoneCounts counts = part({{0, kNoOverlay, 2, 21, 5}}, {{}, {0}, {0, 1}});
     counts.put_in_order();
     EXPECT_EQ(counts.scenario_sets, (std::vector<std::vector<std::uint32_t>>{{}, {0, 1}}));
     EXPECT_EQ(counts.rows.at(0).scenario_set, 1U);
-}
-
-TEST(ZoneCounts, CountsOfOtherZonesAreRefused) {
-    ZoneCounts counts = part({}, {{}}, {0, 0});
-    try {
-        counts.merge(part({}, {{}}, {0}));
-        FAIL() << "merged";
-    } catch (const RuntimeError& error) {
-        EXPECT_EQ(error.number(), kInvalidProcedureCall);
-    }
 }
 
 }  // namespace
