@@ -7,7 +7,7 @@ import sys
 
 import tree
 
-names = [name for name in tree.files("") if not name.startswith(("tests/data/", "etc/"))
+names = [name for name in tree.files("") if not name.startswith(("tests/fixtures/", "etc/"))
          and name != "tests/checks/spelling_exceptions.txt"]
 command = ["codespell", "--ignore-words", str(tree.ROOT / "tests/checks/spelling_exceptions.txt"),
            "--ignore-regex", r"\\[nrt]",  # an escape in a text is no part of the word that follows

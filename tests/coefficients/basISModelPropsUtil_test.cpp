@@ -186,7 +186,7 @@ TEST_F(MergeTest, MissingOrMalformedFileSaysSoAndChangesNothing) {
 }
 
 TEST_F(MergeTest, FileWithAValueThatIsNoNumberIsReportedByTheLoadAndThenRefused) {
-    EXPECT_FALSE(merge(test::data_path("coefficients/isprops_missing_class_id.xml")));
+    EXPECT_FALSE(merge(test::fixture_path("coefficients/isprops_missing_class_id.xml")));
     ASSERT_THAT(m_user.call_stacks, SizeIs(1));
     EXPECT_THAT(m_user.call_stacks.front(), HasSubstr("\tGetISModelProperties basUtil Line : "));
     EXPECT_THAT(m_user.boxes, ElementsAre(MessageBox{"Failed To Load XML - Invalid file format.", "", Icon::exclamation,

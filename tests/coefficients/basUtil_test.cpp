@@ -22,7 +22,7 @@ using platform::read_file;
 using platform::write_file;
 using test::add_default_set;
 using test::add_set;
-using test::data_path;
+using test::fixture_path;
 using test::land_class;
 using test::outline;
 using testing::ElementsAre;
@@ -35,9 +35,9 @@ class basUtilTest : public testing::Test {
   protected:
     void SetUp() override { platform::create_folder(m_folder / "etc"); }
 
-    std::string fixture(const std::string& name) const { return read_file(data_path("coefficients/" + name)); }
+    std::string fixture(const std::string& name) const { return read_file(fixture_path("coefficients/" + name)); }
     bool load_fixture(clsISModelProperties& props, const std::string& name) {
-        return GetISModelProperties(props, data_path("coefficients/" + name));
+        return GetISModelProperties(props, fixture_path("coefficients/" + name));
     }
     bool no_box_no_report() const { return m_user.boxes.empty() && m_user.call_stacks.empty(); }
 

@@ -98,7 +98,7 @@ class ReadParams : public testing::Test {
 };
 
 TEST_F(ReadParams, WorkedExampleReadsBackThroughEveryProperty) {
-    read(platform::read_file(test::data_path("parameters/worked_example.txt")));
+    read(platform::read_file(test::fixture_path("parameters/worked_example.txt")));
     expect_silence();
     EXPECT_EQ(m_reader.AnalysisTheme(), "subwatersheds");
     EXPECT_EQ(m_reader.AnalysisFieldName(), "SHED_ID");
@@ -120,7 +120,7 @@ TEST_F(ReadParams, WorkedExampleReadsBackThroughEveryProperty) {
 }
 
 TEST_F(ReadParams, EveryOtherLineLandsInTheParameterDictionary) {
-    read(platform::read_file(test::data_path("parameters/worked_example.txt")));
+    read(platform::read_file(test::fixture_path("parameters/worked_example.txt")));
     EXPECT_THAT(keys_of(parameters()), ElementsAre("VIEW", "LCTHEME", "LCUNITS", "ANALYSISTHEME", "ANALYSISUNIT",
                                                    "POPDENSITY", "POPDENSITYTHEME", "POPDENSITYFLD", "POPDENSITYHIGH",
                                                    "POPDENSITYMED", "POPDENSITYLOW", "OUTTHEME", "OUTTHEMENAME"));
@@ -323,7 +323,7 @@ std::vector<int> errors_of_properties(const clsReadParams& reader) {
 }
 
 TEST_F(ReadParams, EveryPropertyReadFailsAfterFlushParameters) {
-    read(platform::read_file(test::data_path("parameters/worked_example.txt")));
+    read(platform::read_file(test::fixture_path("parameters/worked_example.txt")));
     EXPECT_EQ(errors_of_properties(m_reader), std::vector<int>(12, 0));
     m_reader.FlushParameters();
     EXPECT_EQ(errors_of_properties(m_reader), std::vector<int>(12, 91));
@@ -384,7 +384,7 @@ std::string mutated(std::string text, std::mt19937& random) {
 }
 
 TEST_F(ReadParams, AnyMutationOfAFileIsReadOrReportedAndTheReaderStaysUsable) {
-    const std::string whole = platform::read_file(test::data_path("parameters/worked_example.txt"));
+    const std::string whole = platform::read_file(test::fixture_path("parameters/worked_example.txt"));
     std::mt19937 random(20031115);
     std::size_t reported = 0;
     for (int i = 0; i < 500; ++i) {

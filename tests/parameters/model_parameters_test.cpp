@@ -102,7 +102,7 @@ TEST_F(WriteModelParameters, WorkedExampleMatchesTheFixture) {
     ModelParameters choices = choices_with_option(3);
     choices.scenarios = {{2, "new_parcels", "High Intensity Developed", "2"}};
     EXPECT_TRUE(write(choices));
-    EXPECT_EQ(read_file(m_temp + "/model_params.txt"), read_file(test::data_path("parameters/worked_example.txt")));
+    EXPECT_EQ(read_file(m_temp + "/model_params.txt"), read_file(test::fixture_path("parameters/worked_example.txt")));
     EXPECT_THAT(m_user.boxes, IsEmpty());
     EXPECT_THAT(m_user.call_stacks, IsEmpty());
 }

@@ -39,12 +39,12 @@ class LayerFile : public testing::Test {
 
 TEST_F(LayerFile, LayerWithoutCoordinateSystemIsWrittenWhole) {
     EXPECT_EQ(layer_file_of({"Subsheds IS", "subsheds.shp", SpatialReference(), three_classes()}),
-              read_file(test::data_path("platform/layer_without_reference.lyr")));
+              read_file(test::fixture_path("platform/layer_without_reference.lyr")));
 }
 
 TEST_F(LayerFile, StyleIsWrittenWhole) {
     write_style_file(m_folder / "subsheds.qml", three_classes());
-    EXPECT_EQ(read_file(m_folder / "subsheds.qml"), read_file(test::data_path("platform/three_classes.qml")));
+    EXPECT_EQ(read_file(m_folder / "subsheds.qml"), read_file(test::fixture_path("platform/three_classes.qml")));
 }
 
 TEST_F(LayerFile, SameLayerGivesTheSameBytes) {
@@ -117,7 +117,7 @@ TEST_F(LayerFile, SymbolsAreOpaqueFillsOfTheClassColours) {
 TEST_F(LayerFile, ExistingFilesAreReplaced) {
     write_file(m_folder / "result.lyr", std::string(100000, 'x'));
     EXPECT_EQ(layer_file_of({"Subsheds IS", "subsheds.shp", SpatialReference(), three_classes()}),
-              read_file(test::data_path("platform/layer_without_reference.lyr")));
+              read_file(test::fixture_path("platform/layer_without_reference.lyr")));
 }
 
 TEST_F(LayerFile, FailureLeavesNothingBehindAndTellsWhere) {

@@ -86,26 +86,26 @@ class Metadata : public testing::Test {
 };
 
 TEST_F(Metadata, MediumOptionOnAPlanarMapMatchesTheFixture) {
-    EXPECT_EQ(metadata_of(test::sample_run("1")), read_file(test::data_path("records/medium_planar.met")));
+    EXPECT_EQ(metadata_of(test::sample_run("1")), read_file(test::fixture_path("records/medium_planar.met")));
 }
 
 TEST_F(Metadata, MediumOptionWithScenariosOnAGeographicMapMatchesTheFixture) {
     EXPECT_EQ(metadata_of(run_with_scenarios("1"), geographic_output()),
-              read_file(test::data_path("records/medium_scenarios_geographic.met")));
+              read_file(test::fixture_path("records/medium_scenarios_geographic.met")));
 }
 
 TEST_F(Metadata, DensityOptionOnAPlanarMapMatchesTheFixture) {
-    EXPECT_EQ(metadata_of(test::sample_run("3")), read_file(test::data_path("records/density_planar.met")));
+    EXPECT_EQ(metadata_of(test::sample_run("3")), read_file(test::fixture_path("records/density_planar.met")));
 }
 
 TEST_F(Metadata, DensityOptionWithScenariosOnAGeographicMapMatchesTheFixture) {
     EXPECT_EQ(metadata_of(run_with_scenarios("3"), geographic_output()),
-              read_file(test::data_path("records/density_scenarios_geographic.met")));
+              read_file(test::fixture_path("records/density_scenarios_geographic.met")));
 }
 
 TEST_F(Metadata, ExistingFileOfTheSameNameIsOverwritten) {
     platform::write_file(m_path, std::string(100000, 'x'));
-    EXPECT_EQ(metadata_of(test::sample_run("1")), read_file(test::data_path("records/medium_planar.met")));
+    EXPECT_EQ(metadata_of(test::sample_run("1")), read_file(test::fixture_path("records/medium_planar.met")));
 }
 
 TEST_F(Metadata, AbstractIsOneLineThatTellsItsContentAndEndsWithTheWebPage) {

@@ -41,28 +41,28 @@ class RunReport : public testing::Test {
 };
 
 TEST_F(RunReport, MediumOptionWithoutScenariosMatchesTheFixture) {
-    EXPECT_EQ(report_of(test::sample_run("1")), read_file(test::data_path("records/medium.prm")));
+    EXPECT_EQ(report_of(test::sample_run("1")), read_file(test::fixture_path("records/medium.prm")));
 }
 
 TEST_F(RunReport, MediumOptionWithScenariosMatchesTheFixture) {
     RunRecord run = test::sample_run("1");
     run.scenarios = test::sample_scenarios();
-    EXPECT_EQ(report_of(run), read_file(test::data_path("records/medium_scenarios.prm")));
+    EXPECT_EQ(report_of(run), read_file(test::fixture_path("records/medium_scenarios.prm")));
 }
 
 TEST_F(RunReport, DensityOptionWithoutScenariosMatchesTheFixture) {
-    EXPECT_EQ(report_of(test::sample_run("3")), read_file(test::data_path("records/density.prm")));
+    EXPECT_EQ(report_of(test::sample_run("3")), read_file(test::fixture_path("records/density.prm")));
 }
 
 TEST_F(RunReport, DensityOptionWithScenariosMatchesTheFixture) {
     RunRecord run = test::sample_run("3");
     run.scenarios = test::sample_scenarios();
-    EXPECT_EQ(report_of(run), read_file(test::data_path("records/density_scenarios.prm")));
+    EXPECT_EQ(report_of(run), read_file(test::fixture_path("records/density_scenarios.prm")));
 }
 
 TEST_F(RunReport, ExistingReportOfTheSameNameIsOverwritten) {
     platform::write_file(m_path, std::string(10000, 'x'));
-    EXPECT_EQ(report_of(test::sample_run("1")), read_file(test::data_path("records/medium.prm")));
+    EXPECT_EQ(report_of(test::sample_run("1")), read_file(test::fixture_path("records/medium.prm")));
 }
 
 TEST_F(RunReport, HighOptionYieldsOneLine) {

@@ -8,7 +8,7 @@
 
 namespace kestrel::test {
 
-/// The run of the fixtures in tests/data/records, without scenarios.
+/// The run of the fixtures in tests/fixtures/records, without scenarios.
 inline RunRecord sample_run(std::string coefficient_option) {
     RunRecord run;
     run.time = {.year = 2003, .month = 11, .day = 6, .hour = 14, .minute = 15, .second = 7};

@@ -25,8 +25,8 @@ TemporaryFolder::~TemporaryFolder() {
     fs::remove_all(m_path, ignored);
 }
 
-std::string data_path(const std::string& name) {
-    return std::string(KESTREL_SOURCE_DIR) + "/tests/data/" + name;
+std::string fixture_path(const std::string& name) {
+    return std::string(KESTREL_SOURCE_DIR) + "/tests/fixtures/" + name;
 }
 
 std::vector<std::string> names_in(const std::string& folder) {

@@ -23,8 +23,8 @@ class TemporaryFolder {
     std::string m_path;
 };
 
-/// Path of a fixture: `name` below tests/data.
-std::string data_path(const std::string& name);
+/// Path of a fixture: `name` below tests/fixtures.
+std::string fixture_path(const std::string& name);
 
 /// Names directly below `folder`, sorted.
 std::vector<std::string> names_in(const std::string& folder);
