@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "coefficients/basISModelPropsUtil.h"
 
+#include "base/files.h"
 #include "coefficients/basUtil.h"
 #include "coefficients/coefficient_text.h"
 #include "coefficients/import_texts.h"
 #include "coefficients/store_texts.h"
 #include "host/error_report.h"
-#include "platform/files.h"
 
 namespace kestrel::basISModelPropsUtil {
 
@@ -108,7 +108,7 @@ bool MergeCoeffsFromFile(clsISModelProperties& props, const std::string& path, c
 }
 
 bool ExportCoeffsToFile(const clsISModelProperties& props, std::string_view set_name, const std::string& path) try {
-    platform::write_file(path, coefficient_text(find_set(props, set_name).get()));
+    base::write_file(path, coefficient_text(find_set(props, set_name).get()));
     return true;
 } catch (...) {
     return reported<bool>({"ExportCoeffsToFile", kModule});

@@ -6,11 +6,11 @@
 
 #include <optional>
 
+#include "base/errors.h"
+#include "base/files.h"
 #include "coefficients/indented_text.h"
 #include "host/error_report.h"
 #include "platform/contracts/interaction.h"
-#include "platform/errors.h"
-#include "platform/files.h"
 
 namespace kestrel::basUtil {
 
@@ -21,15 +21,14 @@ constexpr const char* kModule = "basUtil";
 /// The sentence that names the copy of the store at `path`; empty when there is none.
 std::string where_the_copy_is(const std::string& path) {
     const std::string copy = CoefficientStore::copy_of(path);
-    return platform::file_exists(copy) ? fmt::format(" The last good copy of the store is \"{}\".", copy)
-                                       : std::string();
+    return base::file_exists(copy) ? fmt::format(" The last good copy of the store is \"{}\".", copy) : std::string();
 }
 
 /// Nothing when the file is missing or not well-formed: that is an answer here and no error, so it is not reported.
 std::optional<platform::XmlDocument> load_document(const std::string& path) {
     try {
         return platform::XmlDocument::load(path);
-    } catch (const platform::RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         platform::interaction().notice(error.description() + "." + where_the_copy_is(path));
         return std::nullopt;
     }
@@ -39,15 +38,15 @@ bool loads(const std::string& path) {
     try {
         clsISModelProperties().LoadNode(platform::XmlDocument::load(path).root());
         return true;
-    } catch (const platform::RuntimeError&) {
+    } catch (const base::RuntimeError&) {
         return false;  // what is wrong with the old store does not matter to one who replaces it
     }
 }
 
 /// A store that an overflow has cut must never take the place of a good copy.
 void keep_copy(const std::string& path) {
-    if (platform::file_exists(path) && loads(path)) {
-        platform::copy_file(path, CoefficientStore::copy_of(path));
+    if (base::file_exists(path) && loads(path)) {
+        base::copy_file(path, CoefficientStore::copy_of(path));
     }
 }
 
@@ -66,12 +65,12 @@ bool GetISModelProperties(clsISModelProperties& props, const std::string& path) 
 
 bool PutISModelProperties(const clsISModelProperties& props, const CoefficientStore& store) try {
     const IndentedText layout = indented(props.XML());
-    const platform::FolderLock lock(store.lock_folder);
+    const base::FolderLock lock(store.lock_folder);
     keep_copy(store.path);
-    platform::write_file(store.path, layout.text);
+    base::write_file(store.path, layout.text);
     if (!layout.whole) {
-        throw platform::RuntimeError(
-            platform::kOverflow,
+        throw base::RuntimeError(
+            base::kOverflow,
             fmt::format("Overflow: the coefficient sets are longer than {} characters, so \"{}\" is cut.{}",
                         kMaxStoreCharacters, store.path, where_the_copy_is(store.path)));
     }

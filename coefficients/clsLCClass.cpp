@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "coefficients/clsLCClass.h"
 
-#include "platform/conversions.h"
+#include "base/conversions.h"
 
 namespace kestrel {
 
-using platform::text_of;
+using base::text_of;
 
 void clsLCClass::write_into(platform::XmlElement& element) const {
     element.set_attribute("ID", text_of(ID));
@@ -20,10 +20,10 @@ void clsLCClass::LoadNode(const platform::XmlElement& element) {
     if (!element) {
         return;
     }
-    const std::int32_t id = platform::to_integer(GetNodeText(element, "@ID"));
-    const float high = platform::to_single(GetNodeText(element, "LCHigh"));
-    const float medium = platform::to_single(GetNodeText(element, "LCMed"));
-    const float low = platform::to_single(GetNodeText(element, "LCLow"));
+    const std::int32_t id = base::to_integer(GetNodeText(element, "@ID"));
+    const float high = base::to_single(GetNodeText(element, "LCHigh"));
+    const float medium = base::to_single(GetNodeText(element, "LCMed"));
+    const float low = base::to_single(GetNodeText(element, "LCLow"));
     LCName = GetNodeText(element, "LCName");
     ID = id;
     LCHigh = high;

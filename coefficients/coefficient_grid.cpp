@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/errors.h"
+#include "base/errors.h"
 
 namespace kestrel {
 
@@ -165,7 +165,7 @@ void CoefficientGrid::insert_fresh_row(int row) {
 QTableWidgetItem& CoefficientGrid::item_at(GridCell cell, int line) const {
     QTableWidgetItem* found = item(cell.row - 1, cell.column - 1);
     if (found == nullptr) {
-        throw platform::RuntimeError(platform::kSubscriptOutOfRange, "Subscript out of range", "Kestrel", line);
+        throw base::RuntimeError(base::kSubscriptOutOfRange, "Subscript out of range", "Kestrel", line);
     }
     return *found;
 }

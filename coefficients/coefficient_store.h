@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "platform/files.h"
+#include "base/files.h"
 
 namespace kestrel {
 
@@ -18,12 +18,12 @@ struct CoefficientStore {
     /// The store of an extension folder.
     static CoefficientStore in_extension_folder(const std::string& folder) {
         // The folder stands before "\etc" as it is, whatever its separators.
-        return {platform::join_path(folder, "etc/isprops.xml"), folder + "\\etc\\isprops.xml", folder};
+        return {base::join_path(folder, "etc/isprops.xml"), folder + "\\etc\\isprops.xml", folder};
     }
 
     /// A store in a file of any name.
     static CoefficientStore at(const std::string& path) {
-        const std::string folder = platform::folder_of(path);
+        const std::string folder = base::folder_of(path);
         return {path, path, folder.empty() ? "." : folder};
     }
 

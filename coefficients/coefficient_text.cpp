@@ -13,10 +13,10 @@
 #include <string_view>
 #include <vector>
 
+#include "base/conversions.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "coefficients/indented_text.h"
-#include "platform/conversions.h"
-#include "platform/errors.h"
-#include "platform/files.h"
 
 namespace kestrel {
 
@@ -57,8 +57,8 @@ bool is_header(const Fields& fields) {
 /// Infinity for a number, of either sign, that no double holds.
 double number_in(std::string_view numeric_text) {
     try {
-        return platform::to_double(numeric_text);
-    } catch (const platform::RuntimeError&) {
+        return base::to_double(numeric_text);
+    } catch (const base::RuntimeError&) {
         return std::numeric_limits<double>::infinity();  // out of every range, which is what the caller asks
     }
 }
@@ -74,14 +74,14 @@ bool holds_control_character(std::string_view name) {
 }
 
 std::optional<TextFault> fault_of(const Fields& fields) {
-    if (!platform::numeric(fields[kValue])) {
+    if (!base::numeric(fields[kValue])) {
         return TextFault::format;
     }
     if (!is_class_id(number_in(fields[kValue]))) {
         return TextFault::class_id;
     }
     for (const Column column : {kHigh, kMedium, kLow}) {
-        if (!platform::numeric(fields[column])) {
+        if (!base::numeric(fields[column])) {
             return TextFault::format;
         }
         const double value = number_in(fields[column]);
@@ -97,11 +97,11 @@ std::optional<TextFault> fault_of(const Fields& fields) {
 
 std::shared_ptr<clsLCClass> class_of(const Fields& fields) {
     auto land_class = std::make_shared<clsLCClass>();
-    land_class->ID = platform::to_integer(fields[kValue]);
+    land_class->ID = base::to_integer(fields[kValue]);
     land_class->LCName = fields[kClassName];
-    land_class->LCHigh = platform::to_single(fields[kHigh]);
-    land_class->LCMed = platform::to_single(fields[kMedium]);
-    land_class->LCLow = platform::to_single(fields[kLow]);
+    land_class->LCHigh = base::to_single(fields[kHigh]);
+    land_class->LCMed = base::to_single(fields[kMedium]);
+    land_class->LCLow = base::to_single(fields[kLow]);
     return land_class;
 }
 
@@ -126,18 +126,17 @@ TextFault fault_of_cut_line(std::string_view line, const std::string& path) {
     if (line.size() > 4 * kMaxStoreCharacters) {
         return TextFault::field_count;
     }
-    throw platform::RuntimeError(
-        platform::kOverflow,
-        fmt::format("Overflow: \"{}\" is larger than {} bytes, more than a coefficient store holds", path,
-                    kMaxCoefficientTextBytes));
+    throw base::RuntimeError(
+        base::kOverflow, fmt::format("Overflow: \"{}\" is larger than {} bytes, more than a coefficient store holds",
+                                     path, kMaxCoefficientTextBytes));
 }
 
 }  // namespace
 
 std::optional<TextFault> read_coefficient_text(const std::string& path, clsLCClasses& classes) {
     // Which encoding it is shows only in the whole, so the file is not read line by line.
-    const std::string bytes = platform::read_file_start(path, kMaxCoefficientTextBytes + 1);
-    std::vector<std::string> lines = platform::split_lines(platform::to_utf8(bytes));
+    const std::string bytes = base::read_file_start(path, kMaxCoefficientTextBytes + 1);
+    std::vector<std::string> lines = base::split_lines(base::to_utf8(bytes));
     std::string cut_line;
     const bool cut = bytes.size() > kMaxCoefficientTextBytes;
     if (cut) {
@@ -158,9 +157,9 @@ std::string coefficient_text(const clsISLCDef* set) {
         return text;
     }
     for (const auto& land_class : set->LCClasses) {
-        text += fmt::format("{},{},{},{},{}\r\n", platform::text_of(land_class->ID), land_class->LCName,
-                            platform::text_of(land_class->LCHigh), platform::text_of(land_class->LCMed),
-                            platform::text_of(land_class->LCLow));
+        text += fmt::format("{},{},{},{},{}\r\n", base::text_of(land_class->ID), land_class->LCName,
+                            base::text_of(land_class->LCHigh), base::text_of(land_class->LCMed),
+                            base::text_of(land_class->LCLow));
     }
     return text;
 }

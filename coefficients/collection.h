@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "base/errors.h"
 #include "coefficients/xml_record.h"
-#include "platform/errors.h"
 
 namespace kestrel {
 
@@ -20,7 +20,7 @@ class Collection : public XmlRecord<Self> {
     /// Appends `member`. \throws RuntimeError 91 when it is nothing.
     void Add(std::shared_ptr<Member> member, int line = __builtin_LINE()) {
         if (!member) {
-            throw platform::RuntimeError(platform::kObjectVariableNotSet, "Object variable not set", "Kestrel", line);
+            throw base::RuntimeError(base::kObjectVariableNotSet, "Object variable not set", "Kestrel", line);
         }
         m_members.push_back(std::move(member));
     }
@@ -72,7 +72,7 @@ class Collection : public XmlRecord<Self> {
 
     std::size_t index_of(std::int32_t position, int line) const {
         if (position < 1 || position > Count()) {
-            throw platform::RuntimeError(platform::kSubscriptOutOfRange, "Subscript out of range", "Kestrel", line);
+            throw base::RuntimeError(base::kSubscriptOutOfRange, "Subscript out of range", "Kestrel", line);
         }
         return static_cast<std::size_t>(position) - 1;
     }

@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <limits>
 
+#include "base/conversions.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "coefficients/editor_texts.h"
-#include "platform/conversions.h"
-#include "platform/errors.h"
-#include "platform/files.h"
 
 namespace kestrel::basISModelPropsUtil {
 
@@ -40,14 +40,14 @@ bool names_the_columns(const std::vector<std::string>& fields) {
 /// The number of a numeric text; one beyond a double counts as infinite, which is out of every range.
 double number_of(std::string_view text) {
     try {
-        return platform::to_double(text);
-    } catch (const platform::RuntimeError&) {
+        return base::to_double(text);
+    } catch (const base::RuntimeError&) {
         return std::numeric_limits<double>::infinity();
     }
 }
 
 bool class_value(std::string_view text) {
-    if (!platform::numeric(text) || text.find('.') != std::string_view::npos) {
+    if (!base::numeric(text) || text.find('.') != std::string_view::npos) {
         return false;
     }
     const double value = number_of(text);
@@ -108,9 +108,9 @@ std::optional<platform::MessageBox> entry_fault(int column, std::string_view tex
         return std::nullopt;
     }
     if (column == kValueColumn) {
-        return key != "." && platform::numeric(text) ? std::nullopt : std::optional(editor_texts::value_no_integer());
+        return key != "." && base::numeric(text) ? std::nullopt : std::optional(editor_texts::value_no_integer());
     }
-    if (!platform::numeric(text)) {
+    if (!base::numeric(text)) {
         return editor_texts::coefficient_not_numeric();
     }
     const double value = number_of(text);
@@ -138,7 +138,7 @@ PasteResult paste_block(GridContents& grid, GridCell at, std::string_view block)
     PasteResult result;
     std::size_t row = static_cast<std::size_t>(at.row - kFirstDataRow);
     bool first = true;
-    for (const std::string& line : platform::split_lines(block)) {
+    for (const std::string& line : base::split_lines(block)) {
         const std::vector<std::string> fields = fields_of(line);
         const bool skipped = first && at.column == kValueColumn && names_the_columns(fields);
         first = false;

@@ -6,11 +6,11 @@
 
 #include <algorithm>
 
+#include "base/conversions.h"
+#include "base/errors.h"
 #include "coefficients/basISModelPropsUtil.h"
 #include "coefficients/grid_entry.h"
 #include "host/error_report.h"
-#include "platform/conversions.h"
-#include "platform/errors.h"
 
 namespace kestrel::basISModelPropsUtil {
 
@@ -19,7 +19,7 @@ namespace {
 constexpr const char* kModule = "basISModelPropsUtil";
 
 GridRow row_of(const clsLCClass& land_class) {
-    using platform::text_of;
+    using base::text_of;
     return {"",
             text_of(land_class.ID),
             land_class.LCName,
@@ -35,20 +35,20 @@ bool is_empty(const GridRow& row) {
 /// The text of a cell that must hold a number.
 const std::string& number_in(const GridRow& row, GridColumn column) {
     const std::string& text = row[static_cast<std::size_t>(column)];
-    if (!platform::numeric(text)) {
-        throw platform::RuntimeError(platform::kTypeMismatch,
-                                     fmt::format("Type mismatch: \"{}\" in row {} is no number", text, row[0]));
+    if (!base::numeric(text)) {
+        throw base::RuntimeError(base::kTypeMismatch,
+                                 fmt::format("Type mismatch: \"{}\" in row {} is no number", text, row[0]));
     }
     return text;
 }
 
 clsLCClass class_of(const GridRow& row) {
     clsLCClass land_class;
-    land_class.ID = platform::to_integer(number_in(row, kValueColumn));
+    land_class.ID = base::to_integer(number_in(row, kValueColumn));
     land_class.LCName = row[kNameColumn];
-    land_class.LCHigh = platform::to_single(number_in(row, kHighColumn));
-    land_class.LCMed = platform::to_single(number_in(row, kMediumColumn));
-    land_class.LCLow = platform::to_single(number_in(row, kLowColumn));
+    land_class.LCHigh = base::to_single(number_in(row, kHighColumn));
+    land_class.LCMed = base::to_single(number_in(row, kMediumColumn));
+    land_class.LCLow = base::to_single(number_in(row, kLowColumn));
     return land_class;
 }
 
@@ -129,7 +129,7 @@ bool has_data(const GridRow& row) {
 void number_rows(GridContents& grid) {
     std::int32_t number = 0;
     for (GridRow& row : grid.rows) {
-        row[kNumberColumn] = platform::text_of(++number);
+        row[kNumberColumn] = base::text_of(++number);
     }
 }
 

@@ -6,11 +6,11 @@
 
 #include <algorithm>
 
+#include "base/conversions.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "engine/engine_texts.h"
 #include "host/error_report.h"
-#include "platform/conversions.h"
-#include "platform/errors.h"
-#include "platform/files.h"
 #include "platform/geometry.h"
 
 namespace kestrel::basUtil {
@@ -144,7 +144,7 @@ std::string SetFieldName(const std::string& name, std::span<const Field> table) 
         }
         ++position;
     }
-    const std::string counter = platform::text_of(position);
+    const std::string counter = base::text_of(position);
     // From the 11th field on, a longer counter takes the place of letters: the name must fit.
     const std::size_t letters = std::min<std::size_t>(8, kLongestName - 1 - counter.size());
     return fmt::format("{}_{}", first_bytes(name, letters), counter);
@@ -177,9 +177,8 @@ std::unique_ptr<FeatureClass> CreateShapefile(const std::string& analysisFieldNa
     if (!analysisFieldName.empty()) {
         const int position = original.find_field(analysisFieldName);
         if (position < 0) {
-            throw platform::RuntimeError(
-                platform::kInvalidProcedureCall,
-                fmt::format("The layer \"{}\" has no field \"{}\"", source.name(), analysisFieldName));
+            throw base::RuntimeError(base::kInvalidProcedureCall, fmt::format("The layer \"{}\" has no field \"{}\"",
+                                                                              source.name(), analysisFieldName));
         }
         wanted.push_back(analysisFieldName);
         fields.push_back(analysis_value_field(original.fields()[static_cast<std::size_t>(position)]));
@@ -188,10 +187,10 @@ std::unique_ptr<FeatureClass> CreateShapefile(const std::string& analysisFieldNa
     const PolygonFeatures features = original.read_polygons(wanted, selected);
     if (!features.columns.empty() && fields.front().type == FieldType::text) {
         for (const Value& value : features.columns.front()) {
-            fields.front().length = std::max(fields.front().length, static_cast<int>(platform::text_of(value).size()));
+            fields.front().length = std::max(fields.front().length, static_cast<int>(base::text_of(value).size()));
         }
     }
-    const std::string path = platform::join_path(working_folder, name + ".shp");
+    const std::string path = base::join_path(working_folder, name + ".shp");
     platform::ShapefileWriter writer(path, fields, original.spatial_reference());
     copy_features(features, writer);
     writer.close();
@@ -251,7 +250,7 @@ std::unique_ptr<FeatureClass> Intersect(const FeatureClass* input, const Feature
     PolygonFeatures cut_by = overlay->read_polygons(names_of(overlay->fields()));
     platform::repair(pieces_of.polygons);
     platform::repair(cut_by.polygons);
-    const std::string path = platform::join_path(working_folder, name + ".shp");
+    const std::string path = base::join_path(working_folder, name + ".shp");
     PieceWriter writer(path, pieces_of, cut_by, intersected_fields(input->fields(), overlay->fields()),
                        input->spatial_reference());
     platform::intersect(pieces_of.polygons, cut_by.polygons,

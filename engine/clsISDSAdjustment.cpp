@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "engine/clsISDSAdjustment.h"
 
+#include "base/conversions.h"
 #include "engine/basUtil.h"
 #include "engine/clsISTableFunctions.h"
 #include "engine/engine_texts.h"
 #include "host/error_report.h"
 #include "platform/contracts/interaction.h"
-#include "platform/conversions.h"
 
 namespace kestrel {
 
@@ -56,7 +56,7 @@ std::optional<Table> clsISDSAdjustment::isDSAdjustment(Table pTable, const Scena
     if (!give_to_target(pTable, *inside, areas, dcID, dictClasses)) {
         return std::nullopt;
     }
-    m_context.areas->counts()->apply(*DSTheme.position, platform::to_integer(dcID));
+    m_context.areas->counts()->apply(*DSTheme.position, base::to_integer(dcID));
     return pTable;
 } catch (...) {
     platform::interaction().message_box(engine_texts::scenario_failed());
@@ -80,8 +80,8 @@ clsISDSAdjustment::ScenarioAreas clsISDSAdjustment::take_away(Table& table, cons
             const int main = table.find_field(column.name);
             if (main >= 0) {
                 table.set_number(*row, main,
-                                 platform::round_half_even_3(table.number(*row, main)) -
-                                     platform::round_half_even_3(inside.number(s, field)));
+                                 base::round_half_even_3(table.number(*row, main)) -
+                                     base::round_half_even_3(inside.number(s, field)));
             }
             // The sum is of the unrounded areas: what is given need not equal what was taken to the last digit.
             area += is_area_column(column) ? inside.number(s, field) : 0;

@@ -10,6 +10,10 @@
 #include <utility>
 #include <vector>
 
+#include "base/conversions.h"
+#include "base/errors.h"
+#include "base/files.h"
+#include "base/part_of_progress.h"
 #include "engine/basUtil.h"
 #include "engine/clsISTableFunctions.h"
 #include "engine/clsPopulationDensity.h"
@@ -17,13 +21,9 @@
 #include "engine/model_run.h"
 #include "engine/run_records.h"
 #include "host/error_report.h"
-#include "platform/conversions.h"
-#include "platform/errors.h"
-#include "platform/files.h"
 #include "platform/geometry.h"
 #include "platform/layer_file.h"
 #include "platform/output_files.h"
-#include "platform/part_of_progress.h"
 #include "records/metadata.h"
 #include "records/run_report.h"
 
@@ -67,8 +67,8 @@ class PublishedFiles {
     ~PublishedFiles() {
         for (const std::string& path : m_paths) {
             try {
-                platform::remove_file(path);
-            } catch (const platform::RuntimeError&) {
+                base::remove_file(path);
+            } catch (const base::RuntimeError&) {
                 continue;  // what made the run fail is told already
             }
         }
@@ -106,7 +106,7 @@ void clsISExecuteModel::ExecuteModel(platform::Application* pApp, const std::str
                                      const std::string& pFileName, const std::string& shpPath,
                                      const std::string& shpName, const std::string& LayerName) try {
     if (pApp == nullptr) {
-        throw platform::RuntimeError(platform::kObjectVariableNotSet, "There is no application to run in");
+        throw base::RuntimeError(base::kObjectVariableNotSet, "There is no application to run in");
     }
     m_run = std::make_unique<ModelRun>(*pApp, pWorkPath, m_options.threads);
     const RunEnd end(*this);
@@ -152,7 +152,7 @@ bool clsISExecuteModel::prepare(const std::string& pFileName) {
     if (run.option == "3") {
         density_stage.emplace(run.map(), run.analysis, run.density_theme, run.density_field, run.density_high,
                               run.density_low);
-        platform::PartOfProgress progress(run.app.progress(), kAnalysisLayerRead, kScenariosBegin);
+        base::PartOfProgress progress(run.app.progress(), kAnalysisLayerRead, kScenariosBegin);
         if (!density_stage->DensityCalculation(progress, run.threads)) {
             if (!run.cancelled()) {
                 platform::interaction().message_box(engine_texts::density_failed());
@@ -223,7 +223,7 @@ bool clsISExecuteModel::DissolveAnalysisLayer(const std::string& shpPath, const 
     (void)shpName;
     ModelRun& run = *m_run;
     run.result.layer_name = LayerName;
-    platform::PartOfProgress progress(run.app.progress(), kDissolveBegins, kDissolveEnds);
+    base::PartOfProgress progress(run.app.progress(), kDissolveBegins, kDissolveEnds);
     run.output.polygons =
         platform::dissolve(run.analysis.polygons, run.groups.group_of(), run.groups.count(), progress, run.threads);
     if (run.cancelled()) {
@@ -264,9 +264,9 @@ bool clsISExecuteModel::isCalPctIS() try {
             impervious = impervious_areas[*row];
             likely_row = *row + 1;
         }
-        run.output.total_area.push_back(platform::round_to_scale(area, 6));
-        run.output.impervious_area.push_back(platform::round_to_scale(impervious, 6));
-        run.output.percent.push_back(area == 0 ? 0 : platform::round_to_scale(impervious / area * 100, 2));
+        run.output.total_area.push_back(base::round_to_scale(area, 6));
+        run.output.impervious_area.push_back(base::round_to_scale(impervious, 6));
+        run.output.percent.push_back(area == 0 ? 0 : base::round_to_scale(impervious / area * 100, 2));
         run.output.complete.push_back(true);
     }
     return true;
@@ -299,13 +299,13 @@ bool clsISExecuteModel::publish(const std::string& shpPath, const std::string& s
         return false;
     }
     platform::StagedOutput stage(shpPath);
-    platform::PartOfProgress writing(run.app.progress(), kDissolveEnds, kOutputWritten);
+    base::PartOfProgress writing(run.app.progress(), kDissolveEnds, kOutputWritten);
     run.output.write(stage.path(shpName), writing);
     if (run.cancelled()) {
         return false;
     }
     PublishedFiles files(stage.publish());
-    run.output_layer = run.app.make_feature_layer(platform::join_path(shpPath, shpName), LayerName);
+    run.output_layer = run.app.make_feature_layer(base::join_path(shpPath, shpName), LayerName);
     if (run.output_layer == nullptr) {
         platform::interaction().message_box(engine_texts::feature_class_missing());
         return false;
@@ -327,13 +327,13 @@ void clsISExecuteModel::isUpdateLegend(platform::FeatureLayer& outputLayer, cons
     outputLayer.set_renderer(legend);
     run.map().refresh();
     const std::string shapefile = run.result.files.front();
-    const std::string layer_file = platform::join_path(shpPath, outputLayer.name() + ".lyr");
+    const std::string layer_file = base::join_path(shpPath, outputLayer.name() + ".lyr");
     platform::write_layer_file(layer_file, {.layer_name = outputLayer.name(),
-                                            .shapefile_name = platform::file_name_of(shapefile),
+                                            .shapefile_name = base::file_name_of(shapefile),
                                             .reference = run.output.reference,
                                             .renderer = legend});
     run.result.files.push_back(layer_file);
-    const std::string style_file = platform::join_path(shpPath, platform::base_name_of(shapefile) + ".qml");
+    const std::string style_file = base::join_path(shpPath, base::base_name_of(shapefile) + ".qml");
     platform::write_style_file(style_file, legend);
     run.result.files.push_back(style_file);
 } catch (...) {
@@ -342,13 +342,13 @@ void clsISExecuteModel::isUpdateLegend(platform::FeatureLayer& outputLayer, cons
 
 void clsISExecuteModel::isWriteMetadata(const std::string& folder, const std::string& name) try {
     ModelRun& run = *m_run;
-    const platform::SystemClock system_clock;
-    const platform::Clock& clock = m_options.clock != nullptr ? *m_options.clock : system_clock;
+    const base::SystemClock system_clock;
+    const base::Clock& clock = m_options.clock != nullptr ? *m_options.clock : system_clock;
     const RunRecord record = record_of(run, clock.now());
-    const std::string report = platform::join_path(folder, name + ".prm");
+    const std::string report = base::join_path(folder, name + ".prm");
     write_run_report(report, record);
     run.result.files.push_back(report);
-    const std::string metadata = platform::join_path(folder, name + ".met");
+    const std::string metadata = base::join_path(folder, name + ".met");
     write_metadata(metadata, record, output_record_of(run), read_contact(run.work_path));
     run.result.files.push_back(metadata);
 } catch (...) {
@@ -356,7 +356,7 @@ void clsISExecuteModel::isWriteMetadata(const std::string& folder, const std::st
 }
 
 void clsISExecuteModel::isCleanUp(const std::string& extension_folder) try {
-    platform::empty_folder(platform::join_path(extension_folder, "temp"));
+    base::empty_folder(base::join_path(extension_folder, "temp"));
 } catch (...) {
     report_current({"isCleanUp", kModule});
 }

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/clock.h"
+#include "base/clock.h"
 #include "platform/contracts/application.h"
 
 namespace kestrel {
@@ -19,7 +19,7 @@ struct RunOptions {
     /// Writes the run's tables and working shapefiles into this folder for inspection; nothing when empty.
     std::string keep_temp_folder{};
     /// Source of the time stamps, which outlives the run; the system's clock when nothing.
-    const platform::Clock* clock = nullptr;
+    const base::Clock* clock = nullptr;
 };
 
 /// One impervious-surface run, from the model parameter file to the finished output layer.

@@ -7,14 +7,14 @@
 #include <map>
 #include <numeric>
 
+#include "base/conversions.h"
+#include "base/errors.h"
+#include "base/part_of_progress.h"
 #include "engine/basUtil.h"
 #include "engine/clsISTableFunctions.h"
 #include "engine/engine_texts.h"
 #include "host/error_report.h"
 #include "platform/contracts/interaction.h"
-#include "platform/conversions.h"
-#include "platform/errors.h"
-#include "platform/part_of_progress.h"
 #include "platform/zonal_tabulation.h"
 
 namespace kestrel {
@@ -40,7 +40,7 @@ class ColumnCoefficients {
         std::vector<double>& coefficients = m_known[density_class];
         if (coefficients.empty()) {
             for (const Tabulation::Column& column : m_tabulation.columns) {
-                coefficients.push_back(m_lookup.coefficient(platform::text_of(column.land_class), key));
+                coefficients.push_back(m_lookup.coefficient(base::text_of(column.land_class), key));
             }
         }
         return coefficients;
@@ -109,7 +109,7 @@ std::optional<Table> clsISGetLCArea::isGetLCArea(const std::string& pWorkspace, 
 /// Enables the host's raster analysis; a host without it cannot count.
 bool clsISGetLCArea::SwitchOnRasterAnalysis() {
     if (m_application == nullptr) {
-        throw platform::RuntimeError(platform::kObjectVariableNotSet, "The area engine has not been initialised");
+        throw base::RuntimeError(base::kObjectVariableNotSet, "The area engine has not been initialised");
     }
     platform::IExtensionConfig* extension = m_application->find_extension(platform::kRasterAnalysisExtension);
     if (extension == nullptr) {
@@ -130,7 +130,7 @@ std::optional<Tabulation> clsISGetLCArea::TabulateAreas(const AreaTheme& Analysi
         if (!m_counts) {
             ConvertShapeToRaster(AnalysisTheme, lcTheme.source());
         }
-    } catch (const platform::RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         if (!m_application->progress().cancelled()) {
             platform::interaction().message_box(engine_texts::area_calculation_failed());
             platform::interaction().notice(error.description());
@@ -153,7 +153,7 @@ void clsISGetLCArea::ConvertShapeToRaster(const AreaTheme& AnalysisTheme, const 
     for (const platform::SharedPolygons& scenario : zones.scenarios) {
         input.scenarios.push_back(scenario.get());
     }
-    platform::PartOfProgress progress(m_application->progress(), kPassBegins, kPassEnds);
+    base::PartOfProgress progress(m_application->progress(), kPassBegins, kPassEnds);
     m_counts.emplace(platform::tabulate(raster, input, m_threads, progress), zones.keys, raster.grid().cell_area());
 }
 
@@ -177,7 +177,7 @@ bool clsISGetLCArea::CalculateAreas(const Tabulation& tabulation, double factor,
             const auto column = static_cast<std::size_t>(missing - of_zone.begin());
             list_unknown_classes(tabulation, lookup, zones.back());
             platform::interaction().message_box(
-                engine_texts::no_coefficients(platform::text_of(tabulation.columns[column].land_class)));
+                engine_texts::no_coefficients(base::text_of(tabulation.columns[column].land_class)));
             return false;
         }
         coefficients.push_back(of_zone.data());
@@ -201,7 +201,7 @@ bool clsISGetLCArea::CalculateAreas(const Tabulation& tabulation, double factor,
 void clsISGetLCArea::list_unknown_classes(const Tabulation& tabulation, const CoefficientLookup& lookup,
                                           const std::string& key) {
     for (const Tabulation::Column& column : tabulation.columns) {
-        if (lookup.coefficient(platform::text_of(column.land_class), key) == CoefficientLookup::kNoCoefficient) {
+        if (lookup.coefficient(base::text_of(column.land_class), key) == CoefficientLookup::kNoCoefficient) {
             const auto& entries = column.entries;
             m_unknown_classes.push_back(
                 {column.land_class,

@@ -6,12 +6,12 @@
 #include <unordered_set>
 #include <utility>
 
+#include "base/errors.h"
+#include "base/files.h"
 #include "engine/basUtil.h"
 #include "engine/engine_texts.h"
 #include "host/error_report.h"
 #include "platform/contracts/interaction.h"
-#include "platform/errors.h"
-#include "platform/files.h"
 
 namespace kestrel {
 
@@ -52,8 +52,8 @@ bool is_impervious_column(const Field& field) {
 
 std::optional<Table> clsISTableFunctions::createDBF(const std::string& strName, const std::string& pFieldName,
                                                     std::size_t pFieldCount, const Tabulation& tTable) try {
-    const std::string folder = platform::join_path(m_extension_folder, "temp");
-    if (!platform::folder_exists(folder)) {
+    const std::string folder = base::join_path(m_extension_folder, "temp");
+    if (!base::folder_exists(folder)) {
         platform::interaction().message_box(engine_texts::folder_missing(folder));
         return std::nullopt;
     }
@@ -72,8 +72,8 @@ std::optional<Table> clsISTableFunctions::createDBF(const std::string& strName, 
 std::optional<Table> clsISTableFunctions::SumTable(const Table& TableName, const std::string& FieldName,
                                                    const std::string& OldFldName) try {
     if (TableName.find_field(OldFldName) != 1) {
-        throw platform::RuntimeError(platform::kInvalidProcedureCall,
-                                     "The table \"" + TableName.name() + "\" has no zones in \"" + OldFldName + "\"");
+        throw base::RuntimeError(base::kInvalidProcedureCall,
+                                 "The table \"" + TableName.name() + "\" has no zones in \"" + OldFldName + "\"");
     }
     std::optional<Table> result = CopyTableFormat(TableName, "areaTab", FieldName);
     if (!result) {

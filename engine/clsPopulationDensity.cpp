@@ -4,12 +4,12 @@
 
 #include <fmt/format.h>
 
+#include "base/conversions.h"
+#include "base/errors.h"
 #include "engine/basUtil.h"
 #include "engine/engine_texts.h"
 #include "host/error_report.h"
 #include "platform/contracts/interaction.h"
-#include "platform/conversions.h"
-#include "platform/errors.h"
 #include "platform/overlap.h"
 
 namespace kestrel {
@@ -25,8 +25,7 @@ constexpr const char* kModule = "clsPopulationDensity";
 FeatureClass density_source(const platform::Map& map, const std::string& name) {
     const auto layer = std::dynamic_pointer_cast<platform::FeatureLayer>(basUtil::FindLayer(name, map));
     if (!layer) {
-        throw platform::RuntimeError(platform::kObjectVariableNotSet,
-                                     fmt::format("The map has no polygon layer \"{}\"", name));
+        throw base::RuntimeError(base::kObjectVariableNotSet, fmt::format("The map has no polygon layer \"{}\"", name));
     }
     return layer->feature_class();
 }
@@ -34,10 +33,10 @@ FeatureClass density_source(const platform::Map& map, const std::string& name) {
 }  // namespace
 
 std::uint8_t density_class(double density, const std::string& high, const std::string& low) {
-    if (density >= platform::to_double(high)) {
+    if (density >= base::to_double(high)) {
         return 1;
     }
-    return density > platform::to_double(low) ? 2 : 3;
+    return density > base::to_double(low) ? 2 : 3;
 }
 
 std::string density_zone_key(const std::string& analysis_value, std::uint8_t digit) {
@@ -54,7 +53,7 @@ clsPopulationDensity::clsPopulationDensity(const platform::Map& pMap, const Poly
       m_high(std::move(PopDensityHigh)),
       m_low(std::move(PopDensityLow)) {}
 
-bool clsPopulationDensity::DensityCalculation(platform::Progress& progress, int threads) try {
+bool clsPopulationDensity::DensityCalculation(base::Progress& progress, int threads) try {
     const FeatureClass density = density_source(m_map, m_density_layer);
     const platform::SpatialReference& reference = density.spatial_reference();
     if (reference.known() && m_analysis.reference.known() && !reference.same_name(m_analysis.reference)) {

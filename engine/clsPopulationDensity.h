@@ -36,7 +36,7 @@ class clsPopulationDensity {
 
     /// Runs the preparation. \return false when the systems differ by name, nothing overlaps, after a reported failure,
     /// or when `progress` answered stop. \param threads that may be used; 0 for as many as there are cores.
-    bool DensityCalculation(platform::Progress& progress, int threads);
+    bool DensityCalculation(base::Progress& progress, int threads);
 
     /// The 10-byte name of a long field name, by the rule of basUtil::SetFieldName().
     std::string SetFieldName(const std::string& name, std::span<const platform::Field> table);

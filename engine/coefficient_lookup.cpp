@@ -2,15 +2,15 @@
 // SPDX-License-Identifier: MIT
 #include "engine/coefficient_lookup.h"
 
-#include "platform/conversions.h"
-#include "platform/errors.h"
+#include "base/conversions.h"
+#include "base/errors.h"
 
 namespace kestrel {
 
 double CoefficientLookup::coefficient(const std::string& class_code, std::string_view zone_key) const {
     try {
         return look_up(class_code, zone_key);
-    } catch (const platform::RuntimeError&) {
+    } catch (const base::RuntimeError&) {
         // Any failure means the same: the set defines nothing for this class. It is told by who asked.
         return kNoCoefficient;
     }
@@ -23,11 +23,11 @@ double CoefficientLookup::look_up(const std::string& class_code, std::string_vie
     }
     std::int32_t position = 0;
     if (m_option < "3") {  // a comparison of texts
-        position = platform::to_integer(m_option) + 2;
+        position = base::to_integer(m_option) + 2;
     } else {
-        position = platform::to_integer(zone_key.substr(zone_key.empty() ? 0 : zone_key.size() - 1)) + 1;
+        position = base::to_integer(zone_key.substr(zone_key.empty() ? 0 : zone_key.size() - 1)) + 1;
     }
-    return platform::to_double(entry->Item(position));
+    return base::to_double(entry->Item(position));
 }
 
 }  // namespace kestrel

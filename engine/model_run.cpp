@@ -6,17 +6,17 @@
 
 #include <algorithm>
 
+#include "base/conversions.h"
+#include "base/errors.h"
+#include "base/files.h"
+#include "base/part_of_progress.h"
 #include "engine/basUtil.h"
 #include "engine/engine_texts.h"
 #include "platform/contracts/interaction.h"
-#include "platform/conversions.h"
-#include "platform/errors.h"
-#include "platform/files.h"
-#include "platform/part_of_progress.h"
 
 namespace kestrel {
 
-using platform::RuntimeError;
+using base::RuntimeError;
 using platform::SpatialReference;
 using platform::Value;
 
@@ -26,7 +26,7 @@ template <typename Kind>
 std::shared_ptr<Kind> find_layer(const ModelRun& run, const std::string& name, const char* kind) {
     auto layer = std::dynamic_pointer_cast<Kind>(basUtil::FindLayer(name, run.map()));
     if (!layer) {
-        throw RuntimeError(platform::kObjectVariableNotSet, fmt::format("The map has no {} layer \"{}\"", kind, name));
+        throw RuntimeError(base::kObjectVariableNotSet, fmt::format("The map has no {} layer \"{}\"", kind, name));
     }
     return layer;
 }
@@ -42,13 +42,13 @@ void restore_integers(std::vector<Value>& values) {
 
 /// A scenario's polygons in the analysis layer's coordinate system.
 PolygonLayer read_scenario(ModelRun& run, const std::string& name, std::size_t number, ScenarioTheme& theme,
-                           platform::Progress& progress) {
+                           base::Progress& progress) {
     const auto layer = find_layer<platform::FeatureLayer>(run, name, "polygon");
     std::optional<PolygonLayer> scenario;
     if (layer->selection().count() > 0) {
         const auto copied = basUtil::CreateShapefile({}, *layer, run.working_folder(), fmt::format("{}dsSel", number));
         if (!copied) {
-            throw RuntimeError(platform::kObjectVariableNotSet,
+            throw RuntimeError(base::kObjectVariableNotSet,
                                fmt::format("The selected features of \"{}\" could not be copied", name));
         }
         scenario = read_polygon_layer(*copied, name, {}, progress, run.threads);
@@ -68,7 +68,7 @@ PolygonLayer read_scenario(ModelRun& run, const std::string& name, std::size_t n
 /// Scenario i works under names that begin with i + 2, not with 0 or 1.
 constexpr std::size_t kFirstScenarioNumber = 2;
 
-void add_scenario(ModelRun& run, RunZones& zones, const std::string& name, platform::Progress& progress) {
+void add_scenario(ModelRun& run, RunZones& zones, const std::string& name, base::Progress& progress) {
     ScenarioTheme theme{.name = name, .position = {}, .failure = {}};
     try {
         const std::size_t number = run.scenarios.size() + kFirstScenarioNumber;
@@ -88,7 +88,7 @@ void add_scenario(ModelRun& run, RunZones& zones, const std::string& name, platf
 
 const std::string& ModelRun::working_folder() {
     if (m_working_folder.empty()) {
-        m_working_folder = platform::make_unique_folder(platform::join_path(work_path, "temp"), "run-");
+        m_working_folder = base::make_unique_folder(base::join_path(work_path, "temp"), "run-");
     }
     return m_working_folder;
 }
@@ -120,7 +120,7 @@ bool read_analysis_layer(ModelRun& run) {
         platform::interaction().message_box(engine_texts::analysis_field_missing());
         return false;
     }
-    platform::PartOfProgress progress(run.app.progress(), 0, kAnalysisLayerRead);
+    base::PartOfProgress progress(run.app.progress(), 0, kAnalysisLayerRead);
     if (run.analysis_layer->selection().count() > 0) {
         const auto copied = basUtil::CreateShapefile(run.analysis_field, *run.analysis_layer, run.working_folder());
         if (!copied) {
@@ -185,7 +185,7 @@ void lay_out_zones(ModelRun& run, const PolygonLayer* density) {
     const double each = (kScenariosEnd - kScenariosBegin) / scenario_count;
     double begin = kScenariosBegin;
     for (const auto& [number, choice] : *run.scenario_choices) {
-        platform::PartOfProgress progress(run.app.progress(), begin, begin + each);
+        base::PartOfProgress progress(run.app.progress(), begin, begin + each);
         add_scenario(run, zones, choice.Item(1), progress);
         begin += each;
     }

@@ -76,7 +76,7 @@ std::vector<std::string> OutputLayer::field_names() const {
     return names;
 }
 
-void OutputLayer::write(const std::string& path, platform::Progress& progress) const {
+void OutputLayer::write(const std::string& path, base::Progress& progress) const {
     platform::ShapefileWriter writer(path, fields, reference);
     const std::size_t count = polygons.feature_count();
     for (std::size_t i = 0; i < count; ++i) {

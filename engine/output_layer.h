@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "base/progress.h"
 #include "engine/zone_keys.h"
 #include "platform/class_breaks.h"
-#include "platform/contracts/progress.h"
 #include "platform/dissolved_polygons.h"
 #include "platform/field.h"
 #include "platform/spatial_reference.h"
@@ -37,7 +37,7 @@ struct OutputLayer {
     std::vector<std::string> field_names() const;
     /// Writes the shapefile. \param progress hears the share of the features that is written; when it answers stop, the
     /// files are incomplete.
-    void write(const std::string& path, platform::Progress& progress) const;
+    void write(const std::string& path, base::Progress& progress) const;
 };
 
 /// The fields of total area, impervious area, percentage and completeness, named after the units: acres for "Feet",

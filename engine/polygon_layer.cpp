@@ -4,11 +4,11 @@
 
 #include <fmt/format.h>
 
+#include "base/errors.h"
+#include "base/part_of_progress.h"
 #include "engine/engine_texts.h"
 #include "platform/contracts/interaction.h"
-#include "platform/errors.h"
 #include "platform/geometry.h"
-#include "platform/part_of_progress.h"
 
 namespace kestrel {
 
@@ -25,7 +25,7 @@ constexpr double kRead = 0.7;
 }  // namespace
 
 PolygonLayer read_polygon_layer(const FeatureClass& source, const std::string& layer_name,
-                                const std::string& field_name, platform::Progress& progress, int threads) {
+                                const std::string& field_name, base::Progress& progress, int threads) {
     PolygonLayer layer;
     layer.name = layer_name;
     layer.reference = source.spatial_reference();
@@ -33,18 +33,18 @@ PolygonLayer read_polygon_layer(const FeatureClass& source, const std::string& l
     if (!field_name.empty()) {
         const int position = source.find_field(field_name);
         if (position < 0) {
-            throw platform::RuntimeError(platform::kInvalidProcedureCall,
-                                         fmt::format("The layer \"{}\" has no field \"{}\"", layer_name, field_name));
+            throw base::RuntimeError(base::kInvalidProcedureCall,
+                                     fmt::format("The layer \"{}\" has no field \"{}\"", layer_name, field_name));
         }
         layer.field = source.fields()[static_cast<std::size_t>(position)];
         wanted.push_back(field_name);
     }
-    platform::PartOfProgress reading(progress, 0, kRead);
+    base::PartOfProgress reading(progress, 0, kRead);
     platform::PolygonFeatures features = source.read_polygons(wanted, reading, threads);
     if (!features.columns.empty()) {
         layer.values = std::move(features.columns.front());
     }
-    platform::PartOfProgress checking(progress, kRead, 1);
+    base::PartOfProgress checking(progress, kRead, 1);
     const std::size_t repaired = progress.cancelled() ? 0 : platform::repair(features.polygons, checking, threads);
     if (repaired > 0) {
         platform::interaction().notice(engine_texts::repaired_polygons(repaired, layer_name));

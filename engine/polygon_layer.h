@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "base/progress.h"
 #include "platform/contracts/layer.h"
-#include "platform/contracts/progress.h"
 #include "platform/feature_class.h"
 #include "platform/field.h"
 #include "platform/polygons.h"
@@ -36,7 +36,7 @@ struct PolygonLayer {
 /// \param threads that may be used; 0 for as many as there are cores.
 /// \throws RuntimeError when the class has no such field or cannot be read.
 PolygonLayer read_polygon_layer(const platform::FeatureClass& source, const std::string& layer_name,
-                                const std::string& field_name, platform::Progress& progress, int threads);
+                                const std::string& field_name, base::Progress& progress, int threads);
 
 /// The polygons of `layer` in the coordinate system `target`: its own ones where nothing has to be projected. A
 /// coordinate system that is missing on one side is taken as the other's, which draws a notice. \param target_name what

@@ -4,7 +4,7 @@
 
 namespace kestrel {
 
-RunRecord record_of(const ModelRun& run, const platform::LocalTime& time) {
+RunRecord record_of(const ModelRun& run, const base::LocalTime& time) {
     RunRecord record{.time = time,
                      .output_layer = run.out_theme_name,
                      .land_cover_layer = run.land_cover_theme,

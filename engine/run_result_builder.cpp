@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include <fmt/format.h>
 
+#include "base/files.h"
 #include "engine/basUtil.h"
 #include "engine/engine_texts.h"
 #include "engine/model_run.h"
-#include "platform/files.h"
 #include "platform/geometry.h"
 #include "platform/shapefile_writer.h"
 
@@ -102,13 +102,13 @@ void describe_result(ModelRun& run) {
 }
 
 void keep_working_data(ModelRun& run, const std::string& folder) {
-    platform::create_folders(folder);
+    base::create_folders(folder);
     for (const platform::Table& table : run.result.zone_tables) {
-        platform::write_dbf(table, platform::join_path(folder, table.name() + ".dbf"));
+        platform::write_dbf(table, base::join_path(folder, table.name() + ".dbf"));
     }
     if (run.selected) {
         for (const std::string& member : platform::shapefile_members(run.selected->source().path)) {
-            platform::copy_file(member, platform::join_path(folder, platform::file_name_of(member)));
+            base::copy_file(member, base::join_path(folder, base::file_name_of(member)));
         }
     }
     if (!run.zones) {
@@ -116,8 +116,7 @@ void keep_working_data(ModelRun& run, const std::string& folder) {
     }
     for (std::size_t i = 0; i < run.scenarios.size(); ++i) {
         if (run.scenarios[i].position) {
-            keep_scenario(run, *run.scenarios[i].position,
-                          platform::join_path(folder, fmt::format("{}dsInt.shp", i + 2)));
+            keep_scenario(run, *run.scenarios[i].position, base::join_path(folder, fmt::format("{}dsInt.shp", i + 2)));
         }
     }
     const auto density =

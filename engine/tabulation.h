@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/conversions.h"
+#include "base/conversions.h"
 
 namespace kestrel {
 
@@ -35,9 +35,7 @@ struct Tabulation {
     /// Fields as a table of tabulated areas has them: row id, zone value, then one for each class.
     std::size_t field_count() const noexcept { return columns.size() + 2; }
     /// Name of the field of a class: a prefix of six characters and the class code.
-    std::string field_name(std::size_t column) const {
-        return "VALUE_" + platform::text_of(columns[column].land_class);
-    }
+    std::string field_name(std::size_t column) const { return "VALUE_" + base::text_of(columns[column].land_class); }
 };
 
 }  // namespace kestrel

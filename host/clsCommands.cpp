@@ -4,13 +4,13 @@
 
 #include <array>
 
+#include "base/errors.h"
 #include "host/clsExtension.h"
 #include "host/error_report.h"
-#include "platform/errors.h"
 
 namespace kestrel {
 
-using platform::RuntimeError;
+using base::RuntimeError;
 
 namespace {
 
@@ -37,7 +37,7 @@ std::string caption_of(std::int32_t sub_type) {
 template <typename Object>
 Object& found(Object* object, const char* otherwise, int line = __builtin_LINE()) {
     if (object == nullptr) {
-        throw RuntimeError(platform::kObjectVariableNotSet, otherwise, "Kestrel", line);
+        throw RuntimeError(base::kObjectVariableNotSet, otherwise, "Kestrel", line);
     }
     return *object;
 }

@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "platform/files.h"
+#include "base/files.h"
 
 namespace kestrel {
 
@@ -54,9 +54,9 @@ void clsExtension::IExtensionConfig_State(std::int32_t state) {
 
 void clsExtension::ensure_working_folders() const {
     for (const char* name : {"temp", "output"}) {
-        const std::string folder = platform::join_path(m_extension_folder, name);
-        if (!platform::folder_exists(folder)) {
-            platform::create_folder(folder);
+        const std::string folder = base::join_path(m_extension_folder, name);
+        if (!base::folder_exists(folder)) {
+            base::create_folder(folder);
         }
     }
 }

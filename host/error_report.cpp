@@ -6,14 +6,14 @@
 
 #include <new>
 
+#include "base/errors.h"
 #include "platform/contracts/interaction.h"
-#include "platform/errors.h"
 
 namespace kestrel {
 
 namespace {
 
-using platform::RuntimeError;
+using base::RuntimeError;
 
 thread_local bool t_reporting = false;
 
@@ -37,11 +37,11 @@ RuntimeError current_error() {
     } catch (const RuntimeError& error) {
         return error;
     } catch (const std::bad_alloc&) {
-        return {platform::kOutOfMemory, "Out of memory", "Kestrel", 0};
+        return {base::kOutOfMemory, "Out of memory", "Kestrel", 0};
     } catch (const std::exception& error) {
-        return {platform::kLibraryFailure, error.what(), "Kestrel", 0};
+        return {base::kLibraryFailure, error.what(), "Kestrel", 0};
     } catch (...) {
-        return {platform::kLibraryFailure, "Unspecified error", "Kestrel", 0};
+        return {base::kLibraryFailure, "Unspecified error", "Kestrel", 0};
     }
 }
 

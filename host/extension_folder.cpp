@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 
 namespace kestrel {
 
@@ -24,43 +24,43 @@ std::string environment(const char* name) {
 /// Copies what lies in one folder to another. Permissions are not copied: an installed file may be read-only, but its
 /// copy is the user's to change.
 void copy_folder(const std::string& from, const std::string& to) {
-    platform::create_folder(to);
+    base::create_folder(to);
     std::error_code error;
     for (fs::recursive_directory_iterator entry(from, error), end; !error && entry != end; entry.increment(error)) {
-        const std::string target = platform::join_path(to, entry->path().lexically_relative(from).string());
+        const std::string target = base::join_path(to, entry->path().lexically_relative(from).string());
         if (entry->is_directory(error)) {
-            platform::create_folder(target);
+            base::create_folder(target);
         } else if (!error) {
-            platform::copy_file(entry->path().string(), target);
+            base::copy_file(entry->path().string(), target);
         }
     }
     if (error) {
-        throw platform::system_error(error.value(), from);
+        throw base::system_error(error.value(), from);
     }
 }
 
 /// Copies a part of the installation. It appears under its name when it is whole, so that neither a failure nor another
 /// process at the same time leaves half of it.
 void provide(const std::string& part, const std::string& library_folder, const std::string& folder) {
-    const std::string source = platform::join_path(library_folder, part);
-    const std::string target = platform::join_path(folder, part);
-    if (platform::folder_exists(target) || !platform::folder_exists(source)) {
+    const std::string source = base::join_path(library_folder, part);
+    const std::string target = base::join_path(folder, part);
+    if (base::folder_exists(target) || !base::folder_exists(source)) {
         return;
     }
-    const std::string stage = platform::make_unique_folder(folder, ".kestrel-");
+    const std::string stage = base::make_unique_folder(folder, ".kestrel-");
     try {
-        const std::string whole = platform::join_path(stage, part);
+        const std::string whole = base::join_path(stage, part);
         copy_folder(source, whole);
         std::error_code error;
         fs::rename(whole, target, error);
-        if (error && !platform::folder_exists(target)) {
-            throw platform::system_error(error.value(), target);
+        if (error && !base::folder_exists(target)) {
+            throw base::system_error(error.value(), target);
         }
     } catch (...) {
-        platform::remove_folder(stage);
+        base::remove_folder(stage);
         throw;
     }
-    platform::remove_folder(stage);
+    base::remove_folder(stage);
 }
 
 }  // namespace
@@ -75,7 +75,7 @@ std::string loaded_library_folder() {
         file = fs::canonical(info.dli_fname, error);
     }
     if (file.empty() || error) {
-        throw platform::RuntimeError(platform::kPathNotFound, "The folder of the extension's library cannot be found");
+        throw base::RuntimeError(base::kPathNotFound, "The folder of the extension's library cannot be found");
     }
     return file.parent_path().string();
 }
@@ -84,7 +84,7 @@ std::string user_data_folder(const std::string& xdg_data_home, const std::string
     if (fs::path(xdg_data_home).is_absolute()) {
         return xdg_data_home;
     }
-    return fs::path(home).is_absolute() ? platform::join_path(home, ".local/share") : std::string();
+    return fs::path(home).is_absolute() ? base::join_path(home, ".local/share") : std::string();
 }
 
 std::string user_data_folder() {
@@ -92,18 +92,16 @@ std::string user_data_folder() {
 }
 
 std::string extension_folder(const std::string& library_folder, const std::string& data_folder) {
-    return platform::folder_writable(library_folder) ? library_folder
-                                                     : user_extension_folder(library_folder, data_folder);
+    return base::folder_writable(library_folder) ? library_folder : user_extension_folder(library_folder, data_folder);
 }
 
 std::string user_extension_folder(const std::string& library_folder, const std::string& data_folder) {
     if (data_folder.empty()) {
-        throw platform::RuntimeError(
-            platform::kPathNotFound,
-            "There is no folder for the user's data: neither XDG_DATA_HOME nor HOME names one");
+        throw base::RuntimeError(base::kPathNotFound,
+                                 "There is no folder for the user's data: neither XDG_DATA_HOME nor HOME names one");
     }
-    const std::string folder = platform::join_path(data_folder, "kestrel");
-    platform::create_folders(folder);
+    const std::string folder = base::join_path(data_folder, "kestrel");
+    base::create_folders(folder);
     for (const char* part : {"etc", "help"}) {
         provide(part, library_folder, folder);
     }

@@ -13,10 +13,10 @@
 #include <QToolButton>
 #include <QUrl>
 
+#include "base/files.h"
 #include "host/error_report.h"
 #include "parameters/named_control.h"
 #include "platform/contracts/interaction.h"
-#include "platform/files.h"
 #include "records/find_words.h"
 
 namespace kestrel {
@@ -132,12 +132,12 @@ void frmHelpBrowser2::setVisible(bool visible) {
 }
 
 std::string frmHelpBrowser2::help_file() const {
-    return platform::join_path(m_extension_folder, "help/is_index.html");
+    return base::join_path(m_extension_folder, "help/is_index.html");
 }
 
 void frmHelpBrowser2::Form_Load() try {
     const std::string path = help_file();
-    const bool exists = platform::file_exists(path);
+    const bool exists = base::file_exists(path);
     brwHelp->setFocus();
     // Read anew, also when it was the page on view.
     brwHelp->setSource(QUrl());
@@ -178,7 +178,7 @@ void frmHelpBrowser2::brwHelp_AnchorClicked(const QUrl& target) try {
     const std::string path = target.toLocalFile().toStdString();
     if (path.empty()) {
         QDesktopServices::openUrl(target);
-    } else if (platform::file_exists(path)) {
+    } else if (base::file_exists(path)) {
         brwHelp->setSource(target);
     } else {
         platform::interaction().message_box(no_file(path));

@@ -51,7 +51,7 @@ class ProcessingWindow final : public platform::WaitingWindow {
     ~ProcessingWindow() override;
 
     /// `other` hears what is reported, too, and goes before the window does. It has no say in whether the run goes on.
-    void show_beside(std::unique_ptr<platform::Progress> other) { m_beside = std::move(other); }
+    void show_beside(std::unique_ptr<base::Progress> other) { m_beside = std::move(other); }
     /// `act` is called when it has closed.
     void when_closed(std::function<void()> act) { m_closed = std::move(act); }
 
@@ -62,7 +62,7 @@ class ProcessingWindow final : public platform::WaitingWindow {
   private:
     QPointer<frmISProcessing> m_window;
     std::unique_ptr<InputFilter> m_filter;
-    std::unique_ptr<platform::Progress> m_beside;
+    std::unique_ptr<base::Progress> m_beside;
     std::function<void()> m_closed;
 };
 

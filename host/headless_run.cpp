@@ -2,18 +2,18 @@
 // SPDX-License-Identifier: MIT
 #include "host/headless_run.h"
 
+#include "base/errors.h"
+#include "base/files.h"
 #include "engine/clsISExecuteModel.h"
 #include "host/clsExtension.h"
 #include "host/raster_analysis.h"
-#include "platform/errors.h"
-#include "platform/files.h"
 #include "platform/headless/headless_application.h"
 #include "platform/output_files.h"
 
 namespace kestrel {
 
+using base::RuntimeError;
 using platform::HeadlessApplication;
-using platform::RuntimeError;
 
 namespace {
 
@@ -28,12 +28,12 @@ void fill_map(HeadlessApplication& application, const HeadlessRun& run) {
 
 std::string kept_folder(const HeadlessRun& run) {
     const RunOutput& output = run.output;
-    return run.keep_temp ? platform::make_unique_folder(output.folder, output.layer_name + "_temp_") : "";
+    return run.keep_temp ? base::make_unique_folder(output.folder, output.layer_name + "_temp_") : "";
 }
 
 std::string new_folder(const std::string& parent) {
     try {
-        return platform::make_unique_folder(parent, "kestrel-");
+        return base::make_unique_folder(parent, "kestrel-");
     } catch (const RuntimeError& error) {
         throw RuntimeError(error.number(), "There is no room for the working data of a run in '" + parent +
                                                "': " + error.description());
@@ -42,7 +42,7 @@ std::string new_folder(const std::string& parent) {
 
 }  // namespace
 
-HeadlessEnding execute(const HeadlessRun& run, const std::string& extension_folder, platform::Progress& progress) {
+HeadlessEnding execute(const HeadlessRun& run, const std::string& extension_folder, base::Progress& progress) {
     HeadlessApplication application(progress);
     clsExtension extension(extension_folder);
     application.register_extension(platform::kKestrelExtension, extension);
@@ -56,7 +56,7 @@ HeadlessEnding execute(const HeadlessRun& run, const std::string& extension_fold
     ModelParameters parameters = run.parameters;
     parameters.output_path = output.path();
     parameters.layer_name = output.layer_name;
-    if (!write_model_parameters(platform::join_path(extension_folder, "temp"), kParameterFile, parameters, run.store,
+    if (!write_model_parameters(base::join_path(extension_folder, "temp"), kParameterFile, parameters, run.store,
                                 run.set_name, "")) {
         return {};
     }
@@ -73,20 +73,20 @@ HeadlessEnding execute(const HeadlessRun& run, const std::string& extension_fold
 }
 
 PrivateRunFolder::PrivateRunFolder(const std::string& contact_file) {
-    const std::string parent = platform::temporary_folder();
+    const std::string parent = base::temporary_folder();
     if (parent.empty()) {
-        throw RuntimeError(platform::kPathNotFound, "There is no folder for temporary files");
+        throw RuntimeError(base::kPathNotFound, "There is no folder for temporary files");
     }
     m_path = new_folder(parent);
-    if (platform::file_exists(contact_file)) {
-        platform::create_folder(platform::join_path(m_path, "etc"));
-        platform::copy_file(contact_file, platform::join_path(m_path, "etc/contact.ini"));
+    if (base::file_exists(contact_file)) {
+        base::create_folder(base::join_path(m_path, "etc"));
+        base::copy_file(contact_file, base::join_path(m_path, "etc/contact.ini"));
     }
 }
 
 PrivateRunFolder::~PrivateRunFolder() {
     try {
-        platform::remove_folder(m_path);
+        base::remove_folder(m_path);
     } catch (const RuntimeError&) {
         // What stays behind lies in the system's folder for temporary files; the run's own end matters more.
     }

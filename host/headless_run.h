@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "base/progress.h"
 #include "coefficients/clsISModelProperties.h"
 #include "parameters/model_parameters.h"
 #include "parameters/run_output.h"
 #include "platform/contracts/map.h"
-#include "platform/contracts/progress.h"
 #include "platform/run_result.h"
 
 namespace kestrel {
@@ -43,7 +43,7 @@ struct HeadlessEnding {
 /// Carries a run out in the calling thread, which has an interaction. At its end an older output is gone or back in its
 /// place.
 /// \param extension_folder which nobody else uses meanwhile.
-HeadlessEnding execute(const HeadlessRun& run, const std::string& extension_folder, platform::Progress& progress);
+HeadlessEnding execute(const HeadlessRun& run, const std::string& extension_folder, base::Progress& progress);
 
 /// The working folder of one run, which is removed at its end, so that runs side by side never meet.
 class PrivateRunFolder {

@@ -117,13 +117,13 @@ std::unique_ptr<platform::WaitingWindow> QtInteraction::waiting_window(std::stri
     if (m_hooks.beside_waiting_window) {
         window->show_beside(m_hooks.beside_waiting_window());
     }
-    platform::Progress* const progress = window.get();
+    base::Progress* const progress = window.get();
     m_waiting->push_back(progress);
     window->when_closed([waiting = m_waiting, progress] { std::erase(*waiting, progress); });
     return window;
 }
 
-platform::Progress& QtInteraction::progress() {
+base::Progress& QtInteraction::progress() {
     return m_waiting->empty() ? m_no_progress : *m_waiting->back();
 }
 

@@ -22,7 +22,7 @@ class QtInteraction final : public platform::Interaction {
         /// Opens the help window; without one the user is told that there is none.
         std::function<void()> show_help{};
         /// Makes what shows the progress of a waiting window beside it; it lives as long as that window.
-        std::function<std::unique_ptr<platform::Progress>()> beside_waiting_window{};
+        std::function<std::unique_ptr<base::Progress>()> beside_waiting_window{};
     };
 
     QtInteraction() = default;
@@ -39,13 +39,13 @@ class QtInteraction final : public platform::Interaction {
 
     /// The progress of the waiting window that was opened last and is still there; without one, progress that nobody
     /// watches and that never stops. What a host's Application::progress() gives back.
-    platform::Progress& progress();
+    base::Progress& progress();
 
   private:
     Hooks m_hooks;
-    platform::NoProgress m_no_progress;
+    base::NoProgress m_no_progress;
     /// Shared with the windows, which may be closed later than this ends.
-    std::shared_ptr<std::vector<platform::Progress*>> m_waiting = std::make_shared<std::vector<platform::Progress*>>();
+    std::shared_ptr<std::vector<base::Progress*>> m_waiting = std::make_shared<std::vector<base::Progress*>>();
 };
 
 /// A filter of platform::FileDialog as Qt writes it: "Text(*.txt;*.csv)|*.txt;*.csv" gives "Text (*.txt *.csv)".

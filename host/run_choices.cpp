@@ -4,10 +4,10 @@
 
 #include <cmath>
 
+#include "base/conversions.h"
 #include "coefficients/basISModelPropsUtil.h"
 #include "coefficients/clsISLCDef.h"
 #include "coefficients/clsLCClass.h"
-#include "platform/conversions.h"
 
 namespace kestrel {
 
@@ -28,7 +28,7 @@ std::string class_name(const clsISModelProperties& store, const std::string& set
             }
         }
     }
-    return platform::text_of(code);
+    return base::text_of(code);
 }
 
 }  // namespace kestrel

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "platform/conversions.h"
-#include "platform/files.h"
+#include "base/conversions.h"
+#include "base/files.h"
 
 namespace kestrel {
 
@@ -23,7 +23,7 @@ std::string real_path(const std::string& path) {
 }  // namespace
 
 std::string layer_name_from(const std::string& wanted) {
-    std::string name = platform::to_utf8(wanted);
+    std::string name = base::to_utf8(wanted);
     std::replace_if(
         name.begin(), name.end(), [](char c) { return c == '#' || static_cast<unsigned char>(c) < 0x20; }, '_');
     return name;
@@ -35,13 +35,13 @@ std::string RunLayers::distinct_name(const std::string& wanted) const {
     };
     std::string name = wanted;
     for (std::int32_t number = 2; taken(name); ++number) {
-        name = wanted + " (" + platform::text_of(number) + ")";
+        name = wanted + " (" + base::text_of(number) + ")";
     }
     return name;
 }
 
 std::string RunLayers::add_raster(const std::string& source, const std::string& name) {
-    const std::string base = name.empty() ? platform::base_name_of(platform::file_name_of(source)) : name;
+    const std::string base = name.empty() ? base::base_name_of(base::file_name_of(source)) : name;
     const std::string given = distinct_name(layer_name_from(base.empty() ? source : base));
     m_layers.push_back(std::make_shared<platform::HeadlessRasterLayer>(given, source));
     m_identities.push_back("raster\n" + real_path(source));
@@ -53,7 +53,7 @@ std::string RunLayers::add_features(const platform::FeatureSource& source, const
                                     std::vector<std::int64_t> selected, const std::string& name) {
     std::string identity = "features\n" + real_path(source.path) + "\n" + opened.layer_name() + "\n" + source.subset;
     for (const std::int64_t id : selected) {
-        identity += "\n" + platform::text_of(id);
+        identity += "\n" + base::text_of(id);
     }
     const auto known = std::find(m_identities.begin(), m_identities.end(), identity);
     if (known != m_identities.end()) {
@@ -61,7 +61,7 @@ std::string RunLayers::add_features(const platform::FeatureSource& source, const
     }
     std::string base = name.empty() ? source.layer_name : name;
     if (base.empty()) {
-        base = platform::base_name_of(platform::file_name_of(source.path));
+        base = base::base_name_of(base::file_name_of(source.path));
     }
     const std::string given = distinct_name(layer_name_from(base.empty() ? opened.layer_name() : base));
     m_layers.push_back(std::make_shared<platform::HeadlessFeatureLayer>(given, source, std::move(selected)));

@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "host/shared_windows.h"
 
+#include "base/errors.h"
 #include "coefficients/frmISModelProps.h"
 #include "host/frmHelpBrowser2.h"
 #include "host/frmISAbout.h"
 #include "parameters/frmISParams.h"
-#include "platform/errors.h"
 #include "records/frmISTParams.h"
 
 namespace kestrel {
@@ -110,7 +110,7 @@ QWidget& SharedWindows::form_of(CommandKind command, platform::Application& appl
         case CommandKind::about:
             return shared(m_forms->about, m_extension_folder);
     }
-    throw platform::RuntimeError(platform::kInvalidProcedureCall, "There is no window of this command");
+    throw base::RuntimeError(base::kInvalidProcedureCall, "There is no window of this command");
 }
 
 QWidget& SharedWindows::viewer_of(const char* file_type, platform::Application& application) {

@@ -7,11 +7,11 @@
 #include <algorithm>
 #include <set>
 
+#include "base/conversions.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "host/error_report.h"
 #include "parameters/run_output.h"
-#include "platform/conversions.h"
-#include "platform/errors.h"
-#include "platform/files.h"
 
 namespace kestrel::basISModelUtil {
 
@@ -62,7 +62,7 @@ bool listed(const platform::Layer& layer, LayerKind kind, FieldMode mode, std::v
     const auto* features = dynamic_cast<const platform::FeatureLayer*>(&layer);
     try {
         return features != nullptr && GetFThemes(*features, mode) >= 0;
-    } catch (const platform::RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         left_out.push_back(fmt::format("The layer '{}' is not listed, because its source cannot be opened: {}",
                                        layer.name(), error.description()));
         return false;
@@ -132,21 +132,21 @@ OutputName completed_output_name(std::string_view typed, const std::string& temp
     }
     OutputName name;
     name.path = with_extension(text);
-    name.file_name = platform::file_name_of(name.path);
+    name.file_name = base::file_name_of(name.path);
     name.folder = name.path.substr(0, name.path.size() - name.file_name.size());
-    if (name.folder.empty() || !platform::folder_exists(name.folder)) {
-        const std::string chosen = !temporary_folder.empty() && platform::folder_exists(temporary_folder)
+    if (name.folder.empty() || !base::folder_exists(name.folder)) {
+        const std::string chosen = !temporary_folder.empty() && base::folder_exists(temporary_folder)
                                        ? temporary_folder
-                                       : platform::join_path(extension_folder, "output");
+                                       : base::join_path(extension_folder, "output");
         name.chosen_folder = chosen;
-        name.path = platform::join_path(chosen, name.file_name);
+        name.path = base::join_path(chosen, name.file_name);
         name.folder = name.path.substr(0, name.path.size() - name.file_name.size());
     }
     return name;
 }
 
 std::string SetThemeName(std::string_view path) try {
-    std::string name = platform::file_name_of(path);
+    std::string name = base::file_name_of(path);
     if (lower_case(name).ends_with(".shp")) {
         name.resize(name.size() - 4);
     }
@@ -182,10 +182,10 @@ void remove_other_layers_of(const std::string& path, platform::Map& map) {
 }
 
 std::optional<std::int16_t> scenario_number(std::string_view typed, int rows) {
-    if (!platform::numeric(typed)) {
+    if (!base::numeric(typed)) {
         return std::nullopt;
     }
-    const double number = platform::to_double(typed);
+    const double number = base::to_double(typed);
     const bool whole = number >= 1 && number <= rows && number == static_cast<int>(number);
     return whole ? std::optional(static_cast<std::int16_t>(number)) : std::nullopt;
 }

@@ -5,11 +5,11 @@
 #include <optional>
 #include <string_view>
 
+#include "base/errors.h"
+#include "base/files.h"
 #include "host/error_report.h"
 #include "parameters/parameter_file_texts.h"
 #include "platform/contracts/interaction.h"
-#include "platform/errors.h"
-#include "platform/files.h"
 
 namespace kestrel {
 
@@ -32,7 +32,7 @@ std::vector<std::string> split_fields(std::string_view line) {
 
 const std::string& field_at(const std::vector<std::string>& fields, std::size_t position, int line = __builtin_LINE()) {
     if (position >= fields.size()) {
-        throw platform::RuntimeError(platform::kSubscriptOutOfRange, "Subscript out of range", "Kestrel", line);
+        throw base::RuntimeError(base::kSubscriptOutOfRange, "Subscript out of range", "Kestrel", line);
     }
     return fields[position];
 }
@@ -41,7 +41,7 @@ template <typename Dictionary>
 const std::shared_ptr<Dictionary>& set_or_throw(const std::shared_ptr<Dictionary>& dictionary,
                                                 int line = __builtin_LINE()) {
     if (dictionary == nullptr) {
-        throw platform::RuntimeError(platform::kObjectVariableNotSet, "Object variable not set", "Kestrel", line);
+        throw base::RuntimeError(base::kObjectVariableNotSet, "Object variable not set", "Kestrel", line);
     }
     return dictionary;
 }
@@ -99,16 +99,16 @@ std::string clsReadParams::OutThemeName() const {
 void clsReadParams::ReadParameters(const std::string& PathName, const std::string& FileName) try {
     m_path_name = PathName;
     m_file_name = FileName;
-    m_parameters = std::make_shared<platform::Dictionary<std::string>>();
+    m_parameters = std::make_shared<base::Dictionary<std::string>>();
     m_land_classes = std::make_shared<LandClassDictionary>();
     m_scenarios = std::make_shared<ScenarioDictionary>();
 
     const std::string path = m_path_name + "/temp/" + m_file_name;
-    if (!platform::file_exists(path)) {
+    if (!base::file_exists(path)) {
         platform::interaction().message_box(parameter_file_texts::missing_file(m_path_name, m_file_name));
         return;
     }
-    platform::TextReader reader(path);
+    base::TextReader reader(path);
     while (const std::optional<std::string> line = reader.read_line()) {
         read_line(*line);
     }

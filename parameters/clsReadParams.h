@@ -6,17 +6,17 @@
 #include <string>
 #include <vector>
 
+#include "base/dictionary.h"
 #include "parameters/text_list.h"
-#include "platform/dictionary.h"
 
 namespace kestrel {
 
 /// The classes of the chosen coefficient set. Key: the class code as text; item: class name, High, Medium and Low
 /// coefficient, at 1 to 4.
-using LandClassDictionary = platform::Dictionary<TextList>;
+using LandClassDictionary = base::Dictionary<TextList>;
 /// The development scenarios. Key: the scenario's number as text; item: layer name, name of the class that the scenario
 /// changes to, code of that class, at 1 to 3.
-using ScenarioDictionary = platform::Dictionary<TextList>;
+using ScenarioDictionary = base::Dictionary<TextList>;
 
 namespace test {
 class ReadParamsPeer;
@@ -66,7 +66,7 @@ class clsReadParams {
 
     std::string m_path_name;
     std::string m_file_name;
-    std::shared_ptr<platform::Dictionary<std::string>> m_parameters;
+    std::shared_ptr<base::Dictionary<std::string>> m_parameters;
     std::shared_ptr<LandClassDictionary> m_land_classes;
     std::shared_ptr<ScenarioDictionary> m_scenarios;
 };

@@ -4,8 +4,8 @@
 
 #include <array>
 
+#include "base/conversions.h"
 #include "parameters/form_texts.h"
-#include "platform/conversions.h"
 
 namespace kestrel {
 
@@ -29,12 +29,11 @@ const ScenarioState* only_applied_row(const FormState& form) {
 constexpr std::array<DensityRule, 5> kDensityRules{{
     {[](const DensityState& d) { return !d.layer_chosen; }, DensityControl::cboPDenTheme, form_texts::kNoDensityTheme},
     {[](const DensityState& d) { return !d.field_chosen; }, DensityControl::cboPDenFld, form_texts::kNoDensityField},
-    {[](const DensityState& d) { return !platform::numeric(d.high); }, DensityControl::txtHigh,
-     form_texts::kNotNumeric},
-    {[](const DensityState& d) { return !platform::numeric(d.low); }, DensityControl::txtLow, form_texts::kNotNumeric},
+    {[](const DensityState& d) { return !base::numeric(d.high); }, DensityControl::txtHigh, form_texts::kNotNumeric},
+    {[](const DensityState& d) { return !base::numeric(d.low); }, DensityControl::txtLow, form_texts::kNotNumeric},
     // Equal bounds pass, although the text speaks of "less than". Intended; do not "fix".
-    {[](const DensityState& d) { return platform::to_double(d.high) < platform::to_double(d.low); },
-     DensityControl::txtLow, form_texts::kLowAboveHigh},
+    {[](const DensityState& d) { return base::to_double(d.high) < base::to_double(d.low); }, DensityControl::txtLow,
+     form_texts::kLowAboveHigh},
 }};
 
 constexpr std::array<FormRule, 6> kFirstFormRules{{

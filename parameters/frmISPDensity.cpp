@@ -6,12 +6,12 @@
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
+#include "base/errors.h"
 #include "host/error_report.h"
 #include "parameters/name_list.h"
 #include "parameters/named_control.h"
 #include "parameters/parameter_controls.h"
 #include "platform/contracts/interaction.h"
-#include "platform/errors.h"
 
 namespace kestrel {
 
@@ -136,7 +136,7 @@ void frmISPDensity::build_bounds(QGridLayout& grid, int first_row) {
 
 platform::Map& frmISPDensity::map() const {
     if (m_app == nullptr) {
-        throw platform::RuntimeError(platform::kObjectVariableNotSet, "Object variable not set");
+        throw base::RuntimeError(base::kObjectVariableNotSet, "Object variable not set");
     }
     return m_app->document().focus_map();
 }

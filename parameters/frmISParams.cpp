@@ -6,14 +6,14 @@
 #include <QPointer>
 #include <QSignalBlocker>
 
+#include "base/errors.h"
+#include "base/files.h"
 #include "coefficients/basUtil.h"
 #include "coefficients/combo_boxes.h"
 #include "host/error_report.h"
 #include "parameters/basISModelUtil.h"
 #include "parameters/form_texts.h"
 #include "parameters/parameter_controls.h"
-#include "platform/errors.h"
-#include "platform/files.h"
 
 namespace kestrel {
 
@@ -40,7 +40,7 @@ void frmISParams::setVisible(bool visible) {
 
 platform::Map& frmISParams::map() const {
     if (m_app == nullptr) {
-        throw platform::RuntimeError(platform::kObjectVariableNotSet, "Object variable not set");
+        throw base::RuntimeError(base::kObjectVariableNotSet, "Object variable not set");
     }
     return m_app->document().focus_map();
 }
@@ -48,7 +48,7 @@ platform::Map& frmISParams::map() const {
 bool frmISParams::Form_Load() try {
     platform::Map& focus_map = map();
     empty_controls();
-    if (!basUtil::GetISModelProperties(m_props, platform::join_path(m_extension_folder, "etc/isprops.xml"))) {
+    if (!basUtil::GetISModelProperties(m_props, base::join_path(m_extension_folder, "etc/isprops.xml"))) {
         interaction().message_box(form_texts::store_not_loaded(m_extension_folder));
         return false;
     }

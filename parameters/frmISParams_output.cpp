@@ -4,11 +4,11 @@
 #include <QFocusEvent>
 #include <QScopedValueRollback>
 
+#include "base/files.h"
 #include "host/error_report.h"
 #include "parameters/basISModelUtil.h"
 #include "parameters/form_texts.h"
 #include "parameters/frmISParams.h"
-#include "platform/files.h"
 
 /// \file
 /// The parameter form's output: what leaving the box of its name does.
@@ -86,7 +86,7 @@ void frmISParams::leave_output_box() {
 
 void frmISParams::apply_output_rules() {
     const basISModelUtil::OutputName name = basISModelUtil::completed_output_name(
-        txtOutputTheme->text().toStdString(), platform::temporary_folder(), m_extension_folder);
+        txtOutputTheme->text().toStdString(), base::temporary_folder(), m_extension_folder);
     txtOutputTheme->setText(QString::fromStdString(name.path));
     if (name.path.empty()) {
         return;

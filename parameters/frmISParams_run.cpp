@@ -4,14 +4,14 @@
 #include <memory>
 #include <utility>
 
+#include "base/errors.h"
+#include "base/files.h"
 #include "engine/basUtil.h"
 #include "engine/clsISExecuteModel.h"
 #include "host/error_report.h"
 #include "parameters/basISModelUtil.h"
 #include "parameters/form_texts.h"
 #include "parameters/frmISParams.h"
-#include "platform/errors.h"
-#include "platform/files.h"
 #include "platform/output_files.h"
 
 /// \file
@@ -39,7 +39,7 @@ class RunWatch final : public platform::Application {
         return m_app.make_feature_layer(path, name);
     }
     platform::Interaction& interaction() override { return m_app.interaction(); }
-    platform::Progress& progress() override { return m_app.progress(); }
+    base::Progress& progress() override { return m_app.progress(); }
     void run_ended(platform::RunResult result) override {
         m_finished = result.finished;
         m_app.run_ended(std::move(result));
@@ -75,10 +75,10 @@ std::vector<std::string> layers_read(const ModelParameters& choices) {
 }
 
 /// Nothing when the folder is in use or cannot be locked, which is told.
-std::unique_ptr<platform::FolderLock> locked(const std::string& folder) {
+std::unique_ptr<base::FolderLock> locked(const std::string& folder) {
     try {
-        return std::make_unique<platform::FolderLock>(folder);
-    } catch (const platform::RuntimeError& error) {
+        return std::make_unique<base::FolderLock>(folder);
+    } catch (const base::RuntimeError& error) {
         interaction().message_box(form_texts::folder_refused(error.description()));
         return nullptr;
     }
@@ -161,7 +161,7 @@ void frmISParams::run() {
         return;
     }
     // Whether it was written is not asked: the run says so itself when there is no file to read. Intended.
-    write_model_parameters(platform::join_path(m_extension_folder, "temp"), kParameterFile, chosen, m_props,
+    write_model_parameters(base::join_path(m_extension_folder, "temp"), kParameterFile, chosen, m_props,
                            cboLCType->currentText().toStdString(), "");
     execute(*m_app, std::string(m_extension_folder), place);
 }
@@ -170,14 +170,14 @@ RunOutput frmISParams::output() {
     if (txtThemeName->text().trimmed().isEmpty()) {
         txtThemeName->setText(QString::fromStdString(basISModelUtil::SetThemeName(m_output_file)));
     }
-    const std::string folder = platform::folder_of(m_output_folder);
+    const std::string folder = base::folder_of(m_output_folder);
     // A name that ends in "shp" without a point is taken as it is, but a shapefile is not without one.
     const bool whole = basISModelUtil::SetThemeName(m_output_file) != m_output_file;
     return {folder, m_output_file + (whole ? "" : ".shp"), txtThemeName->text().toStdString()};
 }
 
 bool frmISParams::output_usable(const RunOutput& place, const ModelParameters& chosen) {
-    std::vector<std::string> inputs{platform::join_path(m_extension_folder, "etc/isprops.xml")};
+    std::vector<std::string> inputs{base::join_path(m_extension_folder, "etc/isprops.xml")};
     for (const std::string& name : layers_read(chosen)) {
         inputs.push_back(file_of(name, map()));
     }

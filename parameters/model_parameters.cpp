@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "parameters/model_parameters.h"
 
+#include "base/conversions.h"
+#include "base/files.h"
 #include "coefficients/clsISLCDef.h"
 #include "coefficients/clsISLCDefs.h"
 #include "coefficients/clsISModelProperties.h"
@@ -10,15 +12,13 @@
 #include "host/error_report.h"
 #include "parameters/parameter_file_texts.h"
 #include "platform/contracts/interaction.h"
-#include "platform/conversions.h"
-#include "platform/files.h"
 
 namespace kestrel {
 
 namespace {
 
-using platform::text_of;
-using platform::TextWriter;
+using base::text_of;
+using base::TextWriter;
 
 constexpr std::int32_t kByDensity = 3;
 
@@ -71,7 +71,7 @@ void write_classes(TextWriter& file, const clsISModelProperties& store, const st
 bool write_model_parameters(const std::string& folder, const std::string& file_name, const ModelParameters& choices,
                             const clsISModelProperties& store, const std::string& set_name,
                             const std::string& view_name) try {
-    if (!platform::folder_exists(folder)) {
+    if (!base::folder_exists(folder)) {
         platform::interaction().message_box(parameter_file_texts::missing_folder(folder));
         return false;
     }

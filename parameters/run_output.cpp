@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <string_view>
 
-#include "platform/files.h"
+#include "base/files.h"
 #include "platform/shapefile_writer.h"
 
 namespace kestrel {
@@ -41,19 +41,19 @@ bool same_place(const fs::path& output, const fs::path& input) {
 }  // namespace
 
 std::string RunOutput::path() const {
-    return platform::join_path(folder, file_name);
+    return base::join_path(folder, file_name);
 }
 
 std::vector<std::string> RunOutput::records() const {
-    return {platform::join_path(folder, layer_name + ".prm"), platform::join_path(folder, layer_name + ".met"),
-            platform::join_path(folder, layer_name + ".lyr"),
-            platform::join_path(folder, platform::base_name_of(file_name) + ".qml")};
+    return {base::join_path(folder, layer_name + ".prm"), base::join_path(folder, layer_name + ".met"),
+            base::join_path(folder, layer_name + ".lyr"),
+            base::join_path(folder, base::base_name_of(file_name) + ".qml")};
 }
 
 std::vector<std::string> existing_files(const RunOutput& output) {
     std::vector<std::string> files = platform::shapefile_members(output.path());
     for (const std::string& record : output.records()) {
-        if (platform::file_exists(record)) {
+        if (base::file_exists(record)) {
             files.push_back(record);
         }
     }
@@ -67,7 +67,7 @@ std::optional<std::string> wrong_name(const RunOutput& output) {
             "slash",
             output.layer_name);
     }
-    for (const std::string& base : {platform::base_name_of(output.file_name), output.layer_name}) {
+    for (const std::string& base : {base::base_name_of(output.file_name), output.layer_name}) {
         if (too_long(base)) {
             return fmt::format("'{}' is too long for the name of a file", base);
         }
@@ -76,19 +76,19 @@ std::optional<std::string> wrong_name(const RunOutput& output) {
 }
 
 std::optional<std::string> unusable_folder(const RunOutput& output) {
-    if (!platform::folder_exists(output.folder)) {
+    if (!base::folder_exists(output.folder)) {
         return fmt::format("The folder of the output does not exist: '{}'.", output.folder);
     }
-    if (!platform::folder_writable(output.folder)) {
+    if (!base::folder_writable(output.folder)) {
         return fmt::format("The folder of the output cannot be written to: '{}'.", output.folder);
     }
     std::vector<std::string> places = output.records();
     places.push_back(output.path());
     for (const char* extension : {".shx", ".dbf", ".prj", ".cpg"}) {
-        places.push_back(platform::join_path(output.folder, platform::base_name_of(output.file_name) + extension));
+        places.push_back(base::join_path(output.folder, base::base_name_of(output.file_name) + extension));
     }
     for (const std::string& place : places) {
-        if (platform::folder_exists(place)) {
+        if (base::folder_exists(place)) {
             return fmt::format("'{}' is a folder, where a file of the output would stand.", place);
         }
     }

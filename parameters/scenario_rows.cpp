@@ -7,12 +7,12 @@
 #include <QSignalBlocker>
 #include <algorithm>
 
+#include "base/conversions.h"
 #include "host/error_report.h"
 #include "parameters/basISModelUtil.h"
 #include "parameters/form_texts.h"
 #include "parameters/parameter_controls.h"
 #include "platform/contracts/interaction.h"
-#include "platform/conversions.h"
 
 namespace kestrel {
 
@@ -36,7 +36,7 @@ std::vector<ScenarioChoice> ScenarioRows::choices() const {
             const QComboBox& classes = *cboDSToClass[row];
             choices.push_back({static_cast<std::int32_t>(row) + 1, cboDSTheme[row]->currentText().toStdString(),
                                classes.currentText().toStdString(),
-                               classes.currentIndex() < 0 ? "" : platform::text_of(classes.currentData().toInt())});
+                               classes.currentIndex() < 0 ? "" : base::text_of(classes.currentData().toInt())});
         }
     }
     return choices;

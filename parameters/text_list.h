@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/errors.h"
+#include "base/errors.h"
 
 namespace kestrel {
 
@@ -21,7 +21,7 @@ class TextList {
     /// \throws RuntimeError 9 when there is none.
     const std::string& Item(std::int32_t position, int line = __builtin_LINE()) const {
         if (position < 1 || position > Count()) {
-            throw platform::RuntimeError(platform::kSubscriptOutOfRange, "Subscript out of range", "Kestrel", line);
+            throw base::RuntimeError(base::kSubscriptOutOfRange, "Subscript out of range", "Kestrel", line);
         }
         return m_texts[static_cast<std::size_t>(position) - 1];
     }

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/part_of_progress.h"
 #include "platform/cell_runs.h"
-#include "platform/part_of_progress.h"
 
 namespace kestrel::platform {
 
@@ -22,11 +22,12 @@ std::optional<std::uint8_t> byte_nodata(const RasterDataset& raster) {
                                                          : std::nullopt;
 }
 
-LayerSweeps sweeps_of(const RasterDataset& raster, const TabulationInput& input, int threads, Progress& progress) {
+LayerSweeps sweeps_of(const RasterDataset& raster, const TabulationInput& input, int threads,
+                      base::Progress& progress) {
     const double each = 1.0 / static_cast<double>(input.scenarios.size() + 2);
     double begin = 0;
     const auto sweep_of = [&](const PolygonSet& polygons) {
-        PartOfProgress part(progress, begin, begin + each);
+        base::PartOfProgress part(progress, begin, begin + each);
         begin += each;
         return EdgeSweep(polygons, raster.grid(), raster.tile_lines().rows, threads, part);
     };
@@ -43,7 +44,7 @@ LayerSweeps sweeps_of(const RasterDataset& raster, const TabulationInput& input,
 }  // namespace
 
 TabulationPlan::TabulationPlan(const RasterDataset& raster, const TabulationInput& input, int threads,
-                               Progress& progress)
+                               base::Progress& progress)
     : layers(sweeps_of(raster, input, threads, progress)), zone_count(input.zones->feature_count()) {
     const Grid& grid = raster.grid();
     if (raster.needs_checking()) {

@@ -21,7 +21,7 @@ namespace kestrel::platform {
 struct TabulationPlan {
     /// \param threads as thread_count() gives it.
     /// \param progress when it answers stop, the plan must not be used.
-    TabulationPlan(const RasterDataset& raster, const TabulationInput& input, int threads, Progress& progress);
+    TabulationPlan(const RasterDataset& raster, const TabulationInput& input, int threads, base::Progress& progress);
 
     LayerSweeps layers;
     std::size_t zone_count = 0;

@@ -14,8 +14,8 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/errors.h"
-#include "platform/file_descriptor.h"
+#include "base/errors.h"
+#include "base/file_descriptor.h"
 
 namespace kestrel::platform {
 
@@ -49,7 +49,7 @@ class BufferedFile {
     bool close();
 
   private:
-    Descriptor m_descriptor;
+    base::Descriptor m_descriptor;
     Offset m_position = 0;
     Offset m_buffer_start = 0;
     std::string m_buffer;
@@ -191,10 +191,10 @@ void forget_file_failure() noexcept {
 
 void check_file_failure(bool good, const std::string& path) {
     if (const int error_code = std::exchange(failure, 0); error_code != 0) {
-        throw system_error(error_code, path);
+        throw base::system_error(error_code, path);
     }
     if (!good) {
-        throw RuntimeError(kLibraryFailure, path + " cannot be written");
+        throw base::RuntimeError(base::kLibraryFailure, path + " cannot be written");
     }
 }
 

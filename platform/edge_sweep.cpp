@@ -9,10 +9,10 @@
 #include <span>
 #include <utility>
 
-#include "platform/errors.h"
+#include "base/errors.h"
+#include "base/parallel.h"
+#include "base/part_of_progress.h"
 #include "platform/geometry.h"
-#include "platform/parallel.h"
-#include "platform/part_of_progress.h"
 
 namespace kestrel::platform {
 
@@ -79,14 +79,14 @@ int ceil_within(double position, int lowest, int highest) {
 
 EdgeSweep::EdgeSweep(const PolygonSet& polygons, const Grid& grid, int rows_per_band)
     : m_polygons(polygons), m_grid(grid), m_band_lines(equal_bands(grid.rows, rows_per_band)) {
-    NoProgress nobody;
+    base::NoProgress nobody;
     set_tolerances();
     set_bands();
     deal_out_edges(1, nobody);
 }
 
 EdgeSweep::EdgeSweep(const PolygonSet& polygons, const Grid& grid, std::vector<int> band_lines, int threads,
-                     Progress& progress)
+                     base::Progress& progress)
     : m_polygons(polygons), m_grid(grid), m_band_lines(std::move(band_lines)) {
     set_tolerances();
     set_bands();
@@ -110,9 +110,10 @@ void EdgeSweep::set_bands() {
 
 /// A counting sort by band; within a band the edges stay in the order of the features. Each part of the features counts
 /// and places its own edges, so that parts can be worked on at the same time.
-void EdgeSweep::deal_out_edges(int threads, Progress& progress) {
+void EdgeSweep::deal_out_edges(int threads, base::Progress& progress) {
     if (m_polygons.point_count() > std::numeric_limits<std::uint32_t>::max()) {
-        throw RuntimeError(kOutOfMemory, "The polygons have more than 4,294,967,295 vertices: split the layer");
+        throw base::RuntimeError(base::kOutOfMemory,
+                                 "The polygons have more than 4,294,967,295 vertices: split the layer");
     }
     const std::size_t bands = m_band_lines.size() - 1;
     const std::vector<std::size_t> lines = feature_lines(m_polygons);
@@ -125,8 +126,8 @@ void EdgeSweep::deal_out_edges(int threads, Progress& progress) {
             }
         });
     };
-    PartOfProgress counting(progress, 0, kCountingShare);
-    const bool counted = for_each_item(parts, threads, counting, kText, [&](std::size_t part, int) {
+    base::PartOfProgress counting(progress, 0, kCountingShare);
+    const bool counted = base::for_each_item(parts, threads, counting, kText, [&](std::size_t part, int) {
         next[part].assign(bands, 0);
         for_each_band_of_an_edge(part, [](std::size_t& count, const Edge&) { ++count; });
     });
@@ -143,8 +144,8 @@ void EdgeSweep::deal_out_edges(int threads, Progress& progress) {
     }
     m_band_begin.push_back(position);
     m_edges.resize(position);
-    PartOfProgress placing(progress, kCountingShare, 1);
-    for_each_item(parts, threads, placing, kText, [&](std::size_t part, int) {
+    base::PartOfProgress placing(progress, kCountingShare, 1);
+    base::for_each_item(parts, threads, placing, kText, [&](std::size_t part, int) {
         for_each_band_of_an_edge(part, [&](std::size_t& place, const Edge& edge) { m_edges[place++] = edge; });
     });
 }

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/contracts/progress.h"
+#include "base/progress.h"
 #include "platform/polygons.h"
 #include "platform/raster.h"
 #include "platform/row_spans.h"
@@ -28,7 +28,7 @@ class EdgeSweep {
     /// \param threads that may be used, as thread_count() gives it. The result does not depend on it.
     /// \param progress hears the share that is done. When it answers stop, the sweep must not be used.
     EdgeSweep(const PolygonSet& polygons, const Grid& grid, std::vector<int> band_lines, int threads,
-              Progress& progress);
+              base::Progress& progress);
     /// Bands of equal height, the last may be lower; on one thread.
     EdgeSweep(const PolygonSet& polygons, const Grid& grid, int rows_per_band);
 
@@ -75,7 +75,7 @@ class EdgeSweep {
     static std::size_t index(int i) noexcept { return static_cast<std::size_t>(i); }
     void set_tolerances();
     void set_bands();
-    void deal_out_edges(int threads, Progress& progress);
+    void deal_out_edges(int threads, base::Progress& progress);
     template <typename Take>
     void for_each_edge(std::size_t first_feature, std::size_t end_feature, Take take) const;
     UpwardEdge upward(const Edge& edge) const noexcept;

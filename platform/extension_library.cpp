@@ -4,8 +4,8 @@
 
 #include <dlfcn.h>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 
 namespace kestrel::platform {
 
@@ -19,21 +19,22 @@ std::string loader_reason() {
 }  // namespace
 
 ExtensionLibrary::ExtensionLibrary(const std::string& path, int line) : m_path(path) {
-    if (!file_exists(path)) {
-        throw RuntimeError(kFileNotFound, "There is no extension library '" + path + "'", "Kestrel", line);
+    if (!base::file_exists(path)) {
+        throw base::RuntimeError(base::kFileNotFound, "There is no extension library '" + path + "'", "Kestrel", line);
     }
     // A path without a separator would be looked for elsewhere.
     const std::string place = path.find('/') == std::string::npos ? "./" + path : path;
     m_handle = ::dlopen(place.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (m_handle == nullptr) {
-        throw RuntimeError(kLibraryFailure, "The extension library cannot be loaded: " + loader_reason(), "Kestrel",
-                           line);
+        throw base::RuntimeError(base::kLibraryFailure, "The extension library cannot be loaded: " + loader_reason(),
+                                 "Kestrel", line);
     }
     m_create = reinterpret_cast<CreateObject*>(::dlsym(m_handle, kCreateObjectSymbol));
     if (m_create == nullptr) {
         const std::string reason = loader_reason();
         ::dlclose(m_handle);
-        throw RuntimeError(kLibraryFailure, "'" + path + "' is no extension library: " + reason, "Kestrel", line);
+        throw base::RuntimeError(base::kLibraryFailure, "'" + path + "' is no extension library: " + reason, "Kestrel",
+                                 line);
     }
 }
 
@@ -44,15 +45,17 @@ ExtensionLibrary::~ExtensionLibrary() {
 std::unique_ptr<ExtensionObject> ExtensionLibrary::create(const std::string& class_id, int line) const {
     std::unique_ptr<ExtensionObject> object(m_create(class_id.c_str()));
     if (!object) {
-        throw RuntimeError(kObjectVariableNotSet,
-                           "The extension library '" + m_path + "' does not make an object of class '" + class_id + "'",
-                           "Kestrel", line);
+        throw base::RuntimeError(
+            base::kObjectVariableNotSet,
+            "The extension library '" + m_path + "' does not make an object of class '" + class_id + "'", "Kestrel",
+            line);
     }
     return object;
 }
 
 void throw_missing_contract(const std::type_info& contract) {
-    throw RuntimeError(kTypeMismatch, std::string("An object of the extension lacks the contract ") + contract.name());
+    throw base::RuntimeError(base::kTypeMismatch,
+                             std::string("An object of the extension lacks the contract ") + contract.name());
 }
 
 }  // namespace kestrel::platform

@@ -8,11 +8,11 @@
 
 #include <algorithm>
 
-#include "platform/errors.h"
+#include "base/errors.h"
+#include "base/parallel.h"
 #include "platform/gdal_support.h"
 #include "platform/layer_reading.h"
 #include "platform/ogr_fields.h"
-#include "platform/parallel.h"
 #include "platform/polygon_reading.h"
 
 namespace kestrel::platform {
@@ -177,8 +177,8 @@ std::vector<int> positions_of(const FeatureClass& features, std::span<const std:
     for (const std::string& name : names) {
         const int position = features.find_field(name);
         if (position < 0) {
-            throw RuntimeError(kInvalidProcedureCall,
-                               fmt::format("{} has no field \"{}\"", features.source().path, name));
+            throw base::RuntimeError(base::kInvalidProcedureCall,
+                                     fmt::format("{} has no field \"{}\"", features.source().path, name));
         }
         positions.push_back(position);
     }
@@ -189,7 +189,8 @@ std::vector<int> positions_of(const FeatureClass& features, std::span<const std:
 
 void FeatureClass::refuse_unless_polygonal() const {
     if (!polygonal()) {
-        throw RuntimeError(kInvalidProcedureCall, fmt::format("{} is no layer of polygons", m_source->open.label));
+        throw base::RuntimeError(base::kInvalidProcedureCall,
+                                 fmt::format("{} is no layer of polygons", m_source->open.label));
     }
 }
 
@@ -207,17 +208,18 @@ PolygonFeatures FeatureClass::read_polygons(std::span<const std::string> field_n
         take_polygons(result, feature, choice, m_source->open.label);
     });
     if (only && count != only->size()) {
-        throw RuntimeError(kInvalidProcedureCall, fmt::format("{} holds only {} of the {} features asked for",
-                                                              m_source->open.label, count, only->size()));
+        throw base::RuntimeError(
+            base::kInvalidProcedureCall,
+            fmt::format("{} holds only {} of the {} features asked for", m_source->open.label, count, only->size()));
     }
     return result;
 }
 
-PolygonFeatures FeatureClass::read_polygons(std::span<const std::string> field_names, Progress& progress,
+PolygonFeatures FeatureClass::read_polygons(std::span<const std::string> field_names, base::Progress& progress,
                                             int threads) const {
     refuse_unless_polygonal();
     const FieldChoice choice{m_source->fields, positions_of(*this, field_names)};
-    return read_all_polygons(m_source->open, m_source->source, choice, progress, thread_count(threads));
+    return read_all_polygons(m_source->open, m_source->source, choice, progress, base::thread_count(threads));
 }
 
 std::vector<std::vector<Value>> FeatureClass::read_columns(std::span<const std::string> field_names) const {

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/contracts/progress.h"
+#include "base/progress.h"
 #include "platform/field.h"
 #include "platform/polygons.h"
 #include "platform/spatial_reference.h"
@@ -87,7 +87,8 @@ class FeatureClass {
     /// \param progress hears the share of the features that is read. When it answers stop, the result is incomplete and
     ///        must not be used.
     /// \param threads that may be used; 0 for as many as there are cores. The result does not depend on it.
-    PolygonFeatures read_polygons(std::span<const std::string> field_names, Progress& progress, int threads) const;
+    PolygonFeatures read_polygons(std::span<const std::string> field_names, base::Progress& progress,
+                                  int threads) const;
 
     /// Reads the attributes alone, as read_polygons() would; of layers of any geometry type.
     std::vector<std::vector<Value>> read_columns(std::span<const std::string> field_names) const;

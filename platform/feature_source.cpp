@@ -4,9 +4,9 @@
 
 #include <array>
 
-#include "platform/errors.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "platform/feature_class.h"
-#include "platform/files.h"
 
 namespace kestrel::platform {
 
@@ -43,7 +43,8 @@ FeatureSource FeatureSource::parse(std::string_view text) {
             break;
         }
         if (option->key == "|layerid=") {
-            throw RuntimeError(kInvalidProcedureCall, fmt::format("Name the layer (|layername=NAME): {}", text));
+            throw base::RuntimeError(base::kInvalidProcedureCall,
+                                     fmt::format("Name the layer (|layername=NAME): {}", text));
         }
         const auto following = next_option(text, option->value);
         if (option->key == "|layername=") {
@@ -56,7 +57,7 @@ FeatureSource FeatureSource::parse(std::string_view text) {
 }
 
 std::string FeatureSource::file() const {
-    return !layer_name.empty() && folder_exists(path) ? join_path(path, layer_name + ".shp") : path;
+    return !layer_name.empty() && base::folder_exists(path) ? base::join_path(path, layer_name + ".shp") : path;
 }
 
 }  // namespace kestrel::platform

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/field.h"
 
-#include "platform/conversions.h"
+#include "base/conversions.h"
 
 namespace kestrel::platform {
 
@@ -19,7 +19,7 @@ struct NumberOf {
     double operator()(std::monostate) const { return 0; }
     double operator()(std::int64_t value) const { return static_cast<double>(value); }
     double operator()(double value) const { return value; }
-    double operator()(const std::string& value) const { return to_double(value); }
+    double operator()(const std::string& value) const { return base::to_double(value); }
 };
 
 }  // namespace

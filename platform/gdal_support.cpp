@@ -35,16 +35,16 @@ bool start() {
 std::int32_t number_of(CPLErrorNum error, const std::string& message) {
     for (const int reason : kReasons) {
         if (message.find(std::strerror(reason)) != std::string::npos) {
-            return system_error(reason, {}).number();
+            return base::system_error(reason, {}).number();
         }
     }
     switch (error) {
         case CPLE_OutOfMemory:
-            return kOutOfMemory;
+            return base::kOutOfMemory;
         case CPLE_FileIO:
-            return kDeviceInputOutputError;
+            return base::kDeviceInputOutputError;
         default:
-            return kLibraryFailure;
+            return base::kLibraryFailure;
     }
 }
 
@@ -55,16 +55,16 @@ void start_gdal() {
     static_cast<void>(started);
 }
 
-RuntimeError gdal_error(const std::string& what, int line) {
+base::RuntimeError gdal_error(const std::string& what, int line) {
     const std::string message = CPLGetLastErrorMsg();
     const std::int32_t number = number_of(CPLGetLastErrorNo(), message);
     CPLErrorReset();
     return {number, message.empty() ? what : what + ": " + message, "Kestrel", line};
 }
 
-RuntimeError gdal_open_error(const std::string& what, const std::string& source, int line) {
+base::RuntimeError gdal_open_error(const std::string& what, const std::string& source, int line) {
     if (::access(source.c_str(), R_OK) != 0 && errno == EACCES) {
-        return system_error(EACCES, source, line);
+        return base::system_error(EACCES, source, line);
     }
     return gdal_error(what, line);
 }

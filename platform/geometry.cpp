@@ -10,10 +10,10 @@
 #include <optional>
 #include <vector>
 
+#include "base/errors.h"
+#include "base/parallel.h"
 #include "platform/edge_cancelling.h"
-#include "platform/errors.h"
 #include "platform/geos_support.h"
-#include "platform/parallel.h"
 #include "platform/polygon_arrangement.h"
 #include "platform/polygon_check.h"
 
@@ -60,32 +60,33 @@ class ThreadContexts {
 };
 
 /// Which features are invalid; none when told to stop.
-std::vector<std::uint8_t> find_invalid(const PolygonSet& polygons, Progress& progress, int threads) {
+std::vector<std::uint8_t> find_invalid(const PolygonSet& polygons, base::Progress& progress, int threads) {
     const std::size_t count = polygons.feature_count();
     std::vector<std::uint8_t> invalid(count, 0);
     ThreadContexts contexts(threads);
     const std::size_t items = (count + kFeaturesPerItem - 1) / kFeaturesPerItem;
-    const bool all = for_each_item(items, threads, progress, "Checking polygons", [&](std::size_t item, int worker) {
-        const std::size_t end = std::min(count, (item + 1) * kFeaturesPerItem);
-        for (std::size_t f = item * kFeaturesPerItem; f < end; ++f) {
-            if (!polygons.empty(f) && !certainly_valid(polygons, f)) {
-                const Geos& geos = contexts.of(worker);
-                invalid[f] = valid(geos, geos.multipolygon(polygons, f)) ? 0 : 1;
+    const bool all =
+        base::for_each_item(items, threads, progress, "Checking polygons", [&](std::size_t item, int worker) {
+            const std::size_t end = std::min(count, (item + 1) * kFeaturesPerItem);
+            for (std::size_t f = item * kFeaturesPerItem; f < end; ++f) {
+                if (!polygons.empty(f) && !certainly_valid(polygons, f)) {
+                    const Geos& geos = contexts.of(worker);
+                    invalid[f] = valid(geos, geos.multipolygon(polygons, f)) ? 0 : 1;
+                }
             }
-        }
-    });
+        });
     return all ? invalid : std::vector<std::uint8_t>(count, 0);
 }
 
 }  // namespace
 
 std::size_t repair(PolygonSet& polygons) {
-    NoProgress nobody;
+    base::NoProgress nobody;
     return repair(polygons, nobody);
 }
 
-std::size_t repair(PolygonSet& polygons, Progress& progress, int threads) {
-    const std::vector<std::uint8_t> invalid = find_invalid(polygons, progress, thread_count(threads));
+std::size_t repair(PolygonSet& polygons, base::Progress& progress, int threads) {
+    const std::vector<std::uint8_t> invalid = find_invalid(polygons, progress, base::thread_count(threads));
     const auto count = static_cast<std::size_t>(std::count(invalid.begin(), invalid.end(), 1));
     if (count == 0) {
         return 0;
@@ -155,14 +156,14 @@ void append_union(PolygonSet& result, const Geos& geos, const PolygonSet& polygo
 }  // namespace
 
 DissolvedPolygons dissolve(const SharedPolygons& polygons, std::span<const std::uint32_t> group_of,
-                           std::size_t group_count, Progress& progress, int threads) {
+                           std::size_t group_count, base::Progress& progress, int threads) {
     const GroupMembers members(*polygons, group_of, group_count);
-    const int workers = thread_count(threads);
+    const int workers = base::thread_count(threads);
     // Few large groups are handed out one by one, many small ones some hundred at a time.
     const std::size_t step = std::clamp<std::size_t>(group_count / 64, 1, 256);
     std::vector<PolygonSet> joined((group_count + step - 1) / step);
     ThreadContexts contexts(workers);
-    for_each_item(joined.size(), workers, progress, "Dissolving polygons", [&](std::size_t item, int worker) {
+    base::for_each_item(joined.size(), workers, progress, "Dissolving polygons", [&](std::size_t item, int worker) {
         const std::size_t end = std::min(group_count, (item + 1) * step);
         for (std::size_t group = item * step; group < end; ++group) {
             if (members.of(group).size() != 1) {

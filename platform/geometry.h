@@ -6,7 +6,7 @@
 #include <functional>
 #include <span>
 
-#include "platform/contracts/progress.h"
+#include "base/progress.h"
 #include "platform/dissolved_polygons.h"
 #include "platform/polygons.h"
 
@@ -19,7 +19,7 @@ namespace kestrel::platform {
 /// \param progress hears the share of the features that was checked. When it answers stop, nothing is repaired.
 /// \param threads that may be used; 0 for as many as there are cores. The result does not depend on it.
 /// \return how many features were invalid.
-std::size_t repair(PolygonSet& polygons, Progress& progress, int threads = 0);
+std::size_t repair(PolygonSet& polygons, base::Progress& progress, int threads = 0);
 /// The same without anyone to tell.
 std::size_t repair(PolygonSet& polygons);
 
@@ -33,7 +33,7 @@ std::size_t repair(PolygonSet& polygons);
 /// \param threads that may be used; 0 for as many as there are cores. The result does not depend on it.
 /// When `progress` answers stop, the result is incomplete and must not be used.
 DissolvedPolygons dissolve(const SharedPolygons& polygons, std::span<const std::uint32_t> group_of,
-                           std::size_t group_count, Progress& progress, int threads = 0);
+                           std::size_t group_count, base::Progress& progress, int threads = 0);
 
 /// Takes one piece of an intersection: the positions of the two features that it comes from, and the piece as feature 0
 /// of a set. Returns true to go on.

@@ -7,7 +7,7 @@
 
 #include <vector>
 
-#include "platform/errors.h"
+#include "base/errors.h"
 
 namespace kestrel::platform {
 
@@ -45,7 +45,8 @@ Geos::~Geos() {
 }
 
 void Geos::fail(const char* what) const {
-    throw RuntimeError(kLibraryFailure, m_message.empty() ? std::string(what) : fmt::format("{}: {}", what, m_message));
+    throw base::RuntimeError(base::kLibraryFailure,
+                             m_message.empty() ? std::string(what) : fmt::format("{}: {}", what, m_message));
 }
 
 Geos::Geometry Geos::owned(GEOSGeom_t* geometry, const char* what) const {

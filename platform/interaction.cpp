@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/contracts/interaction.h"
 
-#include "platform/errors.h"
+#include "base/errors.h"
 
 namespace kestrel::platform {
 
@@ -12,7 +12,8 @@ thread_local ScopedInteraction* t_innermost = nullptr;
 
 Interaction& interaction() {
     if (t_innermost == nullptr) {
-        throw RuntimeError(kObjectVariableNotSet, "This thread has nobody to speak to: no interaction is set");
+        throw base::RuntimeError(base::kObjectVariableNotSet,
+                                 "This thread has nobody to speak to: no interaction is set");
     }
     return *t_innermost->m_current;
 }

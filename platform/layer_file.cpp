@@ -7,8 +7,8 @@
 #include <pugixml.hpp>
 #include <sstream>
 
-#include "platform/conversions.h"
-#include "platform/files.h"
+#include "base/conversions.h"
+#include "base/files.h"
 
 namespace kestrel::platform {
 
@@ -26,8 +26,8 @@ void append_text(pugi::xml_node parent, const char* name, const std::string& tex
 void append_range(pugi::xml_node ranges, std::size_t position, double lower, const ClassBreaksRenderer::Class& entry) {
     pugi::xml_node range = ranges.append_child("range");
     range.append_attribute("symbol").set_value(std::to_string(position).c_str());
-    range.append_attribute("lower").set_value(text_of(lower).c_str());
-    range.append_attribute("upper").set_value(text_of(entry.upper_break).c_str());
+    range.append_attribute("lower").set_value(base::text_of(lower).c_str());
+    range.append_attribute("upper").set_value(base::text_of(entry.upper_break).c_str());
     range.append_attribute("label").set_value(entry.label.c_str());
     range.append_attribute("render").set_value("true");
 }
@@ -91,7 +91,7 @@ void append_layer(pugi::xml_node parent, const LayerDefinition& definition) {
 void write_document(const std::string& path, const pugi::xml_document& document) {
     std::ostringstream text;
     document.save(text, " ", pugi::format_indent, pugi::encoding_utf8);
-    write_file(path, text.view());
+    base::write_file(path, text.view());
 }
 
 }  // namespace

@@ -9,8 +9,8 @@
 
 #include <algorithm>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "platform/gdal_support.h"
 
 namespace kestrel::platform {
@@ -41,10 +41,11 @@ OGRLayer* find_layer(GDALDataset& dataset, const FeatureSource& source) {
         return found;
     }
     if (dataset.GetLayerCount() == 0) {
-        throw RuntimeError(kLibraryFailure, fmt::format("{} holds no layer of features", source.path));
+        throw base::RuntimeError(base::kLibraryFailure, fmt::format("{} holds no layer of features", source.path));
     }
-    throw RuntimeError(kLibraryFailure, fmt::format("{} has no layer \"{}\"; its layers are: {}", source.path,
-                                                    source.layer_name, fmt::join(layer_names(dataset), ", ")));
+    throw base::RuntimeError(base::kLibraryFailure,
+                             fmt::format("{} has no layer \"{}\"; its layers are: {}", source.path, source.layer_name,
+                                         fmt::join(layer_names(dataset), ", ")));
 }
 
 void set_subset(OGRLayer& layer, const std::string& subset, const std::string& label) {
@@ -73,7 +74,7 @@ OpenLayer open_layer(const FeatureSource& source) {
     }
     open.layer = find_layer(*open.dataset, source);
     const std::string name = open.layer->GetName();
-    open.label = base_name_of(source.path) == name ? source.path : source.path + "|layername=" + name;
+    open.label = base::base_name_of(source.path) == name ? source.path : source.path + "|layername=" + name;
     set_subset(*open.layer, source.subset, open.label);
     return open;
 }

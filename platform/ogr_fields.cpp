@@ -7,8 +7,8 @@
 
 #include <string>
 
-#include "platform/conversions.h"
-#include "platform/files.h"
+#include "base/conversions.h"
+#include "base/files.h"
 
 namespace kestrel::platform {
 
@@ -42,7 +42,7 @@ FieldType type_of(const OGRFieldDefn& field) {
 
 /// Text that a source holds in no declared encoding arrives as it is.
 std::string utf8(const char* text) {
-    return CPLIsUTF8(text, -1) != 0 ? std::string(text) : to_utf8(text);
+    return CPLIsUTF8(text, -1) != 0 ? std::string(text) : base::to_utf8(text);
 }
 
 }  // namespace
@@ -73,7 +73,7 @@ Value value_of(const OGRFeature& feature, int position, FieldType type) {
         case FieldType::big_integer:
             return std::int64_t{feature.GetFieldAsInteger64(position)};
         case FieldType::single:
-            return double_of_single(static_cast<float>(feature.GetFieldAsDouble(position)));
+            return base::double_of_single(static_cast<float>(feature.GetFieldAsDouble(position)));
         case FieldType::real:
             return feature.GetFieldAsDouble(position);
         default:

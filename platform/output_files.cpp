@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/output_files.h"
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "platform/shapefile_writer.h"
 
 #include <algorithm>
@@ -20,7 +20,7 @@ bool is_shapefile(const std::string& name) {
 
 /// Moves one file where nobody can be told of a failure any more. \return whether it is there now.
 bool try_move(const std::string& from, const std::string& to) noexcept try {
-    rename_file(from, to);
+    base::rename_file(from, to);
     return true;
 } catch (...) {
     return false;
@@ -29,7 +29,7 @@ bool try_move(const std::string& from, const std::string& to) noexcept try {
 /// Removes a working folder at the end, when a failure must not hide what came before it: a hidden folder stays.
 void try_remove(const std::string& folder) noexcept {
     try {
-        remove_folder(folder);
+        base::remove_folder(folder);
     } catch (...) {
         return;
     }
@@ -43,7 +43,7 @@ std::vector<std::string> names_of_files_in(const std::string& folder) {
         names.push_back(entry->path().filename().string());
     }
     if (error) {
-        throw system_error(error.value(), folder);
+        throw base::system_error(error.value(), folder);
     }
     return names;
 }
@@ -56,27 +56,27 @@ class Move {
         : m_from(std::move(from)), m_to(std::move(to)), m_replaced(std::move(replaced)) {}
     ~Move() {
         for (auto name = m_moved.rbegin(); name != m_moved.rend(); ++name) {
-            try_move(join_path(m_to, *name), join_path(m_from, *name));
+            try_move(base::join_path(m_to, *name), base::join_path(m_from, *name));
         }
         for (const std::string& name : m_kept) {
-            try_move(join_path(m_replaced, name), join_path(m_to, name));
+            try_move(base::join_path(m_replaced, name), base::join_path(m_to, name));
         }
     }
     Move(const Move&) = delete;
     Move& operator=(const Move&) = delete;
 
     void file(const std::string& name) {
-        const std::string place = join_path(m_to, name);
+        const std::string place = base::join_path(m_to, name);
         m_moved.reserve(m_moved.size() + 1);  // so that nothing is moved without being noted
         m_kept.reserve(m_kept.size() + 1);
         std::string moved = name;
         std::string kept = name;
-        if (file_exists(place)) {
-            create_folder(m_replaced);
-            rename_file(place, join_path(m_replaced, name));
+        if (base::file_exists(place)) {
+            base::create_folder(m_replaced);
+            base::rename_file(place, base::join_path(m_replaced, name));
             m_kept.push_back(std::move(kept));
         }
-        rename_file(join_path(m_from, name), place);
+        base::rename_file(base::join_path(m_from, name), place);
         m_moved.push_back(std::move(moved));
     }
 
@@ -96,13 +96,13 @@ class Move {
 }  // namespace
 
 SetAsideOutput::SetAsideOutput(const std::string& path, const std::vector<std::string>& records)
-    : m_folder(folder_of(path)) {
+    : m_folder(base::folder_of(path)) {
     for (const std::string& member : shapefile_members(path)) {
-        m_names.push_back(file_name_of(member));
+        m_names.push_back(base::file_name_of(member));
     }
     for (const std::string& record : records) {
-        if (file_exists(record)) {
-            m_names.push_back(file_name_of(record));
+        if (base::file_exists(record)) {
+            m_names.push_back(base::file_name_of(record));
         }
     }
     if (m_names.empty()) {
@@ -113,10 +113,10 @@ SetAsideOutput::SetAsideOutput(const std::string& path, const std::vector<std::s
     m_names.erase(std::unique(m_names.begin(), m_names.end()), m_names.end());
     std::stable_partition(m_names.begin(), m_names.end(), is_shapefile);
 
-    m_aside = make_unique_folder(m_folder, ".kestrel-old-");
+    m_aside = base::make_unique_folder(m_folder, ".kestrel-old-");
     try {
         for (const std::string& name : m_names) {
-            rename_file(join_path(m_folder, name), join_path(m_aside, name));
+            base::rename_file(base::join_path(m_folder, name), base::join_path(m_aside, name));
         }
     } catch (...) {
         put_back();
@@ -134,8 +134,8 @@ void SetAsideOutput::put_back() noexcept {
     }
     bool whole = true;
     for (auto name = m_names.rbegin(); name != m_names.rend(); ++name) {
-        const std::string kept = join_path(m_aside, *name);
-        whole = (!file_exists(kept) || try_move(kept, join_path(m_folder, *name))) && whole;
+        const std::string kept = base::join_path(m_aside, *name);
+        whole = (!base::file_exists(kept) || try_move(kept, base::join_path(m_folder, *name))) && whole;
     }
     if (whole) {
         try_remove(m_aside);
@@ -146,19 +146,19 @@ void SetAsideOutput::put_back() noexcept {
 void SetAsideOutput::discard() {
     const std::string aside = std::exchange(m_aside, {});
     if (!aside.empty()) {
-        remove_folder(aside);
+        base::remove_folder(aside);
     }
 }
 
 StagedOutput::StagedOutput(const std::string& folder)
-    : m_folder(folder), m_stage(make_unique_folder(folder, ".kestrel-new-")) {}
+    : m_folder(folder), m_stage(base::make_unique_folder(folder, ".kestrel-new-")) {}
 
 StagedOutput::~StagedOutput() {
     try_remove(m_stage);
 }
 
 std::string StagedOutput::path(const std::string& name) const {
-    return join_path(m_stage, name);
+    return base::join_path(m_stage, name);
 }
 
 std::vector<std::string> StagedOutput::publish() {
@@ -173,7 +173,7 @@ std::vector<std::string> StagedOutput::publish() {
     std::vector<std::string> paths;
     paths.reserve(names.size());
     for (const std::string& name : names) {
-        paths.push_back(join_path(m_folder, name));
+        paths.push_back(base::join_path(m_folder, name));
     }
     move.commit();
     return paths;

@@ -15,11 +15,11 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/errors.h"
+#include "base/errors.h"
+#include "base/parallel.h"
 #include "platform/layer_reading.h"
 #include "platform/ogr_fields.h"
 #include "platform/ogr_polygons.h"
-#include "platform/parallel.h"
 
 namespace kestrel::platform {
 
@@ -34,12 +34,12 @@ void take_polygons(PolygonFeatures& features, const OGRFeature& feature, const F
                    const std::string& label) {
     const AppendResult result = append_feature(features.polygons, feature.GetGeometryRef());
     if (result == AppendResult::no_polygon) {
-        throw RuntimeError(kInvalidProcedureCall,
-                           fmt::format("Feature {} of {} is no polygon", feature.GetFID(), label));
+        throw base::RuntimeError(base::kInvalidProcedureCall,
+                                 fmt::format("Feature {} of {} is no polygon", feature.GetFID(), label));
     }
     if (result == AppendResult::not_finite) {
-        throw RuntimeError(
-            kInvalidProcedureCall,
+        throw base::RuntimeError(
+            base::kInvalidProcedureCall,
             fmt::format("Feature {} of {} has a coordinate that is no finite number", feature.GetFID(), label));
     }
     features.ids.push_back(feature.GetFID());
@@ -146,7 +146,7 @@ PolygonFeatures empty_whole(const FeatureSource& source, const FieldChoice& choi
 }  // namespace
 
 PolygonFeatures read_all_polygons(const OpenLayer& open, const FeatureSource& source, const FieldChoice& choice,
-                                  Progress& progress, int threads) {
+                                  base::Progress& progress, int threads) {
     const std::int64_t count = open.layer->GetFeatureCount(FALSE);  // below 0 where it would have to be counted
     const auto items =
         static_cast<std::size_t>(std::max<std::int64_t>(1, (count + kFeaturesPerItem - 1) / kFeaturesPerItem));
@@ -154,21 +154,22 @@ PolygonFeatures read_all_polygons(const OpenLayer& open, const FeatureSource& so
     const auto workers = by_record ? std::min(static_cast<std::size_t>(threads), items) : 1;
     std::vector<std::unique_ptr<PartReader>> readers(workers);
     PartsInOrder parts(empty_whole(source, choice, by_record));
-    for_each_item(items, static_cast<int>(workers), progress, "Reading the layers", [&](std::size_t item, int worker) {
-        std::unique_ptr<PartReader>& reader = readers[static_cast<std::size_t>(worker)];
-        if (reader == nullptr && worker == 0) {
-            reader = std::make_unique<PartReader>(open, source, choice);
-        } else if (reader == nullptr) {
-            reader = std::make_unique<PartReader>(std::make_unique<OpenLayer>(open_layer(source)), source, choice);
-        }
-        const bool last = item + 1 == items;
-        const std::int64_t first = static_cast<std::int64_t>(item) * kFeaturesPerItem;
-        if (workers > 1) {
-            parts.add(item, reader->records(first, last ? PartReader::kAll : first + kFeaturesPerItem));
-        } else {
-            parts.add(item, reader->next(last ? PartReader::kAll : kFeaturesPerItem));
-        }
-    });
+    base::for_each_item(
+        items, static_cast<int>(workers), progress, "Reading the layers", [&](std::size_t item, int worker) {
+            std::unique_ptr<PartReader>& reader = readers[static_cast<std::size_t>(worker)];
+            if (reader == nullptr && worker == 0) {
+                reader = std::make_unique<PartReader>(open, source, choice);
+            } else if (reader == nullptr) {
+                reader = std::make_unique<PartReader>(std::make_unique<OpenLayer>(open_layer(source)), source, choice);
+            }
+            const bool last = item + 1 == items;
+            const std::int64_t first = static_cast<std::int64_t>(item) * kFeaturesPerItem;
+            if (workers > 1) {
+                parts.add(item, reader->records(first, last ? PartReader::kAll : first + kFeaturesPerItem));
+            } else {
+                parts.add(item, reader->next(last ? PartReader::kAll : kFeaturesPerItem));
+            }
+        });
     return parts.whole();
 }
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/contracts/progress.h"
+#include "base/progress.h"
 #include "platform/feature_class.h"
 #include "platform/field.h"
 
@@ -38,6 +38,6 @@ void take_polygons(PolygonFeatures& features, const OGRFeature& feature, const F
 /// \param threads as thread_count() gives it; the result does not depend on it.
 /// \throws RuntimeError as take_polygons() and LayerReading do, whatever comes first in the layer.
 PolygonFeatures read_all_polygons(const OpenLayer& open, const FeatureSource& source, const FieldChoice& choice,
-                                  Progress& progress, int threads);
+                                  base::Progress& progress, int threads);
 
 }  // namespace kestrel::platform

@@ -13,8 +13,8 @@
 #include <span>
 #include <string_view>
 
-#include "platform/conversions.h"
-#include "platform/errors.h"
+#include "base/conversions.h"
+#include "base/errors.h"
 #include "platform/gdal_support.h"
 #include "platform/tile_lines.h"
 
@@ -30,15 +30,15 @@ using DatasetPointer = std::unique_ptr<GDALDataset, CloseDataset>;
 Grid grid_of(GDALDataset& dataset, const std::string& source) {
     std::array<double, 6> transform{};
     if (dataset.GetGeoTransform(transform.data()) != CE_None) {
-        throw RuntimeError(
-            kInvalidProcedureCall,
+        throw base::RuntimeError(
+            base::kInvalidProcedureCall,
             fmt::format(
                 "The raster \"{}\" has no position in a map: give it one, for example with gdal_translate -a_ullr",
                 source));
     }
     if (transform[2] != 0 || transform[4] != 0 || !(transform[1] > 0) || transform[5] == 0) {
-        throw RuntimeError(
-            kInvalidProcedureCall,
+        throw base::RuntimeError(
+            base::kInvalidProcedureCall,
             fmt::format("The raster \"{}\" is rotated or mirrored: make it north up first, for example with gdalwarp",
                         source));
     }
@@ -148,8 +148,8 @@ struct RasterDataset::Source {
 void RasterDataset::Source::inspect_band() {
     const GDALDataType type = band->GetRasterDataType();
     if (GDALDataTypeIsComplex(type) != 0) {
-        throw RuntimeError(
-            kInvalidProcedureCall,
+        throw base::RuntimeError(
+            base::kInvalidProcedureCall,
             fmt::format("The raster \"{}\" holds complex numbers: land cover must be class codes", name));
     }
     const int mask_flags = band->GetMaskFlags();
@@ -197,13 +197,13 @@ void RasterDataset::Source::open_band() {
     if (!dataset) {
         std::error_code error;
         if (!std::filesystem::exists(name, error)) {
-            throw RuntimeError(kFileNotFound, fmt::format("There is no raster \"{}\"", name));
+            throw base::RuntimeError(base::kFileNotFound, fmt::format("There is no raster \"{}\"", name));
         }
         throw gdal_error(fmt::format("The raster \"{}\" cannot be opened", name));
     }
     if (dataset->GetRasterCount() == 0) {
-        throw RuntimeError(kInvalidProcedureCall,
-                           fmt::format("\"{}\" holds no band of cells: name one of its rasters", name));
+        throw base::RuntimeError(base::kInvalidProcedureCall,
+                                 fmt::format("\"{}\" holds no band of cells: name one of its rasters", name));
     }
     band = dataset->GetRasterBand(1);
 }
@@ -318,10 +318,10 @@ void RasterDataset::Source::read_bytes(const CellWindow& window, CellBuffer& buf
 
 void RasterDataset::Source::check_read(CPLErr error, const CellWindow& window) const {
     if (error != CE_None) {
-        throw RuntimeError(kDeviceInputOutputError,
-                           gdal_error(fmt::format("The raster \"{}\" cannot be read at rows {} to {}", name,
-                                                  window.first_row + 1, window.first_row + window.rows))
-                               .description());
+        throw base::RuntimeError(base::kDeviceInputOutputError,
+                                 gdal_error(fmt::format("The raster \"{}\" cannot be read at rows {} to {}", name,
+                                                        window.first_row + 1, window.first_row + window.rows))
+                                     .description());
     }
 }
 
@@ -370,7 +370,7 @@ void RasterDataset::Source::convert(const CellWindow& window, GDALDataType type,
             const double code = has_signed_bytes && value > 127 ? value - 256 : value;
             cells[i] = static_cast<std::int64_t>(code);
         } else {
-            refuse(window, i, text_of(value));
+            refuse(window, i, base::text_of(value));
         }
     }
 }
@@ -385,10 +385,10 @@ void RasterDataset::Source::apply_mask(const CellWindow& window, std::span<std::
     CPLErrorReset();
     if (band->GetMaskBand()->RasterIO(GF_Read, window.first_column, window.first_row, window.columns, window.rows,
                                       mask.data(), window.columns, window.rows, GDT_Byte, 0, 0, nullptr) != CE_None) {
-        throw RuntimeError(kDeviceInputOutputError,
-                           gdal_error(fmt::format("The mask of the raster \"{}\" cannot be read at row {}", name,
-                                                  window.first_row + 1))
-                               .description());
+        throw base::RuntimeError(base::kDeviceInputOutputError,
+                                 gdal_error(fmt::format("The mask of the raster \"{}\" cannot be read at row {}", name,
+                                                        window.first_row + 1))
+                                     .description());
     }
     for (std::size_t i = 0; i < cells.size(); ++i) {
         cells[i] = mask[i] == 0 ? kWideNodata : 0;
@@ -400,8 +400,8 @@ void RasterDataset::Source::refuse(const CellWindow& window, std::size_t cell, c
         static_cast<std::size_t>(window.first_row) + cell / static_cast<std::size_t>(window.columns);
     const std::size_t column =
         static_cast<std::size_t>(window.first_column) + cell % static_cast<std::size_t>(window.columns);
-    throw RuntimeError(
-        kInvalidProcedureCall,
+    throw base::RuntimeError(
+        base::kInvalidProcedureCall,
         fmt::format(
             "The raster \"{}\" holds {} at row {}, column {}: land cover must be whole class codes from -2147483648 to 2147483647",
             name, value, row + 1, column + 1));

@@ -8,7 +8,7 @@
 
 #include <array>
 
-#include "platform/errors.h"
+#include "base/errors.h"
 #include "platform/gdal_support.h"
 
 namespace kestrel::platform {
@@ -56,7 +56,7 @@ RasterWriter::RasterWriter(const std::string& path, const RasterDefinition& defi
     start_gdal();
     GDALDriver* driver = GetGDALDriverManager()->GetDriverByName("GTiff");
     if (driver == nullptr) {
-        throw RuntimeError(kLibraryFailure, "The GDAL library cannot write GeoTIFF files");
+        throw base::RuntimeError(base::kLibraryFailure, "The GDAL library cannot write GeoTIFF files");
     }
     std::array<const char*, 5> options{"TILED=YES", "COMPRESS=DEFLATE", "PREDICTOR=1", "BIGTIFF=IF_SAFER", nullptr};
     m_state->path = path;
@@ -85,7 +85,8 @@ RasterWriter::~RasterWriter() = default;
 
 void RasterWriter::write_rows(int first_row, int count, std::span<const std::uint8_t> cells) {
     if (cells.size() != static_cast<std::size_t>(m_state->columns) * static_cast<std::size_t>(count)) {
-        throw RuntimeError(kInvalidProcedureCall, "Rows of a raster were given with too few or too many cells");
+        throw base::RuntimeError(base::kInvalidProcedureCall,
+                                 "Rows of a raster were given with too few or too many cells");
     }
     if (m_state->band().RasterIO(GF_Write, 0, first_row, m_state->columns, count,
                                  const_cast<std::uint8_t*>(cells.data()), m_state->columns, count, GDT_Byte, 0, 0,

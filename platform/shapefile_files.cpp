@@ -15,8 +15,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "platform/shapefile_writer.h"
 
 namespace kestrel::platform {
@@ -37,7 +37,7 @@ class WrittenFile {
   public:
     explicit WrittenFile(std::string path) : m_path(std::move(path)), m_descriptor(::open(m_path.c_str(), O_RDONLY)) {
         if (m_descriptor < 0) {
-            throw system_error(errno, m_path);
+            throw base::system_error(errno, m_path);
         }
     }
     ~WrittenFile() { ::close(m_descriptor); }
@@ -46,9 +46,9 @@ class WrittenFile {
 
     void expect(bool whole) const {
         if (!whole) {
-            const bool full = device_full(folder_of(m_path));
-            throw RuntimeError(
-                full ? kDiskFull : kDeviceInputOutputError,
+            const bool full = device_full(base::folder_of(m_path));
+            throw base::RuntimeError(
+                full ? base::kDiskFull : base::kDeviceInputOutputError,
                 fmt::format("{} was not written completely{}", m_path, full ? ": the device is full" : ""));
         }
     }
@@ -56,7 +56,7 @@ class WrittenFile {
     std::int64_t size() const {
         struct stat status {};
         if (::fstat(m_descriptor, &status) != 0) {
-            throw system_error(errno, m_path);
+            throw base::system_error(errno, m_path);
         }
         return status.st_size;
     }
@@ -134,7 +134,7 @@ bool device_full(const std::string& folder) {
 }
 
 void check_shapefile_files(const std::string& path, std::int64_t features, bool referenced) {
-    const std::string stem = join_path(folder_of(path), base_name_of(path));
+    const std::string stem = base::join_path(base::folder_of(path), base::base_name_of(path));
     check_shapes(path);
     check_index(stem + ".shx", features);
     check_table(stem + ".dbf", features);
@@ -145,8 +145,8 @@ void check_shapefile_files(const std::string& path, std::int64_t features, bool 
 }
 
 std::vector<std::string> shapefile_members(const std::string& path) {
-    const std::string folder = folder_of(path);
-    const std::string base = base_name_of(path);
+    const std::string folder = base::folder_of(path);
+    const std::string base = base::base_name_of(path);
     std::vector<std::string> members;
     std::error_code error;
     fs::directory_iterator entry(folder.empty() ? "." : folder, error);
@@ -154,11 +154,11 @@ std::vector<std::string> shapefile_members(const std::string& path) {
         const std::string name = entry->path().filename().string();
         std::error_code ignored;
         if (name.starts_with(base) && member_extension(name.substr(base.size())) && !entry->is_directory(ignored)) {
-            members.push_back(join_path(folder, name));
+            members.push_back(base::join_path(folder, name));
         }
     }
     if (error && error != std::errc::no_such_file_or_directory) {
-        throw system_error(error.value(), folder);
+        throw base::system_error(error.value(), folder);
     }
     std::sort(members.begin(), members.end());
     return members;

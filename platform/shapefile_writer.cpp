@@ -12,9 +12,9 @@
 #include <cmath>
 #include <limits>
 
+#include "base/errors.h"
+#include "base/files.h"
 #include "platform/dbase_records.h"
-#include "platform/errors.h"
-#include "platform/files.h"
 #include "platform/gdal_support.h"
 #include "platform/shape_records.h"
 #include "platform/shapefile_files.h"
@@ -87,14 +87,15 @@ std::int64_t integer_of(const Value& value, const std::string& field) {
     const auto* const number = std::get_if<double>(&value);
     constexpr double kBound = 9223372036854775808.0;
     if (number == nullptr || *number != std::trunc(*number) || !(std::abs(*number) < kBound)) {
-        throw RuntimeError(kTypeMismatch, fmt::format("\"{}\" is no whole number (field {})", text_of(value), field));
+        throw base::RuntimeError(base::kTypeMismatch,
+                                 fmt::format("\"{}\" is no whole number (field {})", text_of(value), field));
     }
     return static_cast<std::int64_t>(*number);
 }
 
 void remove_members(const std::string& path) {
     for (const std::string& member : shapefile_members(path)) {
-        remove_file(member);
+        base::remove_file(member);
     }
 }
 
@@ -123,16 +124,17 @@ void NewShapefile::check(bool good) const {
     if (good && CPLGetLastErrorType() < CE_Warning) {
         return;
     }
-    const RuntimeError error = gdal_error(fmt::format("{} cannot be written", m_path));
+    const base::RuntimeError error = gdal_error(fmt::format("{} cannot be written", m_path));
     // Some of the library's messages leave the reason out.
-    throw device_full(folder_of(m_path)) ? RuntimeError(kDiskFull, error.description() + ": the device is full")
-                                         : error;
+    throw device_full(base::folder_of(m_path))
+        ? base::RuntimeError(base::kDiskFull, error.description() + ": the device is full")
+        : error;
 }
 
 void NewShapefile::create_layer(const SpatialReference& reference) {
     GDALDriver* const driver = GetGDALDriverManager()->GetDriverByName("ESRI Shapefile");
     if (driver == nullptr) {
-        throw RuntimeError(kLibraryFailure, "GDAL has no driver for shapefiles");
+        throw base::RuntimeError(base::kLibraryFailure, "GDAL has no driver for shapefiles");
     }
     m_dataset.reset(driver->Create(m_path.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
     check(m_dataset != nullptr);
@@ -142,8 +144,8 @@ void NewShapefile::create_layer(const SpatialReference& reference) {
     }
     CPLStringList options;
     options.SetNameValue("ENCODING", "UTF-8");
-    m_layer = m_dataset->CreateLayer(base_name_of(m_path).c_str(), reference.known() ? &system : nullptr, wkbPolygon,
-                                     options.List());
+    m_layer = m_dataset->CreateLayer(base::base_name_of(m_path).c_str(), reference.known() ? &system : nullptr,
+                                     wkbPolygon, options.List());
     check(m_layer != nullptr);
 }
 
@@ -198,8 +200,8 @@ struct ShapefileWriter::State {
 ShapefileWriter::State::State(const std::string& shapefile, std::span<const Field> given)
     : path(shapefile),
       fields(given.begin(), given.end()),
-      shapes(join_path(folder_of(shapefile), base_name_of(shapefile))),
-      table(join_path(folder_of(shapefile), base_name_of(shapefile) + ".dbf")) {
+      shapes(base::join_path(base::folder_of(shapefile), base::base_name_of(shapefile))),
+      table(base::join_path(base::folder_of(shapefile), base::base_name_of(shapefile) + ".dbf")) {
     for (const Field& field : given) {
         const Storage storage = storage_of(field);
         scales.push_back(storage.scale);
@@ -212,8 +214,8 @@ template <typename Call>
 void ShapefileWriter::State::written(Call call) const {
     try {
         call();
-    } catch (const RuntimeError& error) {
-        throw RuntimeError(error.number(), fmt::format("{} cannot be written: {}", path, error.description()));
+    } catch (const base::RuntimeError& error) {
+        throw base::RuntimeError(error.number(), fmt::format("{} cannot be written: {}", path, error.description()));
     }
 }
 
@@ -221,8 +223,8 @@ void ShapefileWriter::State::written(Call call) const {
 void ShapefileWriter::State::check_limits(std::int64_t more_shape_bytes) const {
     constexpr std::int64_t kLimit = std::numeric_limits<std::int32_t>::max();
     if (shapes.size() + more_shape_bytes > kLimit || table.size() + table.record_size() > kLimit) {
-        throw RuntimeError(
-            kDiskFull,
+        throw base::RuntimeError(
+            base::kDiskFull,
             fmt::format("{} would pass the 2 GB that a shapefile may have; use fewer or simpler polygons", path));
     }
 }
@@ -231,8 +233,8 @@ void ShapefileWriter::State::set_real(std::size_t field, double value) {
     const double bound = bounds[field];
     // A sign takes the room of a digit; so does what rounds up to one more.
     if (!(value < bound && value > -bound / 10) || !table.set_real(field, value, scales[field])) {
-        throw RuntimeError(kOverflow,
-                           fmt::format("{} is too large for the field {} of {}", value, fields[field].name, path));
+        throw base::RuntimeError(
+            base::kOverflow, fmt::format("{} is too large for the field {} of {}", value, fields[field].name, path));
     }
 }
 
@@ -255,8 +257,8 @@ void ShapefileWriter::State::set(std::size_t field, const Value& value) {
 
 ShapefileWriter::ShapefileWriter(const std::string& path, std::span<const Field> fields,
                                  const SpatialReference& reference) {
-    if (const std::string folder = folder_of(path); !folder.empty() && !folder_exists(folder)) {
-        throw RuntimeError(kPathNotFound, fmt::format("{} cannot be written: its folder is missing", path));
+    if (const std::string folder = base::folder_of(path); !folder.empty() && !base::folder_exists(folder)) {
+        throw base::RuntimeError(base::kPathNotFound, fmt::format("{} cannot be written: its folder is missing", path));
     }
     start_gdal();
     remove_members(path);
@@ -270,7 +272,7 @@ ShapefileWriter::ShapefileWriter(const std::string& path, std::span<const Field>
 ShapefileWriter::~ShapefileWriter() {
     try {
         close();
-    } catch (const RuntimeError&) {
+    } catch (const base::RuntimeError&) {
         return;  // whoever wants to know calls close()
     }
 }
@@ -278,8 +280,8 @@ ShapefileWriter::~ShapefileWriter() {
 void ShapefileWriter::insert(const PolygonSet& polygons, std::size_t feature, std::span<const Value> values) {
     State& state = *m_state;
     if (!state.open || values.size() != state.fields.size()) {
-        throw RuntimeError(kInvalidProcedureCall,
-                           fmt::format("{} takes a value for each field until it is closed", state.path));
+        throw base::RuntimeError(base::kInvalidProcedureCall,
+                                 fmt::format("{} takes a value for each field until it is closed", state.path));
     }
     state.check_limits(shape_size(polygons, feature));
     for (std::size_t i = 0; i < values.size(); ++i) {

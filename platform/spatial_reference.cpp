@@ -11,7 +11,7 @@
 #include <mutex>
 #include <vector>
 
-#include "platform/errors.h"
+#include "base/errors.h"
 #include "platform/gdal_support.h"
 
 namespace kestrel::platform {
@@ -282,7 +282,8 @@ struct Chunk {
 
 void project(PolygonSet& polygons, const SpatialReference& from, const SpatialReference& to) {
     if (!from.known() || !to.known()) {
-        throw RuntimeError(kInvalidProcedureCall, "Coordinates without a coordinate system cannot be projected");
+        throw base::RuntimeError(base::kInvalidProcedureCall,
+                                 "Coordinates without a coordinate system cannot be projected");
     }
     const Transformation way = transformation(from, to);
     std::vector<Point> projected(polygons.points().begin(), polygons.points().end());

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/table.h"
 
-#include "platform/errors.h"
+#include "base/errors.h"
 
 #include <algorithm>
 #include <bit>
@@ -50,7 +50,8 @@ void Table::Rows::reserve(std::size_t count) {
 Table::Table(std::string name, std::vector<Field> fields, int line)
     : m_name(std::move(name)), m_rows(std::make_shared<Rows>()) {
     if (fields.size() < kFirstNumberField) {
-        throw RuntimeError(kInvalidProcedureCall, "A table needs an object id and a key: " + m_name, "Kestrel", line);
+        throw base::RuntimeError(base::kInvalidProcedureCall, "A table needs an object id and a key: " + m_name,
+                                 "Kestrel", line);
     }
     for (Field& field : fields) {
         add_field(std::move(field), line);
@@ -65,8 +66,8 @@ int Table::find_field(std::string_view name) const noexcept {
 int Table::add_field(Field field, int line) {
     const auto position = static_cast<int>(m_fields.size());
     if (!m_field_positions.try_emplace(field.name, position).second) {
-        throw RuntimeError(kKeyAlreadyExists, "The table " + m_name + " has a field of this name: " + field.name,
-                           "Kestrel", line);
+        throw base::RuntimeError(base::kKeyAlreadyExists,
+                                 "The table " + m_name + " has a field of this name: " + field.name, "Kestrel", line);
     }
     m_fields.push_back(std::move(field));
     if (m_fields.size() > kFirstNumberField) {
@@ -79,15 +80,15 @@ void Table::add_key(std::string key, int line) {
     Rows& rows = *m_rows;
     const std::size_t row = rows.keys.size();
     if (row == kFree) {
-        throw RuntimeError(kOverflow, "The table " + m_name + " has too many rows", "Kestrel", line);
+        throw base::RuntimeError(base::kOverflow, "The table " + m_name + " has too many rows", "Kestrel", line);
     }
     if (2 * (row + 1) > rows.buckets.size()) {
         rows.reserve(2 * (row + 1));
     }
     std::uint32_t& slot = rows.slot_of(key);
     if (slot != kFree) {
-        throw RuntimeError(kKeyAlreadyExists, "The table " + m_name + " has a row of this key: " + key, "Kestrel",
-                           line);
+        throw base::RuntimeError(base::kKeyAlreadyExists, "The table " + m_name + " has a row of this key: " + key,
+                                 "Kestrel", line);
     }
     rows.keys.push_back(std::move(key));
     slot = static_cast<std::uint32_t>(row);
@@ -155,7 +156,7 @@ std::span<const double> Table::numbers(int field, int line) const {
 void Table::set_number(std::size_t row, int field, double value, int line) {
     check_row(row, line);
     const std::size_t column = column_of(field, line);
-    own_column(column)[row] = round_to_scale(value, m_fields[static_cast<std::size_t>(field)].scale);
+    own_column(column)[row] = base::round_to_scale(value, m_fields[static_cast<std::size_t>(field)].scale);
 }
 
 Table::NumberSetter Table::number_setter(int field, int line) {
@@ -164,21 +165,22 @@ Table::NumberSetter Table::number_setter(int field, int line) {
 }
 
 void Table::NumberSetter::refuse_row(std::size_t row, int line) {
-    throw RuntimeError(kSubscriptOutOfRange, "A table has no row " + std::to_string(row), "Kestrel", line);
+    throw base::RuntimeError(base::kSubscriptOutOfRange, "A table has no row " + std::to_string(row), "Kestrel", line);
 }
 
 std::size_t Table::column_of(int field, int line) const {
     if (field < static_cast<int>(kFirstNumberField) || field >= static_cast<int>(m_fields.size())) {
-        throw RuntimeError(kSubscriptOutOfRange,
-                           "The table " + m_name + " has no number field " + std::to_string(field), "Kestrel", line);
+        throw base::RuntimeError(base::kSubscriptOutOfRange,
+                                 "The table " + m_name + " has no number field " + std::to_string(field), "Kestrel",
+                                 line);
     }
     return static_cast<std::size_t>(field) - kFirstNumberField;
 }
 
 void Table::check_row(std::size_t row, int line) const {
     if (row >= row_count()) {
-        throw RuntimeError(kSubscriptOutOfRange, "The table " + m_name + " has no row " + std::to_string(row),
-                           "Kestrel", line);
+        throw base::RuntimeError(base::kSubscriptOutOfRange,
+                                 "The table " + m_name + " has no row " + std::to_string(row), "Kestrel", line);
     }
 }
 

@@ -13,7 +13,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/conversions.h"
+#include "base/conversions.h"
 #include "platform/field.h"
 
 namespace kestrel::platform {
@@ -70,7 +70,7 @@ class Table {
             if (row >= m_numbers.size()) {
                 refuse_row(row, line);
             }
-            m_numbers[row] = round_to_scale(value, m_scale);
+            m_numbers[row] = base::round_to_scale(value, m_scale);
         }
 
       private:

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/table.h"
 
-#include "platform/files.h"
+#include "base/files.h"
 #include "platform/gdal_support.h"
 
 #include <fmt/format.h>
@@ -38,7 +38,7 @@ class MemoryFolder {
     MemoryFolder(const MemoryFolder&) = delete;
     MemoryFolder& operator=(const MemoryFolder&) = delete;
 
-    std::string path(std::string_view name) const { return join_path(m_path, name); }
+    std::string path(std::string_view name) const { return base::join_path(m_path, name); }
     std::string_view bytes(std::string_view name) const {
         vsi_l_offset size = 0;
         const GByte* data = VSIGetMemFileBuffer(path(name).c_str(), &size, FALSE);
@@ -85,7 +85,7 @@ void write_dbf(const Table& table, const std::string& path) {
     start_gdal();
     GDALDriver* driver = GetGDALDriverManager()->GetDriverByName("ESRI Shapefile");
     if (driver == nullptr) {
-        throw RuntimeError(kLibraryFailure, "This GDAL has no driver for dBASE files");
+        throw base::RuntimeError(base::kLibraryFailure, "This GDAL has no driver for dBASE files");
     }
     const MemoryFolder folder;
     GDALDatasetUniquePtr dataset(driver->Create(folder.path("table.dbf").c_str(), 0, 0, 0, GDT_Unknown, nullptr));
@@ -98,8 +98,9 @@ void write_dbf(const Table& table, const std::string& path) {
     create_fields(*layer, table);
     write_rows(*layer, table);
     dataset.reset();  // the header of a table without rows is written on closing only
-    write_file(path, folder.bytes("table.dbf"));
-    write_file(join_path(folder_of(path), base_name_of(path) + ".cpg"), folder.bytes("table.cpg"));
+    base::write_file(path, folder.bytes("table.dbf"));
+    base::write_file(base::join_path(base::folder_of(path), base::base_name_of(path) + ".cpg"),
+                     folder.bytes("table.cpg"));
 }
 
 }  // namespace kestrel::platform

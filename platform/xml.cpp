@@ -12,9 +12,9 @@
 #include <new>
 #include <pugixml.hpp>
 
-#include "platform/errors.h"
-#include "platform/files.h"
-#include "platform/utf8.h"
+#include "base/errors.h"
+#include "base/files.h"
+#include "base/utf8.h"
 
 namespace kestrel::platform {
 
@@ -26,11 +26,11 @@ constexpr std::size_t kMaxBytes = 16 * 1024 * 1024;
 constexpr int kMaxDepth = 256;
 constexpr std::string_view kWhiteSpace = " \t\r\n";
 
-RuntimeError not_readable(const std::string& what, int line) {
-    return {kLibraryFailure, what, "Kestrel", line};
+base::RuntimeError not_readable(const std::string& what, int line) {
+    return {base::kLibraryFailure, what, "Kestrel", line};
 }
 
-RuntimeError not_readable(std::string_view text, std::size_t offset, std::string_view what, int line) {
+base::RuntimeError not_readable(std::string_view text, std::size_t offset, std::string_view what, int line) {
     const std::string_view before = text.substr(0, offset);
     const std::size_t line_start = before.rfind('\n') + 1;  // npos + 1 is 0: the first line
     return not_readable(fmt::format("line {}, column {}: {}", 1 + std::count(before.begin(), before.end(), '\n'),
@@ -53,10 +53,11 @@ std::size_t find_control_character(std::string_view text) {
 }
 
 void require_storable(std::string_view text, int line) {
-    if (find_control_character(text) != std::string_view::npos || !valid_utf8(text)) {
-        throw RuntimeError(kInvalidProcedureCall,
-                           fmt::format("Invalid procedure call: \"{}\" holds a character that XML cannot hold", text),
-                           "Kestrel", line);
+    if (find_control_character(text) != std::string_view::npos || !base::valid_utf8(text)) {
+        throw base::RuntimeError(
+            base::kInvalidProcedureCall,
+            fmt::format("Invalid procedure call: \"{}\" holds a character that XML cannot hold", text), "Kestrel",
+            line);
     }
 }
 
@@ -104,7 +105,7 @@ std::string utf8_of(std::string_view bytes, int line) {
     bytes.remove_prefix(marked ? 3 : 0);
     const std::string encoding = marked ? "UTF-8" : declared_encoding(bytes);
     if (encoding.empty()) {
-        return to_utf8(bytes);
+        return base::to_utf8(bytes);
     }
     const auto foreign = [](char c) {
         return (c < '0' || c > '9') && (c < 'A' || c > 'Z') && (c < 'a' || c > 'z') && c != '-' && c != '_' && c != '.';
@@ -249,17 +250,17 @@ XmlDocument XmlDocument::parse(std::string_view text, int line) {
 XmlDocument XmlDocument::load(const std::string& path, int line) {
     std::error_code ignored;  // read_file() says what is wrong with a path
     if (fs::is_other(path, ignored)) {
-        throw RuntimeError(kPathFileAccessError, "This is not a file: " + path, "Kestrel", line);
+        throw base::RuntimeError(base::kPathFileAccessError, "This is not a file: " + path, "Kestrel", line);
     }
     const std::uintmax_t size = fs::file_size(path, ignored);
     if (!ignored && size > kMaxBytes) {
         throw not_readable(fmt::format("{}: The document is larger than {} bytes", path, kMaxBytes), line);
     }
-    const std::string bytes = read_file(path, line);
+    const std::string bytes = base::read_file(path, line);
     try {
         return parse(bytes, line);
-    } catch (const RuntimeError& error) {
-        throw RuntimeError(error.number(), path + ": " + error.description(), error.source(), line);
+    } catch (const base::RuntimeError& error) {
+        throw base::RuntimeError(error.number(), path + ": " + error.description(), error.source(), line);
     }
 }
 
@@ -324,7 +325,8 @@ std::string XmlElement::node_text(std::string_view path) const {
 
 XmlElement XmlElement::append(std::string_view name) {
     if (!*this) {
-        throw RuntimeError(kObjectVariableNotSet, "Object variable not set: there is no element to build upon");
+        throw base::RuntimeError(base::kObjectVariableNotSet,
+                                 "Object variable not set: there is no element to build upon");
     }
     const pugi::xml_node child = m_node->node.append_child(std::string(name).c_str());
     if (!child) {
@@ -344,7 +346,8 @@ void XmlElement::append(std::string_view name, std::string_view text, int line) 
 void XmlElement::set_attribute(std::string_view name, std::string_view value, int line) {
     require_storable(value, line);
     if (!*this) {
-        throw RuntimeError(kObjectVariableNotSet, "Object variable not set: there is no element to build upon");
+        throw base::RuntimeError(base::kObjectVariableNotSet,
+                                 "Object variable not set: there is no element to build upon");
     }
     const std::string key(name);
     pugi::xml_attribute attribute = m_node->node.attribute(key.c_str());

@@ -5,9 +5,9 @@
 #include <atomic>
 #include <memory>
 
+#include "base/parallel.h"
+#include "base/part_of_progress.h"
 #include "platform/band_counter.h"
-#include "platform/parallel.h"
-#include "platform/part_of_progress.h"
 
 namespace kestrel::platform {
 
@@ -17,9 +17,9 @@ namespace {
 constexpr double kPlanningShare = 0.05;
 
 /// Progress of the counting that raises a flag when it is told to stop: a band of a wide raster is long work.
-class StopFlag final : public Progress {
+class StopFlag final : public base::Progress {
   public:
-    explicit StopFlag(Progress& whole) : m_counting(whole, kPlanningShare, 1) {}
+    explicit StopFlag(base::Progress& whole) : m_counting(whole, kPlanningShare, 1) {}
 
     bool report(double fraction, std::string_view text) override {
         const bool go_on = m_counting.report(fraction, text);
@@ -30,7 +30,7 @@ class StopFlag final : public Progress {
     const std::atomic<bool>& stopped() const { return m_stopped; }
 
   private:
-    PartOfProgress m_counting;
+    base::PartOfProgress m_counting;
     std::atomic<bool> m_stopped = false;
 };
 
@@ -53,9 +53,9 @@ ZoneCounts gathered(std::vector<std::unique_ptr<BandCounter>>& counters, std::si
 
 }  // namespace
 
-ZoneCounts tabulate(const RasterDataset& raster, const TabulationInput& input, int threads, Progress& progress) {
-    const int workers = thread_count(threads);
-    PartOfProgress planning(progress, 0, kPlanningShare);
+ZoneCounts tabulate(const RasterDataset& raster, const TabulationInput& input, int threads, base::Progress& progress) {
+    const int workers = base::thread_count(threads);
+    base::PartOfProgress planning(progress, 0, kPlanningShare);
     const TabulationPlan plan(raster, input, workers, planning);
     if (progress.cancelled()) {
         return {};
@@ -63,15 +63,16 @@ ZoneCounts tabulate(const RasterDataset& raster, const TabulationInput& input, i
     StopFlag counting(progress);
     std::vector<std::unique_ptr<BandCounter>> counters(static_cast<std::size_t>(workers));
     const auto bands = static_cast<std::size_t>(plan.layers.zones.band_count());
-    const bool all = for_each_item(bands, workers, counting, "Counting land cover", [&](std::size_t band, int worker) {
-        auto& counter = counters[static_cast<std::size_t>(worker)];
-        if (!counter) {
-            counter = std::make_unique<BandCounter>(raster.reopened(), plan, counting.stopped());
-            // A worker's share of the zones, and some that others meet in their bands too.
-            counter->reserve(plan.zone_count / counters.size() * 5 / 4);
-        }
-        counter->count(static_cast<int>(band));
-    });
+    const bool all =
+        base::for_each_item(bands, workers, counting, "Counting land cover", [&](std::size_t band, int worker) {
+            auto& counter = counters[static_cast<std::size_t>(worker)];
+            if (!counter) {
+                counter = std::make_unique<BandCounter>(raster.reopened(), plan, counting.stopped());
+                // A worker's share of the zones, and some that others meet in their bands too.
+                counter->reserve(plan.zone_count / counters.size() * 5 / 4);
+            }
+            counter->count(static_cast<int>(band));
+        });
     if (!all) {
         return {};
     }

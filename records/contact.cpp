@@ -6,7 +6,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "platform/files.h"
+#include "base/files.h"
 
 namespace kestrel {
 
@@ -39,8 +39,8 @@ void read_entry(std::string_view line, const std::unordered_map<std::string_view
 
 Contact read_contact(const std::string& extension_folder) {
     Contact contact;
-    const std::string path = platform::join_path(extension_folder, "etc/contact.ini");
-    if (!platform::file_exists(path)) {
+    const std::string path = base::join_path(extension_folder, "etc/contact.ini");
+    if (!base::file_exists(path)) {
         return contact;
     }
     const std::unordered_map<std::string_view, std::string*> values{
@@ -55,7 +55,7 @@ Contact read_contact(const std::string& extension_folder) {
         {"hours", &contact.hours},
         {"web_page", &contact.web_page},
     };
-    platform::TextReader reader(path);
+    base::TextReader reader(path);
     while (const std::optional<std::string> line = reader.read_line()) {
         read_entry(*line, values);
     }

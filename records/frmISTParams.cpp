@@ -12,9 +12,9 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "base/errors.h"
+#include "base/files.h"
 #include "host/error_report.h"
-#include "platform/errors.h"
-#include "platform/files.h"
 #include "records/record_files.h"
 #include "records/viewer_texts.h"
 
@@ -169,7 +169,7 @@ void frmISTParams::Form_Activate() try {
 
 std::vector<frmISTParams::FoundLayer> frmISTParams::scan_ParamLayers() try {
     if (m_application == nullptr) {
-        throw platform::RuntimeError(platform::kObjectVariableNotSet, "Object variable not set");
+        throw base::RuntimeError(base::kObjectVariableNotSet, "Object variable not set");
     }
     std::vector<FoundLayer> found;
     for (const auto& layer : feature_layers(m_application->document().focus_map())) {
@@ -215,7 +215,7 @@ void frmISTParams::cboSelLayers_Click() try {
     // With the name of one layer never stands the text or the caption of another, also when reading fails.
     txtTParams->clear();
     setWindowTitle(viewer_texts::kNoFile);
-    const std::string text = platform::to_utf8(platform::read_file(file.filePath().toStdString()));
+    const std::string text = base::to_utf8(base::read_file(file.filePath().toStdString()));
     txtTParams->setPlainText(QString::fromStdString(text));
     setWindowTitle(
         QString::fromStdString(viewer_texts::caption(m_listed_type, cboSelLayers->currentText().toStdString())));

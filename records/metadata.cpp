@@ -5,14 +5,14 @@
 #include <initializer_list>
 #include <string_view>
 
-#include "platform/conversions.h"
-#include "platform/files.h"
+#include "base/conversions.h"
+#include "base/files.h"
 
 namespace kestrel {
 
 namespace {
 
-using platform::TextWriter;
+using base::TextWriter;
 
 void write_lines(TextWriter& file, std::initializer_list<std::string_view> lines) {
     for (const std::string_view line : lines) {
@@ -45,7 +45,7 @@ void write_description(TextWriter& file, const RunRecord& record, const Contact&
 }
 
 void write_spatial_domain(TextWriter& file, const platform::Envelope& extent) {
-    const auto bound = [&extent](double value) { return extent.empty() ? kEnterValue : platform::text_of(value); };
+    const auto bound = [&extent](double value) { return extent.empty() ? kEnterValue : base::text_of(value); };
     write_lines(file, {"  Spatial_Domain:", "    Bounding_Coordinates:"});
     file.write_line("      West_Bounding_Coordinate: " + bound(extent.min_x));
     file.write_line("      East_Bounding_Coordinate: " + bound(extent.max_x));

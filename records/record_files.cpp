@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "records/record_files.h"
 
-#include "platform/files.h"
+#include "base/files.h"
 
 namespace kestrel {
 
@@ -18,11 +18,11 @@ void take_feature_layer(const std::shared_ptr<platform::Layer>& layer,
 }
 
 std::string source_name(const platform::FeatureSource& source) {
-    return source.layer_name.empty() ? platform::base_name_of(source.path) : source.layer_name;
+    return source.layer_name.empty() ? base::base_name_of(source.path) : source.layer_name;
 }
 
 bool has_record(const std::string& folder, const std::string& name, const std::string& ending) {
-    return !name.empty() && platform::file_exists(folder + name + "." + ending);
+    return !name.empty() && base::file_exists(folder + name + "." + ending);
 }
 
 }  // namespace
@@ -45,7 +45,7 @@ std::string source_folder(const platform::FeatureSource& source) {
         return {};
     }
     // A folder of shapefiles is a source of several layers.
-    std::string folder = platform::folder_exists(source.path) ? source.path : platform::folder_of(source.path);
+    std::string folder = base::folder_exists(source.path) ? source.path : base::folder_of(source.path);
     if (folder.empty()) {
         return "./";
     }

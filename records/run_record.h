@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/clock.h"
+#include "base/clock.h"
 
 namespace kestrel {
 
@@ -28,7 +28,7 @@ struct ScenarioRecord {
 /// carry the names that the user chose.
 struct RunRecord {
     /// Taken once; run report and metadata share it.
-    platform::LocalTime time;
+    base::LocalTime time;
     std::string output_layer;
     std::string land_cover_layer;
     std::string land_cover_units;

@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "records/run_report.h"
 
-#include "platform/files.h"
+#include "base/files.h"
 
 namespace kestrel {
 
 namespace {
 
-using platform::TextWriter;
+using base::TextWriter;
 
 void write_layers(TextWriter& file, const RunRecord& record) {
     file.write_line("Impervious surface analysis run: " + record.time.long_form());

@@ -5,13 +5,13 @@
 #include <vector>
 
 #include "apps/cli/refusal.h"
+#include "base/files.h"
 #include "coefficients/basUtil.h"
-#include "platform/files.h"
 
 namespace kestrel::cli {
 
 void load_store(const std::string& path, clsISModelProperties& store) {
-    if (!platform::file_exists(path)) {
+    if (!base::file_exists(path)) {
         refuse("There is no coefficient store '{}'. Give one with --store.", path);
     }
     if (!basUtil::GetISModelProperties(store, path)) {
@@ -19,7 +19,7 @@ void load_store(const std::string& path, clsISModelProperties& store) {
         refuse(
             "The coefficient store '{}' cannot be read: it is no coefficient store, or a damaged one. Give another "
             "with --store{}.",
-            path, platform::file_exists(copy) ? "; a copy of its state before the last save is '" + copy + "'" : "");
+            path, base::file_exists(copy) ? "; a copy of its state before the last save is '" + copy + "'" : "");
     }
 }
 

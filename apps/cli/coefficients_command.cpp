@@ -16,14 +16,14 @@
 #include "apps/cli/coefficients_subcommand.h"
 #include "apps/cli/refusal.h"
 #include "apps/cli/text_width.h"
+#include "base/conversions.h"
 #include "coefficients/basISModelPropsUtil.h"
 #include "coefficients/clsLCClass.h"
 #include "coefficients/indented_text.h"
-#include "platform/conversions.h"
 
 namespace kestrel::cli {
 
-using platform::text_of;
+using base::text_of;
 
 namespace {
 

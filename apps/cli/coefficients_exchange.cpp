@@ -14,10 +14,10 @@
 #include "apps/cli/chosen_store.h"
 #include "apps/cli/coefficients_subcommand.h"
 #include "apps/cli/refusal.h"
+#include "base/files.h"
 #include "coefficients/basISModelPropsUtil.h"
 #include "coefficients/clsLCClass.h"
 #include "platform/contracts/interaction.h"
-#include "platform/files.h"
 
 namespace kestrel::cli {
 
@@ -26,15 +26,15 @@ namespace {
 /// The store at `path` for one who writes it. The store of an extension folder shares that folder's lock.
 CoefficientStore store_at(const std::string& path) {
     CoefficientStore store = CoefficientStore::at(path);
-    if (platform::file_name_of(path) == "isprops.xml" && platform::file_name_of(store.lock_folder) == "etc") {
-        const std::string extension_folder = platform::folder_of(store.lock_folder);
+    if (base::file_name_of(path) == "isprops.xml" && base::file_name_of(store.lock_folder) == "etc") {
+        const std::string extension_folder = base::folder_of(store.lock_folder);
         store.lock_folder = extension_folder.empty() ? "." : extension_folder;
     }
     return store;
 }
 
 int import_set(const CoefficientsOptions& options) {
-    if (!platform::file_exists(options.file)) {
+    if (!base::file_exists(options.file)) {
         refuse("There is no file '{}' to import.", options.file);
     }
     clsISModelProperties store;
@@ -52,14 +52,14 @@ void check_export_file(const CoefficientsOptions& options, const std::string& st
     if (std::filesystem::equivalent(options.file, store, ignored)) {
         refuse("'{}' is the coefficient store itself. Give another file to export to.", options.file);
     }
-    const std::string folder = platform::folder_of(options.file);
-    if (!folder.empty() && !platform::folder_exists(folder)) {
+    const std::string folder = base::folder_of(options.file);
+    if (!folder.empty() && !base::folder_exists(folder)) {
         refuse("The folder of the file does not exist: '{}'. Make it, or give another file.", folder);
     }
-    if (platform::folder_exists(options.file)) {
+    if (base::folder_exists(options.file)) {
         refuse("'{}' is a folder. Give a file to export to.", options.file);
     }
-    if (platform::file_exists(options.file) && !options.overwrite) {
+    if (base::file_exists(options.file) && !options.overwrite) {
         refuse("The file exists already: '{}'. Give --overwrite to replace it, or another file.", options.file);
     }
 }
@@ -90,7 +90,7 @@ int export_set(const CoefficientsOptions& options) {
 }
 
 int merge(const CoefficientsOptions& options) {
-    if (!platform::file_exists(options.file)) {
+    if (!base::file_exists(options.file)) {
         refuse("There is no file '{}' to merge.", options.file);
     }
     clsISModelProperties store;

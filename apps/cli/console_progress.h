@@ -10,7 +10,7 @@
 #include <ostream>
 #include <string>
 
-#include "platform/contracts/progress.h"
+#include "base/progress.h"
 
 namespace kestrel::cli {
 
@@ -34,7 +34,7 @@ class StopSignals {
 };
 
 /// A run's progress as one line that is drawn over and over at the end of a terminal.
-class ConsoleProgress final : public platform::Progress {
+class ConsoleProgress final : public base::Progress {
   public:
     using Now = std::function<std::chrono::steady_clock::time_point()>;
 

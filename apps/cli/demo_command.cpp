@@ -14,9 +14,9 @@
 #include "apps/cli/demo_land.h"
 #include "apps/cli/refusal.h"
 #include "apps/cli/user_files.h"
+#include "base/files.h"
 #include "coefficients/clsISLCDef.h"
 #include "coefficients/clsLCClass.h"
-#include "platform/files.h"
 
 namespace kestrel::cli {
 
@@ -69,9 +69,9 @@ std::string fitting_set(const std::string& store_path) {
 }
 
 std::string command_text(const std::string& folder, const std::string& set) {
-    const auto path = [&](const std::string& name) { return quoted(platform::join_path(folder, name)); };
+    const auto path = [&](const std::string& name) { return quoted(base::join_path(folder, name)); };
     const auto scenario = [&](const std::string& name, const std::string& code) {
-        return quoted(platform::join_path(folder, name) + ":" + code);
+        return quoted(base::join_path(folder, name) + ":" + code);
     };
     return "kestrel run --land-cover " + path(kDemoLandCover) + " \\\n    --zones " + path(kDemoWatersheds) +
            " --field NAME \\\n    --store " + path(kStoreName) + " --set " + quoted(set) +
@@ -86,7 +86,7 @@ void make_empty_folder(const std::string& folder) {
     if (fs::exists(folder, error) && (!fs::is_directory(folder, error) || !fs::is_empty(folder, error))) {
         refuse("'{}' exists and is no empty folder. Give a new folder for the demonstration.", folder);
     }
-    platform::create_folders(folder);
+    base::create_folders(folder);
 }
 
 }  // namespace
@@ -116,9 +116,9 @@ int make_demo(const std::string& given_folder, const DemoSize& size, std::ostrea
     write_demo_watersheds(folder, size);
     write_demo_blocks(folder, size);
     write_demo_scenarios(folder, size);
-    platform::copy_file(store, platform::join_path(folder, kStoreName));
+    base::copy_file(store, base::join_path(folder, kStoreName));
     const std::string command = command_text(folder, set);
-    platform::write_file(platform::join_path(folder, kCommandName), "#!/bin/sh\n" + command + " \"$@\"\n");
+    base::write_file(base::join_path(folder, kCommandName), "#!/bin/sh\n" + command + " \"$@\"\n");
     out << "The demonstration lies in " << folder << ": land cover of " << size.columns << " x " << size.rows
         << " cells, watersheds,\ncensus blocks with population density, and two development scenarios. Run it with\n\n"
         << command << "\n\nThe same command stands in " << kCommandName << ", which takes further options.\n";

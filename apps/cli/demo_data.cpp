@@ -12,8 +12,8 @@
 #include "apps/cli/demo_land.h"
 #include "apps/cli/demo_noise.h"
 #include "apps/cli/demo_regions.h"
-#include "platform/conversions.h"
-#include "platform/files.h"
+#include "base/conversions.h"
+#include "base/files.h"
 #include "platform/raster_writer.h"
 #include "platform/shapefile_writer.h"
 #include "platform/spatial_reference.h"
@@ -181,7 +181,7 @@ Grid demo_grid(const DemoSize& size) {
 void write_demo_land_cover(const std::string& folder, const DemoSize& size) {
     const DemoLand land(size.columns, size.rows, size.seed);
     platform::RasterWriter writer(
-        platform::join_path(folder, kDemoLandCover),
+        base::join_path(folder, kDemoLandCover),
         {.grid = demo_grid(size), .reference = demo_reference(), .nodata = kDemoNodata, .classes = demo_classes()});
     std::vector<std::uint8_t> cells;
     for (int first = 0; first < size.rows; first += kBandRows) {
@@ -212,7 +212,7 @@ void write_demo_watersheds(const std::string& folder, const DemoSize& size) {
     std::vector<std::int32_t> labels;
     const PolygonSet polygons =
         polygons_of(lattice_of(frame, kColumns, kRows, shed_at), frame, demo_grid(size), labels);
-    write_polygons(platform::join_path(folder, kDemoWatersheds), {integer_field("SHED_ID"), text_field("NAME", 30)},
+    write_polygons(base::join_path(folder, kDemoWatersheds), {integer_field("SHED_ID"), text_field("NAME", 30)},
                    polygons, [&](std::size_t i) {
                        const auto shed = static_cast<std::size_t>(labels[i]);
                        return std::vector<Value>{std::int64_t{labels[i]} + 1, std::string(kShedNames[shed])};
@@ -234,14 +234,14 @@ void write_demo_blocks(const std::string& folder, const DemoSize& size) {
     const std::vector<Field> fields{
         text_field("BLOCK_ID", 12), integer_field("POP"),
         Field{.name = "POP_DEN", .type = FieldType::real, .length = 12, .precision = 12, .scale = 2}};
-    write_polygons(platform::join_path(folder, kDemoBlocks), fields, polygons, [&](std::size_t i) {
+    write_polygons(base::join_path(folder, kDemoBlocks), fields, polygons, [&](std::size_t i) {
         const Point seed = seeds[static_cast<std::size_t>(labels[i])];
         const double urbanity = land.urbanity(seed.x, seed.y);
         const double spread = 0.6 + 0.8 * unit_random(size.seed + kBlockStream + 9, labels[i]);
         const double area = polygons.area(i) / 1e6;
         const double people = std::round(area * spread * (4 + 4200 * urbanity * urbanity * urbanity));
-        return std::vector<Value>{"B" + platform::text_of(std::int32_t{1000 + labels[i]}),
-                                  static_cast<std::int64_t>(people), platform::round_to_scale(people / area, 2)};
+        return std::vector<Value>{"B" + base::text_of(std::int32_t{1000 + labels[i]}),
+                                  static_cast<std::int64_t>(people), base::round_to_scale(people / area, 2)};
     });
 }
 
@@ -261,13 +261,13 @@ void write_demo_scenarios(const std::string& folder, const DemoSize& size) {
 
     PolygonSet mall;
     site(mall, from_centre(-255.4, 52.7), {{0, 0}, {38, 4}, {37, 20}, {21, 19}, {20, 34}, {-3, 31}});
-    write_polygons(platform::join_path(folder, kDemoMall), {text_field("PROJECT", 30)}, mall,
+    write_polygons(base::join_path(folder, kDemoMall), {text_field("PROJECT", 30)}, mall,
                    [](std::size_t) { return std::vector<Value>{std::string("Mall with car park")}; });
 
     PolygonSet subdivision;
     site(subdivision, from_centre(75.3, 236.6), {{0, 0}, {52, -6}, {60, 30}, {24, 44}, {2, 36}});
     site(subdivision, from_centre(148.8, 246.2), {{0, 0}, {31, 3}, {33, 27}, {4, 29}});
-    write_polygons(platform::join_path(folder, kDemoSubdivision), {text_field("PROJECT", 30)}, subdivision,
+    write_polygons(base::join_path(folder, kDemoSubdivision), {text_field("PROJECT", 30)}, subdivision,
                    [](std::size_t i) {
                        return std::vector<Value>{std::string(i == 0 ? "Subdivision, phase 1" : "Subdivision, phase 2")};
                    });

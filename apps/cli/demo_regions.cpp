@@ -7,7 +7,7 @@
 #include <map>
 #include <utility>
 
-#include "platform/errors.h"
+#include "base/errors.h"
 
 namespace kestrel::cli {
 
@@ -161,7 +161,7 @@ platform::PolygonSet region_polygons(const RegionLattice& lattice,
                 polygons.add(place(corner.second, corner.first));
                 const auto step = border.find(corner);
                 if (step == border.end()) {
-                    throw platform::RuntimeError(platform::kInvalidProcedureCall, "A region touches itself");
+                    throw base::RuntimeError(base::kInvalidProcedureCall, "A region touches itself");
                 }
                 corner = step->second;
                 border.erase(step);

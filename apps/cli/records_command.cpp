@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "apps/cli/refusal.h"
-#include "platform/files.h"
+#include "base/files.h"
 
 namespace kestrel::cli {
 
@@ -47,24 +47,24 @@ std::vector<std::string> names_with(const std::string& folder, const std::string
 
 int print_record(const RecordsRequest& request, std::ostream& out) {
     const std::string extension = request.metadata ? ".met" : ".prm";
-    const std::string given = platform::folder_of(request.shapefile);
+    const std::string given = base::folder_of(request.shapefile);
     const std::string folder = given.empty() ? "." : given;
-    const std::string base = platform::base_name_of(platform::file_name_of(request.shapefile));
+    const std::string base = base::base_name_of(base::file_name_of(request.shapefile));
     if (base.empty()) {
         refuse("'{}' names no shapefile. Give the output of a run, such as results/sheds_is.shp.", request.shapefile);
     }
-    if (!platform::folder_exists(folder)) {
+    if (!base::folder_exists(folder)) {
         refuse("There is no folder '{}'.", folder);
     }
     const std::string name = base + extension;
-    std::string path = platform::join_path(folder, name);
-    if (!platform::file_exists(path) && !request.layer_name.empty()) {
-        path = platform::join_path(folder, request.layer_name + extension);
+    std::string path = base::join_path(folder, name);
+    if (!base::file_exists(path) && !request.layer_name.empty()) {
+        path = base::join_path(folder, request.layer_name + extension);
     }
-    if (!platform::file_exists(path)) {
+    if (!base::file_exists(path)) {
         refuse_missing(folder, name, extension);
     }
-    platform::TextReader reader(path);
+    base::TextReader reader(path);
     while (const auto line = reader.read_line()) {
         out << *line << "\n";
     }

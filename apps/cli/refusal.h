@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/errors.h"
+#include "base/errors.h"
 
 namespace kestrel::cli {
 
@@ -17,7 +17,7 @@ enum ExitStatus : int { kDone = 0, kRefused = 1, kWrongCommandLine = 2, kCancell
 /// Ends the command with status 1 and a message that says what is wrong, where, and what to do.
 template <typename... Values>
 [[noreturn]] void refuse(fmt::format_string<Values...> text, Values&&... values) {
-    throw platform::RuntimeError(platform::kInvalidProcedureCall, fmt::format(text, std::forward<Values>(values)...));
+    throw base::RuntimeError(base::kInvalidProcedureCall, fmt::format(text, std::forward<Values>(values)...));
 }
 
 }  // namespace kestrel::cli

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "apps/cli/text_width.h"
-#include "platform/conversions.h"
+#include "base/conversions.h"
 
 namespace kestrel::cli {
 
@@ -109,8 +109,8 @@ ZoneResult total_of(const RunResult& result) {
         total.nodata_cells += zone.nodata_cells;
     }
     // Zones have 6 decimals; the sum of so many doubles may have more.
-    total.total_area = platform::round_to_scale(total.total_area, 6);
-    total.impervious_area = platform::round_to_scale(total.impervious_area, 6);
+    total.total_area = base::round_to_scale(total.total_area, 6);
+    total.impervious_area = base::round_to_scale(total.impervious_area, 6);
     if (total.total_area != 0) {
         total.percent = total.impervious_area / total.total_area * 100;
     }

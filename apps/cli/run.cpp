@@ -16,8 +16,8 @@
 #include "apps/cli/run_inputs.h"
 #include "apps/cli/run_output.h"
 #include "apps/cli/user_files.h"
+#include "base/files.h"
 #include "host/headless_run.h"
-#include "platform/files.h"
 
 namespace kestrel::cli {
 
@@ -30,8 +30,8 @@ std::string store_path(const RunRequest& request) {
     if (!request.store.empty()) {
         return request.store;
     }
-    const std::string own = platform::join_path(request.extension_folder, "etc/isprops.xml");
-    return !request.extension_folder.empty() && platform::file_exists(own) ? own : user_store();
+    const std::string own = base::join_path(request.extension_folder, "etc/isprops.xml");
+    return !request.extension_folder.empty() && base::file_exists(own) ? own : user_store();
 }
 
 void check_output(const RunOutput& output, const RunRequest& request, const RunInputs& inputs,
@@ -116,7 +116,7 @@ int run(const RunRequest& request, std::ostream& out, std::ostream& err, bool on
         progress.clear_line();
         tell_kept(ending.kept_folder, console);
         return tell_result(request, ending, out, console);
-    } catch (const platform::RuntimeError& refusal) {
+    } catch (const base::RuntimeError& refusal) {
         if (!request.json) {
             throw;
         }

@@ -14,7 +14,7 @@
 #include "apps/cli/run.h"
 #include "apps/cli/run_output.h"
 #include "apps/cli/run_request.h"
-#include "platform/conversions.h"
+#include "base/conversions.h"
 
 namespace kestrel::cli {
 
@@ -95,7 +95,7 @@ void add_output_options(CLI::App& command, RunRequest& request) {
 }
 
 void check_cut_off(const std::string& option, const std::string& value) {
-    if (!platform::numeric(value)) {
+    if (!base::numeric(value)) {
         throw CLI::ValidationError(option, "'" + value + "' is no number");
     }
 }
@@ -116,7 +116,7 @@ void check_density(const RunRequest& request) {
     if (request.by_density()) {
         check_cut_off("--density-high", request.density_high);
         check_cut_off("--density-low", request.density_low);
-        if (platform::to_double(request.density_high) < platform::to_double(request.density_low)) {
+        if (base::to_double(request.density_high) < base::to_double(request.density_low)) {
             throw CLI::ValidationError("--density-high",
                                        "is below --density-low: " + request.density_high + " < " + request.density_low);
         }

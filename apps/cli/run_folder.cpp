@@ -11,7 +11,7 @@ namespace {
 std::unique_ptr<PrivateRunFolder> private_folder(const std::string& contact_file) {
     try {
         return std::make_unique<PrivateRunFolder>(contact_file);
-    } catch (const platform::RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         refuse("{}. Set TMPDIR, or give --extension-folder.", error.description());
     }
 }
@@ -21,12 +21,12 @@ std::unique_ptr<PrivateRunFolder> private_folder(const std::string& contact_file
 RunFolder::RunFolder(const std::string& chosen, const std::string& contact_file)
     : m_private(chosen.empty() ? private_folder(contact_file) : nullptr),
       m_path(m_private ? m_private->path() : chosen) {
-    if (m_private == nullptr && !platform::folder_exists(chosen)) {
+    if (m_private == nullptr && !base::folder_exists(chosen)) {
         refuse("The extension folder does not exist: '{}'. Make it, or leave --extension-folder out.", chosen);
     }
     try {
-        m_lock = std::make_unique<platform::FolderLock>(m_path);
-    } catch (const platform::RuntimeError& error) {
+        m_lock = std::make_unique<base::FolderLock>(m_path);
+    } catch (const base::RuntimeError& error) {
         refuse("The extension folder cannot be used. {}. Give another --extension-folder, or none.",
                error.description());
     }

@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
+#include "base/files.h"
 #include "host/headless_run.h"
-#include "platform/files.h"
 
 namespace kestrel::cli {
 
@@ -27,7 +27,7 @@ class RunFolder {
   private:
     std::unique_ptr<PrivateRunFolder> m_private;
     std::string m_path;
-    std::unique_ptr<platform::FolderLock> m_lock;
+    std::unique_ptr<base::FolderLock> m_lock;
 };
 
 }  // namespace kestrel::cli

@@ -9,18 +9,18 @@
 
 #include "apps/cli/chosen_store.h"
 #include "apps/cli/refusal.h"
+#include "base/conversions.h"
 #include "host/run_choices.h"
-#include "platform/conversions.h"
 #include "platform/raster.h"
 
 namespace kestrel::cli {
 
+using base::RuntimeError;
 using platform::FeatureClass;
 using platform::FeatureSource;
 using platform::Field;
 using platform::FieldType;
 using platform::RasterDataset;
-using platform::RuntimeError;
 using platform::SpatialReference;
 
 namespace {
@@ -38,7 +38,7 @@ FeatureClass open_polygons(std::string_view option, const FeatureSource& source)
     try {
         opened = FeatureClass::open(source);
     } catch (const RuntimeError& error) {
-        if (error.number() == platform::kFileNotFound) {
+        if (error.number() == base::kFileNotFound) {
             refuse("The source of {} cannot be opened. There is no file '{}'.", option, source.path);
         }
         refuse("The source of {} cannot be opened. {}", option, error.description());
@@ -180,7 +180,7 @@ void add_scenarios(RunInputs& inputs, const RunRequest& request) {
         const FeatureClass polygons = open_polygons("--scenario", source);
         inputs.parameters.scenarios.push_back({++number, inputs.layers.add_features(source, polygons),
                                                class_name(inputs.store, inputs.set_name, scenario.code),
-                                               platform::text_of(scenario.code)});
+                                               base::text_of(scenario.code)});
     }
 }
 

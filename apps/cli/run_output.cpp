@@ -7,7 +7,7 @@
 #include <stdexcept>
 
 #include "apps/cli/refusal.h"
-#include "platform/files.h"
+#include "base/files.h"
 #include "platform/shapefile_writer.h"
 
 namespace kestrel::cli {
@@ -46,12 +46,12 @@ std::string summary_of(std::vector<std::string> files, const std::string& shapef
 
 RunOutput output_of(const std::string& text, const std::string& layer_name) {
     const std::string given = trimmed(text);
-    const std::string name = platform::file_name_of(given);
+    const std::string name = base::file_name_of(given);
     if (name.empty() || name == "." || name == ".." || lower_case(name) == ".shp") {
         throw std::invalid_argument("'" + text + "' has no file name: write DIR/NAME.shp");
     }
-    if (platform::folder_exists(given) && !lower_case(name).ends_with(".shp")) {
-        throw std::invalid_argument("'" + text + "' is a folder: write " + platform::join_path(given, "NAME.shp"));
+    if (base::folder_exists(given) && !lower_case(name).ends_with(".shp")) {
+        throw std::invalid_argument("'" + text + "' is a folder: write " + base::join_path(given, "NAME.shp"));
     }
     RunOutput output;
     // An empty path has no absolute form of its own; "." is the present folder.
@@ -61,7 +61,7 @@ RunOutput output_of(const std::string& text, const std::string& layer_name) {
         output.folder.pop_back();
     }
     output.file_name = with_extension(name);
-    output.layer_name = layer_name.empty() ? platform::base_name_of(output.file_name) : layer_name;
+    output.layer_name = layer_name.empty() ? base::base_name_of(output.file_name) : layer_name;
     if (const auto reason = wrong_name(output)) {
         throw std::invalid_argument(*reason);
     }
@@ -70,7 +70,7 @@ RunOutput output_of(const std::string& text, const std::string& layer_name) {
 
 void check_folder(const RunOutput& output) {
     if (const auto reason = unusable_folder(output)) {
-        const bool missing = !platform::folder_exists(output.folder);
+        const bool missing = !base::folder_exists(output.folder);
         refuse("{} {} another --output.", *reason, missing ? "Make it, or give" : "Give");
     }
 }

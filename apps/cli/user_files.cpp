@@ -7,8 +7,8 @@
 #include <string_view>
 
 #include "apps/cli/refusal.h"
+#include "base/files.h"
 #include "host/extension_folder.h"
-#include "platform/files.h"
 
 namespace kestrel::cli {
 
@@ -21,7 +21,7 @@ constexpr std::array kShippedFiles{"isprops.xml", "contact.ini"};
 /// Empty when the user has no home.
 std::string user_etc() {
     const std::string data = user_data_folder();
-    return data.empty() ? data : platform::join_path(data, "kestrel/etc");
+    return data.empty() ? data : base::join_path(data, "kestrel/etc");
 }
 
 /// The `etc` that came with the program, beside the extension library. Empty when there is none.
@@ -39,7 +39,7 @@ std::string installed_etc() {
 
 std::string user_store() {
     const std::string etc = user_etc();
-    if (!etc.empty() && platform::file_exists(etc + "/isprops.xml")) {
+    if (!etc.empty() && base::file_exists(etc + "/isprops.xml")) {
         return etc + "/isprops.xml";
     }
     const std::string installed = installed_etc();
@@ -53,17 +53,17 @@ std::string user_store() {
         return installed + "/isprops.xml";
     }
     try {
-        platform::create_folders(etc);
-    } catch (const platform::RuntimeError& error) {
+        base::create_folders(etc);
+    } catch (const base::RuntimeError& error) {
         refuse(
             "There is no place for a coefficient store of your own: {}. Give one with --store, or set XDG_DATA_HOME.",
             error.description());
     }
     for (const std::string_view name : kShippedFiles) {
-        const std::string from = platform::join_path(installed, name);
-        const std::string to = platform::join_path(etc, name);
-        if (platform::file_exists(from) && !platform::file_exists(to)) {
-            platform::copy_file(from, to);
+        const std::string from = base::join_path(installed, name);
+        const std::string to = base::join_path(etc, name);
+        if (base::file_exists(from) && !base::file_exists(to)) {
+            base::copy_file(from, to);
         }
     }
     return etc + "/isprops.xml";

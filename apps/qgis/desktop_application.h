@@ -21,7 +21,7 @@ class DesktopApplication final : public platform::Application {
     struct Desktop {
         platform::Interaction& interaction;
         /// The progress of the run in hand.
-        std::function<platform::Progress&()> progress;
+        std::function<base::Progress&()> progress;
         /// Draws the canvas anew.
         std::function<void()> redraw;
         /// Tells the user how a run ended.
@@ -39,7 +39,7 @@ class DesktopApplication final : public platform::Application {
     std::shared_ptr<platform::FeatureLayer> make_feature_layer(const std::string& path,
                                                                const std::string& name) override;
     platform::Interaction& interaction() override { return m_desktop.interaction; }
-    platform::Progress& progress() override { return m_desktop.progress(); }
+    base::Progress& progress() override { return m_desktop.progress(); }
     void run_ended(platform::RunResult result) override;
 
     /// Makes an extension findable; it outlives the application.

@@ -30,7 +30,7 @@ void log(std::string_view text, Qgis::MessageLevel level) {
 }
 
 /// What QGIS shows and leaves off while a waiting window is up.
-class ProgressInQgis final : public platform::Progress {
+class ProgressInQgis final : public base::Progress {
   public:
     explicit ProgressInQgis(QgisInterface& iface) : m_iface(iface), m_bar(new QProgressBar) {
         m_bar->setObjectName("kestrelProgress");

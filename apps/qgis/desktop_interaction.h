@@ -34,7 +34,7 @@ class DesktopInteraction final : public platform::Interaction {
     void beep() override { m_boxes.beep(); }
 
     /// As QtInteraction::progress().
-    platform::Progress& progress() { return m_boxes.progress(); }
+    base::Progress& progress() { return m_boxes.progress(); }
     /// Tells how a run ended.
     void run_ended(const platform::RunResult& result);
     /// Tells of something that does not work, and why.

@@ -11,7 +11,7 @@
 
 #include "apps/qgis/desktop_renderer.h"
 #include "apps/qgis/layer_sources.h"
-#include "platform/errors.h"
+#include "base/errors.h"
 
 namespace kestrel::qgis {
 
@@ -24,8 +24,8 @@ namespace {
 template <typename MapLayer>
 MapLayer& living(const QPointer<MapLayer>& layer, int line = __builtin_LINE()) {
     if (layer.isNull()) {
-        throw platform::RuntimeError(platform::kObjectVariableNotSet, "The layer has been removed from the map",
-                                     "Kestrel", line);
+        throw base::RuntimeError(base::kObjectVariableNotSet, "The layer has been removed from the map", "Kestrel",
+                                 line);
     }
     return *layer;
 }

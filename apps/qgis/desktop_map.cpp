@@ -13,7 +13,7 @@
 
 #include "apps/qgis/desktop_layers.h"
 #include "apps/qgis/layer_sources.h"
-#include "platform/errors.h"
+#include "base/errors.h"
 
 namespace kestrel::qgis {
 
@@ -93,7 +93,7 @@ void DesktopMap::add_layer(std::shared_ptr<Layer> layer) {
     auto* const made = dynamic_cast<DesktopFeatureLayer*>(layer.get());
     std::unique_ptr<QgsVectorLayer> owned = made == nullptr ? nullptr : made->release();
     if (!owned) {
-        throw platform::RuntimeError(platform::kInvalidProcedureCall, "Only a new layer can be added to the map");
+        throw base::RuntimeError(base::kInvalidProcedureCall, "Only a new layer can be added to the map");
     }
     QgsVectorLayer* const added = owned.release();
     m_project.addMapLayer(added, false);

@@ -11,7 +11,7 @@ class QgsProcessingFeedback;
 namespace kestrel::qgis {
 
 /// A run's progress as that of a Processing algorithm.
-class FeedbackProgress final : public platform::Progress {
+class FeedbackProgress final : public base::Progress {
   public:
     explicit FeedbackProgress(QgsProcessingFeedback& feedback) : m_feedback(feedback) {}
     bool report(double fraction, std::string_view text) override;

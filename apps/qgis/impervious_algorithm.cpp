@@ -13,12 +13,12 @@
 #include "apps/qgis/layer_copies.h"
 #include "apps/qgis/layer_sources.h"
 #include "apps/qgis/run_texts.h"
+#include "base/conversions.h"
+#include "base/files.h"
 #include "coefficients/basUtil.h"
 #include "host/headless_run.h"
 #include "host/run_choices.h"
 #include "host/run_layers.h"
-#include "platform/conversions.h"
-#include "platform/files.h"
 #include "platform/raster.h"
 
 namespace kestrel::qgis {
@@ -43,7 +43,7 @@ template <typename Work>
 auto translated(Work work) {
     try {
         return work();
-    } catch (const platform::RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         refuse(qt(error.description()));
     }
 }
@@ -84,7 +84,7 @@ QVariantMap outputs_of(const platform::RunResult& result, const RunOutput& outpu
         area += zone.total_area;
         impervious += zone.impervious_area;
     }
-    const QString records = qt(platform::join_path(output.folder, output.layer_name));
+    const QString records = qt(base::join_path(output.folder, output.layer_name));
     return {{"OUTPUT", qt(output.path())},
             {"REPORT", records + ".prm"},
             {"METADATA", records + ".met"},
@@ -114,7 +114,7 @@ QVariantMap ended(const platform::RunResult& result, const RunOutput& output, co
 struct ImperviousAlgorithm::Prepared {
     explicit Prepared(const std::string& contact_file)
         : folder(contact_file),
-          copies(std::make_shared<LayerCopies>([this] { return platform::join_path(folder.path(), "layers"); })) {}
+          copies(std::make_shared<LayerCopies>([this] { return base::join_path(folder.path(), "layers"); })) {}
 
     PrivateRunFolder folder;
     std::shared_ptr<LayerCopies> copies;
@@ -137,14 +137,14 @@ QgsProcessingAlgorithm* ImperviousAlgorithm::createInstance() const {
 
 std::string ImperviousAlgorithm::store_path(const QVariantMap& parameters, const QgsProcessingContext& context) const {
     const QString chosen = parameterAsString(parameters, "STORE", context);
-    return chosen.isEmpty() ? platform::join_path(m_extension_folder, "etc/isprops.xml") : text_of(chosen);
+    return chosen.isEmpty() ? base::join_path(m_extension_folder, "etc/isprops.xml") : text_of(chosen);
 }
 
 bool ImperviousAlgorithm::prepareAlgorithm(const QVariantMap& parameters, QgsProcessingContext& context,
                                            QgsProcessingFeedback* feedback) {
     return translated([&] {
         const FeedbackInteraction interaction(feedback);
-        m_prepared = std::make_unique<Prepared>(platform::join_path(m_extension_folder, "etc/contact.ini"));
+        m_prepared = std::make_unique<Prepared>(base::join_path(m_extension_folder, "etc/contact.ini"));
         prepare_land_cover(parameters, context);
         prepare_coefficients(parameters, context);
         prepare_zones(parameters, context);
@@ -213,8 +213,8 @@ void ImperviousAlgorithm::prepare_density(const QVariantMap& parameters, QgsProc
     QgsVectorLayer& layer = polygons(parameters, "DENSITY_LAYER", context, selected_only);
     chosen.density_layer = add_polygons(layer, selected_only);
     chosen.density_field = text_of(parameterAsFields(parameters, "DENSITY_FIELD", context).value(0));
-    chosen.density_high = platform::text_of(parameterAsDouble(parameters, "DENSITY_HIGH", context));
-    chosen.density_low = platform::text_of(parameterAsDouble(parameters, "DENSITY_LOW", context));
+    chosen.density_high = base::text_of(parameterAsDouble(parameters, "DENSITY_HIGH", context));
+    chosen.density_low = base::text_of(parameterAsDouble(parameters, "DENSITY_LOW", context));
     chosen.density_medium = {chosen.density_low, chosen.density_high};
 }
 
@@ -240,7 +240,7 @@ void ImperviousAlgorithm::prepare_scenarios(const QVariantMap& parameters, QgsPr
         }
         prepared.parameters.scenarios.push_back({number, add_polygons(*layer, false),
                                                  class_name(prepared.store, prepared.set_name, code),
-                                                 platform::text_of(code)});
+                                                 base::text_of(code)});
     }
 }
 
@@ -278,9 +278,9 @@ QVariantMap ImperviousAlgorithm::processAlgorithm(const QVariantMap& parameters,
         FeedbackProgress progress(*feedback);
         const std::string path = text_of(parameterAsOutputLayer(parameters, "OUTPUT", context));
         const QString layer_name = parameterAsString(parameters, "LAYER_NAME", context);
-        const RunOutput output{.folder = platform::folder_of(path),
-                               .file_name = platform::file_name_of(path),
-                               .layer_name = layer_name.isEmpty() ? platform::base_name_of(path) : text_of(layer_name)};
+        const RunOutput output{.folder = base::folder_of(path),
+                               .file_name = base::file_name_of(path),
+                               .layer_name = layer_name.isEmpty() ? base::base_name_of(path) : text_of(layer_name)};
         std::vector<std::string> inputs = prepared->layers.files();
         inputs.push_back(prepared->store_path);
         check_output(output, inputs);

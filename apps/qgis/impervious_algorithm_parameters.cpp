@@ -5,9 +5,9 @@
 
 #include "apps/qgis/feedback.h"
 #include "apps/qgis/impervious_algorithm.h"
+#include "base/files.h"
 #include "coefficients/basUtil.h"
 #include "parameters/form_texts.h"
-#include "platform/files.h"
 
 /// \file
 /// What the algorithm asks for, and what it says of itself.
@@ -22,7 +22,7 @@ QStringList set_names_in(const std::string& store) {
     QStringList names;
     const FeedbackInteraction nobody(nullptr);
     clsISModelProperties props;
-    if (platform::file_exists(store) && basUtil::GetISModelProperties(props, store)) {
+    if (base::file_exists(store) && basUtil::GetISModelProperties(props, store)) {
         for (const std::string& name : basUtil::set_names(props)) {
             names << QString::fromStdString(name);
         }
@@ -83,7 +83,7 @@ void ImperviousAlgorithm::add_inputs() {
     addParameter(
         new QgsProcessingParameterFeatureSource("ZONES", "Analysis layer", {QgsProcessing::TypeVectorPolygon}));
     addParameter(new QgsProcessingParameterField("FIELD", "Analysis field", QVariant(), "ZONES"));
-    const QStringList sets = set_names_in(platform::join_path(m_extension_folder, "etc/isprops.xml"));
+    const QStringList sets = set_names_in(base::join_path(m_extension_folder, "etc/isprops.xml"));
     auto* set = new QgsProcessingParameterString("SET", "Coefficient set", sets.value(0));
     set->setMetadata({{"widget_wrapper", QVariantMap{{"value_hints", sets}}}});
     addParameter(set);

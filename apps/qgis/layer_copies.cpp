@@ -12,20 +12,20 @@
 #include <memory>
 
 #include "apps/qgis/layer_sources.h"
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 
 namespace kestrel::qgis {
 
+using base::RuntimeError;
 using platform::FieldType;
-using platform::RuntimeError;
 
 namespace {
 
 constexpr const char* kLayerInCopy = "copy";
 
 [[noreturn]] void fail(const QgsVectorLayer& layer, const QString& reason, int line = __builtin_LINE()) {
-    throw RuntimeError(platform::kLibraryFailure,
+    throw RuntimeError(base::kLibraryFailure,
                        text_of(QStringLiteral("The layer '%1' cannot be copied: %2").arg(layer.name(), reason)),
                        "Kestrel", line);
 }
@@ -92,14 +92,13 @@ bool LayerCopies::needed(const QgsVectorLayer& layer) {
 
 const LayerCopy& LayerCopies::copy_of(QgsVectorLayer& layer) {
     const auto known = m_copies.find(layer.id());
-    if (known != m_copies.end() && platform::file_exists(known->second.source.path)) {
+    if (known != m_copies.end() && base::file_exists(known->second.source.path)) {
         return known->second;
     }
     const std::string folder = m_folder();
-    platform::create_folders(folder);
+    base::create_folders(folder);
     const QString name = QStringLiteral("layer_%1_%2.gpkg").arg(QCoreApplication::applicationPid()).arg(++m_number);
-    LayerCopy copy{.source = {.path = platform::join_path(folder, text_of(name)), .layer_name = kLayerInCopy},
-                   .ids = {}};
+    LayerCopy copy{.source = {.path = base::join_path(folder, text_of(name)), .layer_name = kLayerInCopy}, .ids = {}};
     const auto writer = writer_for(layer, copy.source.path);
     copy.ids = write_features(layer, *writer);
     watch(layer);
@@ -133,7 +132,7 @@ void LayerCopies::forget(const QString& layer_id) {
         return;
     }
     try {
-        platform::remove_file(known->second.source.path);
+        base::remove_file(known->second.source.path);
     } catch (const RuntimeError&) {
         // It lies in a folder that is emptied at the end of the next run.
     }

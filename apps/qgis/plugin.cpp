@@ -20,9 +20,9 @@
 #include "apps/qgis/extension_list.h"
 #include "apps/qgis/extensions_window.h"
 #include "apps/qgis/kestrel_provider.h"
+#include "base/files.h"
 #include "host/extension_folder.h"
 #include "host/raster_analysis.h"
-#include "platform/files.h"
 #include "platform/hosted_extension.h"
 
 namespace kestrel::qgis {
@@ -35,8 +35,8 @@ constexpr const char* kLibrary = "libkestrel_ext.so";
 /// takes every library in its own folder for a plugin.
 std::string library_folder() {
     std::string folder = loaded_library_folder();
-    if (!platform::file_exists(platform::join_path(folder, kLibrary))) {
-        folder = platform::join_path(folder, KESTREL_FOLDER_FROM_PLUGIN);
+    if (!base::file_exists(base::join_path(folder, kLibrary))) {
+        folder = base::join_path(folder, KESTREL_FOLDER_FROM_PLUGIN);
     }
     return std::filesystem::weakly_canonical(folder).string();
 }
@@ -47,7 +47,7 @@ std::string used_extension_folder() {
 }
 
 std::string working_folder() {
-    return platform::join_path(used_extension_folder(), "temp");
+    return base::join_path(used_extension_folder(), "temp");
 }
 
 /// Kestrel among the providers of Processing, unless it is there already.
@@ -66,11 +66,11 @@ struct KestrelPlugin::Running {
         : interaction(iface),
           application(*QgsProject::instance(),
                       {.interaction = interaction,
-                       .progress = [this]() -> platform::Progress& { return interaction.progress(); },
+                       .progress = [this]() -> base::Progress& { return interaction.progress(); },
                        .redraw = [&iface] { iface.mapCanvas()->refresh(); },
                        .run_ended = [this](const platform::RunResult& result) { interaction.run_ended(result); },
                        .copies_folder = working_folder}),
-          kestrel(platform::join_path(library_folder(), kLibrary)) {
+          kestrel(base::join_path(library_folder(), kLibrary)) {
         application.register_extension(platform::kKestrelExtension, kestrel.config());
         application.register_extension(platform::kRasterAnalysisExtension, raster_analysis);
         kestrel.start(application);

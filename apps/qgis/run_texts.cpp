@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-#include "platform/conversions.h"
+#include "base/conversions.h"
 
 namespace kestrel::qgis {
 
@@ -27,8 +27,8 @@ std::string finished_details(const platform::RunResult& result) {
     std::string text = finished_text(result);
     for (const ZoneResult& zone : result.zones) {
         text += fmt::format("\n{} {}: {} of {} {}, {} %", result.analysis_field, zone.value,
-                            platform::text_of(zone.impervious_area), platform::text_of(zone.total_area),
-                            result.area_unit, platform::text_of(zone.percent));
+                            base::text_of(zone.impervious_area), base::text_of(zone.total_area), result.area_unit,
+                            base::text_of(zone.percent));
         text += zone.complete() ? "" : ", incomplete";
         text += zone.beyond_raster ? ", reaches beyond the land cover" : "";
         text += zone.without_cells() ? ", without any cell" : "";

@@ -6,10 +6,10 @@
 #include <string>
 #include <string_view>
 
+#include "base/progress.h"
 #include "platform/contracts/extension.h"
 #include "platform/contracts/interaction.h"
 #include "platform/contracts/map.h"
-#include "platform/contracts/progress.h"
 #include "platform/run_result.h"
 
 namespace kestrel::platform {
@@ -39,7 +39,7 @@ class Application {
     virtual Interaction& interaction() = 0;
 
     /// The progress of the run in hand. Where a waiting window of interaction() is up, it is that one.
-    virtual Progress& progress() = 0;
+    virtual base::Progress& progress() = 0;
 
     /// Takes what a run made, also when the run ended without an output.
     virtual void run_ended(RunResult result) = 0;

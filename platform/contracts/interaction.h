@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/contracts/progress.h"
+#include "base/progress.h"
 
 /// \file
 /// The contract through which everything below the hosts speaks with the user.
@@ -47,7 +47,7 @@ struct FileDialog {
 
 /// The window shown while a run works. It is the run's progress too: it takes fraction and text, and its Cancel
 /// button is what makes report() answer "stop". It closes when destroyed.
-class WaitingWindow : public Progress {};
+class WaitingWindow : public base::Progress {};
 
 class Interaction {
   public:

@@ -24,7 +24,7 @@ class HeadlessDocument final : public Document {
 class HeadlessApplication final : public Application {
   public:
     /// \param progress hears of the run, and may stop it; it outlives the application.
-    explicit HeadlessApplication(Progress& progress) : m_progress(progress) {}
+    explicit HeadlessApplication(base::Progress& progress) : m_progress(progress) {}
 
     HeadlessDocument& document() override { return m_document; }
     HeadlessMap& map() { return m_document.focus_map(); }
@@ -32,7 +32,7 @@ class HeadlessApplication final : public Application {
     std::shared_ptr<FeatureLayer> make_feature_layer(const std::string& path, const std::string& name) override;
     /// The calling thread's own, which whoever runs the engine has set.
     Interaction& interaction() override { return platform::interaction(); }
-    Progress& progress() override { return m_progress; }
+    base::Progress& progress() override { return m_progress; }
     void run_ended(RunResult result) override { m_result = std::move(result); }
 
     /// Makes an extension findable; it outlives the application.
@@ -44,7 +44,7 @@ class HeadlessApplication final : public Application {
 
   private:
     HeadlessDocument m_document;
-    Progress& m_progress;
+    base::Progress& m_progress;
     std::map<std::string, IExtensionConfig*, std::less<>> m_extensions;
     std::optional<RunResult> m_result;
 };

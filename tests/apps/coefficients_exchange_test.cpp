@@ -5,7 +5,7 @@
 
 #include <filesystem>
 
-#include "platform/files.h"
+#include "base/files.h"
 #include "tests/apps/command_runner.h"
 #include "tests/apps/run_data.h"
 #include "tests/support/test_files.h"
@@ -22,8 +22,8 @@ class CoefficientsExchange : public testing::Test {
   protected:
     void SetUp() override {
         write_store(m_store, {"Small", "Other"});
-        m_stored = platform::read_file(m_store);
-        platform::write_file(m_text, "Value,ClassName,High,Medium,Low\r\n11,Water,3,2,1\r\n");
+        m_stored = base::read_file(m_store);
+        base::write_file(m_text, "Value,ClassName,High,Medium,Low\r\n11,Water,3,2,1\r\n");
     }
 
     CommandResult import(const std::string& name) const {
@@ -44,7 +44,7 @@ class CoefficientsExchange : public testing::Test {
         EXPECT_EQ(result.status, 1);
         EXPECT_EQ(result.out, "");
         EXPECT_EQ(result.err, message);
-        EXPECT_EQ(platform::read_file(m_store), m_stored);
+        EXPECT_EQ(base::read_file(m_store), m_stored);
     }
 
     TemporaryFolder m_folder;
@@ -67,7 +67,7 @@ TEST_F(CoefficientsExchange, MissingArgumentsAreWrongCommandLines) {
     EXPECT_EQ(run_command({"coefficients", "import", "--name", "New", "--store", m_store}).status, 2);
     EXPECT_EQ(run_command({"coefficients", "export", "--set", "Small", "--store", m_store}).status, 2);
     EXPECT_EQ(run_command({"coefficients", "merge", "--store", m_store}).status, 2);
-    EXPECT_EQ(platform::read_file(m_store), m_stored);
+    EXPECT_EQ(base::read_file(m_store), m_stored);
 }
 
 TEST_F(CoefficientsExchange, NamesThatAStoreDoesNotKeepAreWrongCommandLines) {
@@ -78,7 +78,7 @@ TEST_F(CoefficientsExchange, NamesThatAStoreDoesNotKeepAreWrongCommandLines) {
         EXPECT_EQ(result.status, 2);
         EXPECT_THAT(result.err, HasSubstr("--name: begins or ends with a blank, which a store does not keep"));
     }
-    EXPECT_EQ(platform::read_file(m_store), m_stored);
+    EXPECT_EQ(base::read_file(m_store), m_stored);
 }
 
 // Import
@@ -100,7 +100,7 @@ TEST_F(CoefficientsExchange, ImportUnderANameThatExistsEndsWithItsMessage) {
 }
 
 TEST_F(CoefficientsExchange, ImportOfABadFileEndsWithItsMessage) {
-    platform::write_file(m_text, "11,Water,abc,2,1\r\n");
+    base::write_file(m_text, "11,Water,abc,2,1\r\n");
     expect_refused(
         import("New"),
         "Coefficient Import Unsuccessful: Invalid or incorrectly formated data in import file " + m_text +
@@ -108,7 +108,7 @@ TEST_F(CoefficientsExchange, ImportOfABadFileEndsWithItsMessage) {
 }
 
 TEST_F(CoefficientsExchange, ImportOfAFileThatIsNotThereIsRefused) {
-    platform::remove_file(m_text);
+    base::remove_file(m_text);
     expect_refused(import("New"), "Kestrel: There is no file '" + m_text + "' to import.\n");
 }
 
@@ -118,14 +118,14 @@ TEST_F(CoefficientsExchange, ImportIntoAStoreThatIsNotThereIsRefused) {
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err,
               "Kestrel: There is no coefficient store '" + (m_folder / "none.xml") + "'. Give one with --store.\n");
-    EXPECT_FALSE(platform::file_exists(m_folder / "none.xml"));
+    EXPECT_FALSE(base::file_exists(m_folder / "none.xml"));
 }
 
 TEST_F(CoefficientsExchange, ImportThatTheStoreCannotHoldSaysWhichStore) {
     std::string lines;
     for (int i = 0; i < 1000; ++i)
         lines += "11,Water,1,2,3\r\n";
-    platform::write_file(m_text, lines);
+    base::write_file(m_text, lines);
     const CommandResult result = import("New");
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "");
@@ -133,7 +133,7 @@ TEST_F(CoefficientsExchange, ImportThatTheStoreCannotHoldSaysWhichStore) {
                                      "write to file '" +
                                      m_store + "'.\n"));
     EXPECT_THAT(result.err, StartsWith("Record Call Stack Sequence"));
-    EXPECT_EQ(platform::read_file(m_store + ".bak"), m_stored);
+    EXPECT_EQ(base::read_file(m_store + ".bak"), m_stored);
 }
 
 TEST_F(CoefficientsExchange, WithoutAStoreYourOwnIsWrittenUnderTheLockOfItsExtensionFolder) {
@@ -142,17 +142,17 @@ TEST_F(CoefficientsExchange, WithoutAStoreYourOwnIsWrittenUnderTheLockOfItsExten
     const std::string own = m_folder / "kestrel/etc/isprops.xml";
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.out, "Imported the set 'New' with 1 classes into the coefficient store " + own + "\n");
-    EXPECT_THAT(platform::read_file(own), HasSubstr("New"));
-    EXPECT_TRUE(platform::file_exists(m_folder / "kestrel/.kestrel.lock"));
-    EXPECT_FALSE(platform::file_exists(m_folder / "kestrel/etc/.kestrel.lock"));
+    EXPECT_THAT(base::read_file(own), HasSubstr("New"));
+    EXPECT_TRUE(base::file_exists(m_folder / "kestrel/.kestrel.lock"));
+    EXPECT_FALSE(base::file_exists(m_folder / "kestrel/etc/.kestrel.lock"));
 }
 
 TEST_F(CoefficientsExchange, AStoreThatIsLockedIsNotWritten) {
-    const platform::FolderLock lock(m_folder.path());
+    const base::FolderLock lock(m_folder.path());
     const CommandResult result = import("New");
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.err, HasSubstr("Failed To Save XML"));
-    EXPECT_EQ(platform::read_file(m_store), m_stored);
+    EXPECT_EQ(base::read_file(m_store), m_stored);
 }
 
 // Export
@@ -163,9 +163,9 @@ TEST_F(CoefficientsExchange, ExportWritesASetAndNamesTheFile) {
     EXPECT_EQ(result.out, "Exported the set 'Small' with 3 classes to " + (m_folder / "out.csv") + "\n");
     EXPECT_EQ(result.err, "");
     EXPECT_EQ(
-        platform::read_file(m_folder / "out.csv"),
+        base::read_file(m_folder / "out.csv"),
         "Value,ClassName,High,Medium,Low\r\n21,Developed,35,25,12.5\r\n24,City,90,80,70\r\n41,Forest,2,1,0.5\r\n");
-    EXPECT_EQ(platform::read_file(m_store), m_stored);
+    EXPECT_EQ(base::read_file(m_store), m_stored);
 }
 
 TEST_F(CoefficientsExchange, ExportedSetComesBackByImport) {
@@ -174,16 +174,16 @@ TEST_F(CoefficientsExchange, ExportedSetComesBackByImport) {
         run_command({"coefficients", "import", m_folder / "out.csv", "--name", "Back", "--store", m_store}).status, 0);
     ASSERT_EQ(
         run_command({"coefficients", "export", m_folder / "back.csv", "--set", "Back", "--store", m_store}).status, 0);
-    EXPECT_EQ(platform::read_file(m_folder / "back.csv"), platform::read_file(m_folder / "out.csv"));
+    EXPECT_EQ(base::read_file(m_folder / "back.csv"), base::read_file(m_folder / "out.csv"));
 }
 
 TEST_F(CoefficientsExchange, ExportReplacesAFileOnlyWithOverwrite) {
-    const std::string before = platform::read_file(m_text);
+    const std::string before = base::read_file(m_text);
     expect_refused(export_to(m_text), "Kestrel: The file exists already: '" + m_text +
                                           "'. Give --overwrite to replace it, or another file.\n");
-    EXPECT_EQ(platform::read_file(m_text), before);
+    EXPECT_EQ(base::read_file(m_text), before);
     EXPECT_EQ(export_to(m_text, {"--overwrite"}).status, 0);
-    EXPECT_THAT(platform::read_file(m_text), HasSubstr("24,City,90,80,70"));
+    EXPECT_THAT(base::read_file(m_text), HasSubstr("24,City,90,80,70"));
 }
 
 TEST_F(CoefficientsExchange, ExportNeverReplacesTheStoreItself) {
@@ -199,7 +199,7 @@ TEST_F(CoefficientsExchange, ExportOfASetThatIsNotThereIsRefused) {
     expect_refused(run_command({"coefficients", "export", "--set", "small", m_folder / "out.csv", "--store", m_store}),
                    "Kestrel: The coefficient store '" + m_store +
                        "' holds no set 'small' (--set). It holds: 'Small', 'Other'. Names are compared exactly.\n");
-    EXPECT_FALSE(platform::file_exists(m_folder / "out.csv"));
+    EXPECT_FALSE(base::file_exists(m_folder / "out.csv"));
 }
 
 TEST_F(CoefficientsExchange, ExportToAFolderThatIsNotThereIsRefused) {
@@ -214,17 +214,16 @@ TEST_F(CoefficientsExchange, ExportToAFolderIsRefused) {
 }
 
 TEST_F(CoefficientsExchange, ExportNotesNamesThatCannotBeImported) {
-    platform::write_file(m_store,
-                         "<ISModelProperties><ISLCDefs><ISLCDef><LCType>Small</LCType><LCClasses><LCClass ID='21'>"
-                         "<LCName>Developed, Low</LCName><LCHigh>3</LCHigh><LCMed>2</LCMed><LCLow>1</LCLow></LCClass>"
-                         "</LCClasses></ISLCDef></ISLCDefs></ISModelProperties>");
+    base::write_file(m_store,
+                     "<ISModelProperties><ISLCDefs><ISLCDef><LCType>Small</LCType><LCClasses><LCClass ID='21'>"
+                     "<LCName>Developed, Low</LCName><LCHigh>3</LCHigh><LCMed>2</LCMed><LCLow>1</LCLow></LCClass>"
+                     "</LCClasses></ISLCDef></ISLCDefs></ISModelProperties>");
     const CommandResult result = export_to(m_folder / "out.csv");
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err,
               "Kestrel: The name of class 21 holds a comma or a line end, so the file cannot be imported: "
               "'Developed, Low'\n");
-    EXPECT_EQ(platform::read_file(m_folder / "out.csv"),
-              "Value,ClassName,High,Medium,Low\r\n21,Developed, Low,3,2,1\r\n");
+    EXPECT_EQ(base::read_file(m_folder / "out.csv"), "Value,ClassName,High,Medium,Low\r\n21,Developed, Low,3,2,1\r\n");
 }
 
 // Merge
@@ -253,7 +252,7 @@ TEST_F(CoefficientsExchange, MergeOfWhatIsNoStoreEndsWithItsMessage) {
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "");
     EXPECT_THAT(result.err, EndsWith("Kestrel: Failed To Load XML - Invalid file format.\n"));
-    EXPECT_EQ(platform::read_file(m_store), m_stored);
+    EXPECT_EQ(base::read_file(m_store), m_stored);
 }
 
 TEST_F(CoefficientsExchange, MergeOfAFileThatIsNotThereIsRefused) {

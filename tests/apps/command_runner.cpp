@@ -9,7 +9,7 @@
 
 #include <stdexcept>
 
-#include "platform/files.h"
+#include "base/files.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel::test {
@@ -58,7 +58,7 @@ CommandResult run_into(const std::string& out, const std::vector<std::string>& a
     ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, err.c_str(), O_WRONLY | O_CREAT, 0600);
     const int status = status_of(arguments, environment, actions);
     ::posix_spawn_file_actions_destroy(&actions);
-    return {status, "", platform::read_file(err)};
+    return {status, "", base::read_file(err)};
 }
 
 }  // namespace
@@ -66,7 +66,7 @@ CommandResult run_into(const std::string& out, const std::vector<std::string>& a
 CommandResult run_command(const std::vector<std::string>& arguments, const std::vector<std::string>& environment) {
     const TemporaryFolder folder;
     CommandResult result = run_into(folder / "out", arguments, environment);
-    result.out = platform::read_file(folder / "out");
+    result.out = base::read_file(folder / "out");
     return result;
 }
 

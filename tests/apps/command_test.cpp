@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "platform/files.h"
+#include "base/files.h"
 #include "tests/apps/command_runner.h"
 #include "tests/apps/run_data.h"
 #include "tests/support/test_files.h"
@@ -49,7 +49,7 @@ TEST(CommandLine, AnUnknownSubcommandOrOptionIsNamed) {
 
 TEST(CommandLine, AResultThatCannotBeWrittenIsAFailure) {
     const TemporaryFolder folder;
-    platform::write_file(folder / "is.prm", "report\r\n");
+    base::write_file(folder / "is.prm", "report\r\n");
     for (const std::vector<std::string>& arguments :
          {std::vector<std::string>{"--version"}, {"run", "--help"}, {"records", folder / "is.shp"}}) {
         const CommandResult result = run_command_to("/dev/full", arguments);
@@ -200,7 +200,7 @@ TEST(UserStore, IsMadeOnFirstUseFromTheOneThatCameWithTheProgram) {
     const CommandResult result = run_command({"coefficients", "list"}, {"XDG_DATA_HOME=" + home.path()});
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_TRUE(holds(result.out, "Coefficient sets of " + own));
-    EXPECT_EQ(platform::read_file(own), platform::read_file(std::string(KESTREL_SOURCE_DIR) + "/etc/isprops.xml"));
+    EXPECT_EQ(base::read_file(own), base::read_file(std::string(KESTREL_SOURCE_DIR) + "/etc/isprops.xml"));
 }
 
 TEST(UserStore, ThatCannotBeMadeIsRefused) {
@@ -242,7 +242,7 @@ TEST(DemoCommand, MakesDataAndACommandThatRuns) {
                   "new_mall.shx",      "run_demo.sh",       "subdivision.cpg",   "subdivision.dbf",
                   "subdivision.prj",   "subdivision.shp",   "subdivision.shx",   "watersheds.cpg",
                   "watersheds.dbf",    "watersheds.prj",    "watersheds.shp",    "watersheds.shx"}));
-    const std::string script = platform::read_file(folder + "/run_demo.sh");
+    const std::string script = base::read_file(folder + "/run_demo.sh");
     EXPECT_TRUE(script.starts_with("#!/bin/sh\nkestrel run --land-cover '")) << script;
     EXPECT_TRUE(holds(script, "my demo'\\''s/land_cover.tif'")) << script;
     const std::string command = script.substr(script.find('\n') + 1);
@@ -252,7 +252,7 @@ TEST(DemoCommand, MakesDataAndACommandThatRuns) {
 
 TEST(DemoCommand, AFolderThatIsNotEmptyIsRefused) {
     const TemporaryFolder folder;
-    platform::write_file(folder / "mine.txt", "x");
+    base::write_file(folder / "mine.txt", "x");
     const CommandResult result = run_command({"demo", folder.path()});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, "Kestrel: '" + folder.path() +

@@ -10,9 +10,9 @@
 #include "apps/cli/demo_land.h"
 #include "apps/cli/demo_noise.h"
 #include "apps/cli/demo_regions.h"
-#include "platform/errors.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "platform/feature_class.h"
-#include "platform/files.h"
 #include "platform/raster.h"
 #include "tests/support/test_files.h"
 
@@ -88,7 +88,7 @@ TEST(DemoLandCover, TheSameSeedGivesTheSameCells) {
     write_demo_land_cover(first.path(), kSize);
     write_demo_land_cover(second.path(), kSize);
     EXPECT_EQ(cells_of(first.path()), cells_of(second.path()));
-    EXPECT_EQ(platform::read_file(first / "land_cover.tif"), platform::read_file(second / "land_cover.tif"));
+    EXPECT_EQ(base::read_file(first / "land_cover.tif"), base::read_file(second / "land_cover.tif"));
 }
 
 TEST(DemoLandCover, AnotherSeedGivesAnotherCountry) {
@@ -134,7 +134,7 @@ TEST(DemoLandCover, DeclaresItsNodataAndItsPlace) {
 TEST(DemoLandCover, NamesItsClasses) {
     const test::TemporaryFolder folder;
     write_demo_land_cover(folder.path(), kSize);
-    const std::string side_file = platform::read_file(folder / "land_cover.tif.aux.xml");
+    const std::string side_file = base::read_file(folder / "land_cover.tif.aux.xml");
     EXPECT_NE(side_file.find("Developed, High Intensity"), std::string::npos);
 }
 
@@ -160,7 +160,7 @@ TEST(DemoWatersheds, SomeReachBeyondTheRasterAndHaveNames) {
     EXPECT_FALSE(grid.extent().contains(sheds.polygons.envelope()));
     std::set<std::string> names;
     for (const platform::Value& name : sheds.columns[1]) {
-        names.insert(platform::text_of(name));
+        names.insert(base::text_of(name));
     }
     EXPECT_EQ(names.size(), sheds.ids.size()) << "every name once";
     EXPECT_FALSE(names.contains(""));

@@ -6,8 +6,8 @@
 
 #include <sstream>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel::cli {
@@ -15,12 +15,12 @@ namespace {
 
 class RecordsTest : public testing::Test {
   protected:
-    void make(const std::string& name, const std::string& text) const { platform::write_file(m_folder / name, text); }
+    void make(const std::string& name, const std::string& text) const { base::write_file(m_folder / name, text); }
     std::string print(const RecordsRequest& request) const {
         std::ostringstream out;
         try {
             EXPECT_EQ(print_record(request, out), 0);
-        } catch (const platform::RuntimeError& error) {
+        } catch (const base::RuntimeError& error) {
             return "refused: " + error.description();
         }
         return out.str();

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "platform/files.h"
+#include "base/files.h"
 #include "platform/raster_writer.h"
 #include "platform/shapefile_writer.h"
 
@@ -79,7 +79,7 @@ void write_store(const std::string& path, const std::vector<std::string>& set_na
             "<LCClass ID=\"41\"><LCName>Forest</LCName><LCHigh>2</LCHigh><LCMed>1</LCMed><LCLow>0.5</LCLow></LCClass>"
             "</LCClasses></ISLCDef>";
     }
-    platform::write_file(path, text + "</ISLCDefs></ISModelProperties>");
+    base::write_file(path, text + "</ISLCDefs></ISModelProperties>");
 }
 
 RunData::RunData() {
@@ -92,7 +92,7 @@ RunData::RunData() {
         {{kDensity, kKind}, {{0, 0, 10, 5, {20.0, std::string("town")}}, {0, 5, 10, 10, {1.0, std::string("land")}}}});
     write_squares(folder / "mall.shp", {{kId}, {{0, 0, 2, 2, {std::int64_t{1}}}}});
     write_store(folder / "store.xml", {"Small"});
-    platform::create_folder(folder / "out");
+    base::create_folder(folder / "out");
 }
 
 std::vector<std::string> RunData::arguments() const {

@@ -9,8 +9,8 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel::cli {
@@ -23,7 +23,7 @@ template <typename Act>
 std::string refusal_of(Act act) {
     try {
         act();
-    } catch (const platform::RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         return error.description();
     }
     return {};
@@ -97,7 +97,7 @@ TEST(OutputRecords, BearTheLayersNameAndTheStyleTheFiles) {
 class OutputPlaceTest : public testing::Test {
   protected:
     RunOutput output(const std::string& name) const { return output_of(m_folder / name, ""); }
-    void make(const std::string& name) const { platform::write_file(m_folder / name, "x"); }
+    void make(const std::string& name) const { base::write_file(m_folder / name, "x"); }
 
     test::TemporaryFolder m_folder;
 };

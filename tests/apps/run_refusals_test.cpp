@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
-#include "platform/files.h"
+#include "base/files.h"
 #include "tests/apps/command_runner.h"
 #include "tests/apps/run_data.h"
 
@@ -39,8 +39,8 @@ class RunRefusal : public testing::Test {
     /// A layer of points, which are no zones.
     std::string points() const {
         const std::string path = m_data / "points.geojson";
-        platform::write_file(path, R"({"type":"FeatureCollection","features":[{"type":"Feature","properties":{"ID":1},)"
-                                   R"("geometry":{"type":"Point","coordinates":[0,0]}}]})");
+        base::write_file(path, R"({"type":"FeatureCollection","features":[{"type":"Feature","properties":{"ID":1},)"
+                               R"("geometry":{"type":"Point","coordinates":[0,0]}}]})");
         return path;
     }
 
@@ -71,10 +71,10 @@ TEST_F(RunRefusal, ALayerThatTheSourceDoesNotHave) {
 
 TEST_F(RunRefusal, ASourceOfSeveralLayersWithoutALayersName) {
     const std::string two_layers = m_data / "several";
-    platform::create_folder(two_layers);
+    base::create_folder(two_layers);
     for (const char* name : {"east", "west"}) {
         for (const char* part : {".shp", ".shx", ".dbf", ".prj"}) {
-            platform::copy_file((m_data / "sheds") + part, two_layers + "/" + name + part);
+            base::copy_file((m_data / "sheds") + part, two_layers + "/" + name + part);
         }
     }
     const std::string text = refusal(m_data.with("--zones", two_layers));
@@ -113,8 +113,8 @@ TEST_F(RunRefusal, AnAnalysisFieldThatHoldsNeitherWholeNumbersNorText) {
 
 TEST_F(RunRefusal, AFieldWhoseNameTheParametersCannotHold) {
     const std::string path = m_data / "odd.geojson";
-    platform::write_file(path, R"({"type":"FeatureCollection","features":[{"type":"Feature","properties":{"A#B":1},)"
-                               R"("geometry":{"type":"Polygon","coordinates":[[[0,0],[1,0],[1,1],[0,0]]]}}]})");
+    base::write_file(path, R"({"type":"FeatureCollection","features":[{"type":"Feature","properties":{"A#B":1},)"
+                           R"("geometry":{"type":"Polygon","coordinates":[[[0,0],[1,0],[1,1],[0,0]]]}}]})");
     Arguments arguments = m_data.with("--zones", path);
     *(std::find(arguments.begin(), arguments.end(), "--field") + 1) = "A#B";
     EXPECT_EQ(refusal(arguments),
@@ -151,7 +151,7 @@ TEST_F(RunRefusal, AStoreThatIsMissingEmptyOrNoStore) {
     EXPECT_EQ(refusal(m_data.with("--store", m_data / "empty.xml")),
               "Kestrel: The coefficient store '" + (m_data / "empty.xml") +
                   "' holds no coefficient sets. Give another with --store.\n");
-    platform::write_file(m_data / "broken.xml", "<ISModelProperties><ISLCDefs>");
+    base::write_file(m_data / "broken.xml", "<ISModelProperties><ISLCDefs>");
     EXPECT_NE(refusal(m_data.with("--store", m_data / "broken.xml"))
                   .find("The coefficient store '" + (m_data / "broken.xml") + "' cannot be read: "),
               std::string::npos);
@@ -207,20 +207,20 @@ TEST_F(RunRefusal, AnOutputThatIsAnInputBeforeAnythingIsDeleted) {
 
 TEST_F(RunRefusal, AnExistingOutputWithoutOverwrite) {
     fs::create_directory(m_data / "old");
-    platform::write_file(m_data / "old/is.shp", "precious");
+    base::write_file(m_data / "old/is.shp", "precious");
     EXPECT_EQ(refusal(m_data.with("--output", m_data / "old/is.shp")),
               "Kestrel: The output exists already: '" + (m_data / "old/is.shp") +
                   "'. Give --overwrite to replace it, or another --output.\n");
-    EXPECT_EQ(platform::read_file(m_data / "old/is.shp"), "precious");
+    EXPECT_EQ(base::read_file(m_data / "old/is.shp"), "precious");
 }
 
 TEST_F(RunRefusal, AFolderInThePlaceOfTheOutputIsNeverReplaced) {
     fs::create_directories(m_data / "old/is.shp");
-    platform::write_file(m_data / "old/is.shp/thesis.txt", "precious");
+    base::write_file(m_data / "old/is.shp/thesis.txt", "precious");
     EXPECT_EQ(refusal(more(m_data.with("--output", m_data / "old/is.shp"), {"--overwrite"})),
               "Kestrel: '" + (m_data / "old/is.shp") +
                   "' is a folder, where a file of the output would stand. Give another --output.\n");
-    EXPECT_EQ(platform::read_file(m_data / "old/is.shp/thesis.txt"), "precious");
+    EXPECT_EQ(base::read_file(m_data / "old/is.shp/thesis.txt"), "precious");
 }
 
 TEST_F(RunRefusal, AFolderForTemporaryFilesThatCannotBeWritten) {
@@ -251,8 +251,8 @@ TEST_F(RunRefusal, AnExtensionFolderThatIsMissing) {
 
 TEST_F(RunRefusal, AnExtensionFolderThatAnotherRunUses) {
     fs::create_directories(m_data / "ext/temp");
-    platform::write_file(m_data / "ext/temp/other_run.txt", "x");
-    const platform::FolderLock lock(m_data / "ext");
+    base::write_file(m_data / "ext/temp/other_run.txt", "x");
+    const base::FolderLock lock(m_data / "ext");
     const std::string text = refusal(m_data.with("--extension-folder", m_data / "ext"));
     EXPECT_TRUE(starts(text, "The extension folder cannot be used. Another run")) << text;
     EXPECT_NE(text.find("\"" + (m_data / "ext") + "\""), std::string::npos) << text;

@@ -12,8 +12,8 @@
 #include <sstream>
 #include <utility>
 
+#include "base/files.h"
 #include "platform/feature_class.h"
-#include "platform/files.h"
 #include "tests/apps/command_runner.h"
 #include "tests/apps/run_data.h"
 
@@ -116,7 +116,7 @@ TEST_F(Run, AppliesScenarios) {
     const auto zones = zones_of(run(more(m_data.arguments(), {"--scenario", (m_data / "mall.shp") + ":24", "--json"})));
     // 4 of 50 cells turn from 25 to 80 percent.
     EXPECT_NEAR(double{zones.at("West")["percent"]}, (46 * 25 + 4 * 80) / 50.0, 0.005);
-    const std::string report = platform::read_file(m_data / "out/is.prm");
+    const std::string report = base::read_file(m_data / "out/is.prm");
     EXPECT_TRUE(holds(report, "City")) << report;
 }
 
@@ -167,10 +167,10 @@ TEST_F(Run, FeetAreTheRastersOwnUnits) {
 
 TEST_F(Run, DegreesAreTakenWhenAllowed) {
     write_plain_raster(m_data / "degrees.tif", "EPSG:4326", 1);
-    platform::write_file(m_data / "deg.geojson",
-                         R"({"type":"FeatureCollection","features":[{"type":"Feature","properties":{"NAME":"a"},)"
-                         R"("geometry":{"type":"Polygon","coordinates":[[[-80,40],[-70,40],[-70,30],[-80,30],)"
-                         R"([-80,40]]]}}]})");
+    base::write_file(m_data / "deg.geojson",
+                     R"({"type":"FeatureCollection","features":[{"type":"Feature","properties":{"NAME":"a"},)"
+                     R"("geometry":{"type":"Polygon","coordinates":[[[-80,40],[-70,40],[-70,30],[-80,30],)"
+                     R"([-80,40]]]}}]})");
     Arguments arguments = m_data.with("--land-cover", m_data / "degrees.tif");
     *(std::find(arguments.begin(), arguments.end(), "--zones") + 1) = m_data / "deg.geojson";
     const CommandResult result = run(more(arguments, {"--allow-degrees", "--units", "Meters", "--json"}));
@@ -180,11 +180,11 @@ TEST_F(Run, DegreesAreTakenWhenAllowed) {
 
 TEST_F(Run, NamesTheLayerAndItsRecords) {
     EXPECT_EQ(run(more(m_data.arguments(), {"--layer-name", "Sheds IS"})).status, 0);
-    EXPECT_TRUE(platform::file_exists(m_data / "out/is.shp"));
-    EXPECT_TRUE(platform::file_exists(m_data / "out/Sheds IS.prm"));
-    EXPECT_TRUE(platform::file_exists(m_data / "out/Sheds IS.met"));
-    EXPECT_TRUE(platform::file_exists(m_data / "out/Sheds IS.lyr"));
-    EXPECT_TRUE(platform::file_exists(m_data / "out/is.qml"));
+    EXPECT_TRUE(base::file_exists(m_data / "out/is.shp"));
+    EXPECT_TRUE(base::file_exists(m_data / "out/Sheds IS.prm"));
+    EXPECT_TRUE(base::file_exists(m_data / "out/Sheds IS.met"));
+    EXPECT_TRUE(base::file_exists(m_data / "out/Sheds IS.lyr"));
+    EXPECT_TRUE(base::file_exists(m_data / "out/is.qml"));
     EXPECT_EQ(run_command({"records", m_data / "out/is.shp", "--layer-name", "Sheds IS"}).status, 0);
 }
 
@@ -202,16 +202,16 @@ TEST_F(Run, ReplacesAnOlderOutputWhenToldTo) {
     EXPECT_EQ(run(m_data.arguments()).status, 1);
     EXPECT_EQ(run(more(m_data.with("--option", "high"), {"--overwrite"})).status, 0);
     EXPECT_EQ(outputs().size(), 9U);
-    EXPECT_TRUE(holds(platform::read_file(m_data / "out/is.dbf"), "35.00"));
+    EXPECT_TRUE(holds(base::read_file(m_data / "out/is.dbf"), "35.00"));
 }
 
 TEST_F(Run, AFailedRunPutsTheOlderOutputBack) {
     EXPECT_EQ(run(m_data.arguments()).status, 0);
-    const std::string before = platform::read_file(m_data / "out/is.dbf");
-    platform::write_file(m_data / "bare.xml",
-                         "<ISModelProperties><ISLCDefs><ISLCDef><LCType>Bare</LCType><LCClasses><LCClass ID=\"1\">"
-                         "<LCName>x</LCName><LCHigh>1</LCHigh><LCMed>1</LCMed><LCLow>1</LCLow></LCClass></LCClasses>"
-                         "</ISLCDef></ISLCDefs></ISModelProperties>");
+    const std::string before = base::read_file(m_data / "out/is.dbf");
+    base::write_file(m_data / "bare.xml",
+                     "<ISModelProperties><ISLCDefs><ISLCDef><LCType>Bare</LCType><LCClasses><LCClass ID=\"1\">"
+                     "<LCName>x</LCName><LCHigh>1</LCHigh><LCMed>1</LCMed><LCLow>1</LCLow></LCClass></LCClasses>"
+                     "</ISLCDef></ISLCDefs></ISModelProperties>");
     const CommandResult result = run(more(m_data.with("--store", m_data / "bare.xml"), {"--overwrite"}));
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "");
@@ -221,7 +221,7 @@ TEST_F(Run, AFailedRunPutsTheOlderOutputBack) {
         << result.err;
     EXPECT_TRUE(result.err.ends_with("Kestrel: The run ended without an output.\n")) << result.err;
     EXPECT_EQ(outputs().size(), 9U);
-    EXPECT_EQ(platform::read_file(m_data / "out/is.dbf"), before);
+    EXPECT_EQ(base::read_file(m_data / "out/is.dbf"), before);
     EXPECT_EQ(names_in(m_temporary.path()), std::vector<std::string>{});
 }
 
@@ -239,7 +239,7 @@ TEST_F(Run, UsesTheExtensionFolderThatIsNamed) {
     fs::create_directory(m_data / "ext");
     EXPECT_EQ(run(more(m_data.arguments(), {"--extension-folder", m_data / "ext"})).status, 0);
     EXPECT_TRUE(names_in(m_data / "ext/temp").empty()) << "emptied at the end";
-    EXPECT_TRUE(platform::folder_exists(m_data / "ext/output"));
+    EXPECT_TRUE(base::folder_exists(m_data / "ext/output"));
     EXPECT_EQ(names_in(m_temporary.path()), std::vector<std::string>{});
 }
 
@@ -269,10 +269,10 @@ TEST_F(Run, GivesTheSameFiguresWithAnyNumberOfThreads) {
 
 TEST_F(Run, ThatNobodyListensToReplacesTheOlderOutputAndLeavesNothingBehind) {
     EXPECT_EQ(run(m_data.arguments()).status, 0);
-    platform::write_file(m_data / "out/is.met", "old");
+    base::write_file(m_data / "out/is.met", "old");
     run_command_unheard(more(m_data.arguments(), {"--overwrite"}), {"TMPDIR=" + m_temporary.path(), "Temp=", "Tmp="});
     EXPECT_EQ(outputs().size(), 9U);
-    EXPECT_TRUE(platform::read_file(m_data / "out/is.met").starts_with("Identification_Information:"));
+    EXPECT_TRUE(base::read_file(m_data / "out/is.met").starts_with("Identification_Information:"));
     EXPECT_EQ(names_in(m_temporary.path()), std::vector<std::string>{});
 }
 
@@ -292,7 +292,7 @@ class InterruptingStream final : public std::stringbuf {
 
 TEST_F(Run, AnInterruptEndsItWithStatus130AndPutsTheOlderOutputBack) {
     EXPECT_EQ(run(m_data.arguments()).status, 0);
-    const std::string before = platform::read_file(m_data / "out/is.dbf");
+    const std::string before = base::read_file(m_data / "out/is.dbf");
     cli::RunRequest request;
     request.land_cover = m_data / "lc.tif";
     request.zones = m_data / "sheds.shp";
@@ -308,7 +308,7 @@ TEST_F(Run, AnInterruptEndsItWithStatus130AndPutsTheOlderOutputBack) {
     EXPECT_EQ(out.str(), "");
     EXPECT_TRUE(buffer.str().ends_with("Kestrel: The run was cancelled. Nothing has been changed.\n")) << buffer.str();
     EXPECT_EQ(outputs().size(), 9U);
-    EXPECT_EQ(platform::read_file(m_data / "out/is.dbf"), before);
+    EXPECT_EQ(base::read_file(m_data / "out/is.dbf"), before);
 }
 
 }  // namespace

@@ -7,10 +7,10 @@
 
 #include <stdexcept>
 
+#include "base/errors.h"
+#include "base/files.h"
 #include "coefficients/basUtil.h"
 #include "coefficients/store_texts.h"
-#include "platform/errors.h"
-#include "platform/files.h"
 #include "tests/coefficients/sets.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
@@ -33,7 +33,7 @@ using testing::SizeIs;
 
 class MergeTest : public testing::Test {
   protected:
-    void SetUp() override { platform::create_folder(m_folder / "etc"); }
+    void SetUp() override { base::create_folder(m_folder / "etc"); }
 
     /// A store file of sets with these names, each with one class of the next value from 101.
     std::string file_of(const std::vector<std::string>& names) {
@@ -42,7 +42,7 @@ class MergeTest : public testing::Test {
         for (const std::string& name : names)
             add_set(props, name, {land_class(++id, "c", 90, 33.3F, 0.5F)});
         const std::string path = m_folder / "other.xml";
-        platform::write_file(path, props.XML());
+        base::write_file(path, props.XML());
         return path;
     }
 
@@ -172,7 +172,7 @@ TEST_F(MergeTest, FileWithoutSetsMergesNothingAndSaves) {
 
 TEST_F(MergeTest, MissingOrMalformedFileSaysSoAndChangesNothing) {
     add_set(m_props, "Mine");
-    platform::write_file(m_folder / "bad.xml", "<ISModelProperties><ISLCDefs>");
+    base::write_file(m_folder / "bad.xml", "<ISModelProperties><ISLCDefs>");
     for (const char* name : {"none.xml", "bad.xml"}) {
         EXPECT_FALSE(merge(m_folder / name));
         EXPECT_THAT(m_user.boxes, ElementsAre(MessageBox{"Failed To Load XML - Invalid file format.", "",
@@ -181,7 +181,7 @@ TEST_F(MergeTest, MissingOrMalformedFileSaysSoAndChangesNothing) {
     }
     EXPECT_THAT(outline(m_props), ElementsAre("Mine:"));
     EXPECT_THAT(m_added, IsEmpty());
-    EXPECT_FALSE(platform::file_exists(m_store.path));
+    EXPECT_FALSE(base::file_exists(m_store.path));
     EXPECT_THAT(m_user.call_stacks, IsEmpty());
 }
 
@@ -203,7 +203,7 @@ TEST_F(MergeTest, AnswerToTheMessageChangesNothing) {
 }
 
 TEST_F(MergeTest, SetsStayInMemoryWhenTheStoreCannotBeWritten) {
-    platform::remove_folder(m_folder / "etc");
+    base::remove_folder(m_folder / "etc");
     EXPECT_FALSE(merge(file_of({"A"})));
     EXPECT_THAT(outline(m_props), ElementsAre("A: 101"));
     EXPECT_THAT(m_added, ElementsAre("A"));
@@ -213,7 +213,7 @@ TEST_F(MergeTest, SetsStayInMemoryWhenTheStoreCannotBeWritten) {
 }
 
 TEST_F(MergeTest, SaveFailureIsSaidBeforeTheDuplicates) {
-    platform::remove_folder(m_folder / "etc");
+    base::remove_folder(m_folder / "etc");
     add_set(m_props, "A");
     EXPECT_FALSE(merge(file_of({"A"})));
     EXPECT_THAT(m_user.boxes, ElementsAre(cannot_save(), m_duplicates));

@@ -7,8 +7,8 @@
 
 #include <iostream>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "tests/coefficients/sets.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
@@ -16,10 +16,10 @@
 namespace kestrel {
 namespace {
 
+using base::read_file;
+using base::write_file;
 using basUtil::GetISModelProperties;
 using basUtil::PutISModelProperties;
-using platform::read_file;
-using platform::write_file;
 using test::add_default_set;
 using test::add_set;
 using test::fixture_path;
@@ -33,7 +33,7 @@ using testing::StartsWith;
 
 class basUtilTest : public testing::Test {
   protected:
-    void SetUp() override { platform::create_folder(m_folder / "etc"); }
+    void SetUp() override { base::create_folder(m_folder / "etc"); }
 
     std::string fixture(const std::string& name) const { return read_file(fixture_path("coefficients/" + name)); }
     bool load_fixture(clsISModelProperties& props, const std::string& name) {
@@ -256,7 +256,7 @@ TEST_F(basUtilTest, SaveCopiesTheStoreThatWasThere) {
 
 TEST_F(basUtilTest, StoreThatCannotBeCopiedIsNotReplaced) {
     write_file(m_path, fixture("isprops_default.xml"));
-    platform::create_folder(m_copy);
+    base::create_folder(m_copy);
     EXPECT_FALSE(PutISModelProperties({}, m_store));
     ASSERT_THAT(m_user.call_stacks, SizeIs(1));
     EXPECT_THAT(m_user.call_stacks.front(), HasSubstr("\tPutISModelProperties basUtil Line : "));
@@ -338,17 +338,17 @@ TEST_F(basUtilTest, PositionsCountCharactersOfTheTextAndNotBytes) {
 }
 
 TEST_F(basUtilTest, SaveWithoutAnEtcFolderIsReported) {
-    platform::remove_folder(m_folder / "etc");
+    base::remove_folder(m_folder / "etc");
     EXPECT_FALSE(PutISModelProperties({}, m_store));
     ASSERT_THAT(m_user.call_stacks, SizeIs(1));
     EXPECT_THAT(m_user.call_stacks.front(), HasSubstr("\tPutISModelProperties basUtil Line : "));
     EXPECT_THAT(m_user.call_stacks.front(), HasSubstr("Error Number \r\n\t76\r\n"));
-    EXPECT_FALSE(platform::folder_exists(m_folder / "etc"));
+    EXPECT_FALSE(base::folder_exists(m_folder / "etc"));
 }
 
 TEST_F(basUtilTest, SaveWhileTheFolderIsLockedIsReportedAndTouchesNothing) {
     write_file(m_path, fixture("isprops_default.xml"));
-    const platform::FolderLock run(m_folder.path());
+    const base::FolderLock run(m_folder.path());
     EXPECT_FALSE(PutISModelProperties({}, m_store));
     ASSERT_THAT(m_user.call_stacks, SizeIs(1));
     EXPECT_THAT(m_user.call_stacks.front(), HasSubstr("Error Number \r\n\t70\r\n"));
@@ -358,7 +358,7 @@ TEST_F(basUtilTest, SaveWhileTheFolderIsLockedIsReportedAndTouchesNothing) {
 
 TEST_F(basUtilTest, SaveReleasesItsLock) {
     EXPECT_TRUE(PutISModelProperties({}, m_store));
-    EXPECT_NO_THROW(platform::FolderLock(m_folder.path()));
+    EXPECT_NO_THROW(base::FolderLock(m_folder.path()));
 }
 
 TEST_F(basUtilTest, NameThatXmlCannotHoldIsReportedBeforeTheStoreIsTouched) {

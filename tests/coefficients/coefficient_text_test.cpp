@@ -7,7 +7,7 @@
 
 #include <filesystem>
 
-#include "platform/files.h"
+#include "base/files.h"
 #include "tests/coefficients/sets.h"
 #include "tests/support/error_of.h"
 #include "tests/support/test_files.h"
@@ -25,14 +25,14 @@ class CoefficientText : public testing::Test {
   protected:
     /// What is wrong with a file of these bytes.
     std::optional<TextFault> fault(const std::string& bytes) {
-        platform::write_file(m_path, bytes);
+        base::write_file(m_path, bytes);
         clsLCClasses classes;
         return read_coefficient_text(m_path, classes);
     }
 
     /// The classes of a file in which nothing is wrong.
     std::vector<ClassValues> read(const std::string& bytes) {
-        platform::write_file(m_path, bytes);
+        base::write_file(m_path, bytes);
         clsLCClasses classes;
         EXPECT_EQ(read_coefficient_text(m_path, classes), std::nullopt) << bytes;
         return classes_of(classes);
@@ -49,7 +49,7 @@ TEST_F(CoefficientText, ReadsAClassFromEveryLine) {
 }
 
 TEST_F(CoefficientText, AppendsToTheClassesThatAreThere) {
-    platform::write_file(m_path, "2,b,0,0,0");
+    base::write_file(m_path, "2,b,0,0,0");
     clsLCClasses classes;
     classes.Add(test::land_class(1, "a", 0, 0, 0));
     EXPECT_EQ(read_coefficient_text(m_path, classes), std::nullopt);
@@ -166,7 +166,7 @@ class BadCoefficientText : public testing::TestWithParam<BadFile> {};
 
 TEST_P(BadCoefficientText, IsRefusedForItsFault) {
     const test::TemporaryFolder folder;
-    platform::write_file(folder / "bad.csv", GetParam().bytes);
+    base::write_file(folder / "bad.csv", GetParam().bytes);
     clsLCClasses classes;
     EXPECT_EQ(read_coefficient_text(folder / "bad.csv", classes), GetParam().fault);
 }
@@ -303,9 +303,9 @@ TEST_F(CoefficientText, FileOfTheLimitIsReadWhole) {
 }
 
 TEST_F(CoefficientText, LargerFileOfGoodLinesIsAnOverflowThatNamesTheFile) {
-    platform::write_file(m_path, repeated("11,Water,1,2,3\r\n", 1024 * 1024 + 1));
+    base::write_file(m_path, repeated("11,Water,1,2,3\r\n", 1024 * 1024 + 1));
     clsLCClasses classes;
-    const platform::RuntimeError error = test::error_of([&] { read_coefficient_text(m_path, classes); });
+    const base::RuntimeError error = test::error_of([&] { read_coefficient_text(m_path, classes); });
     EXPECT_EQ(error.number(), 6);
     EXPECT_EQ(error.description(),
               "Overflow: \"" + m_path + "\" is larger than 1048576 bytes, more than a coefficient store holds");
@@ -317,7 +317,7 @@ TEST_F(CoefficientText, WrongLineIsFoundBeforeTheSizeOfTheFile) {
 }
 
 TEST_F(CoefficientText, LineOfAGigabyteHasNoFiveFields) {
-    platform::write_file(m_path, "Value,ClassName,High,Medium,Low\n11,Water,1,2,3");
+    base::write_file(m_path, "Value,ClassName,High,Medium,Low\n11,Water,1,2,3");
     std::filesystem::resize_file(m_path, std::uintmax_t{1} << 30);
     clsLCClasses classes;
     EXPECT_EQ(read_coefficient_text(m_path, classes), TextFault::field_count);

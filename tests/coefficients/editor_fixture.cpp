@@ -5,14 +5,14 @@
 #include <QApplication>
 #include <QTimer>
 
+#include "base/files.h"
 #include "coefficients/basUtil.h"
-#include "platform/files.h"
 #include "tests/coefficients/sets.h"
 
 namespace kestrel::test {
 
 EditorTest::EditorTest() {
-    platform::create_folder(m_folder / "etc");
+    base::create_folder(m_folder / "etc");
     clsISModelProperties props;
     add_default_set(props);
     add_set(props, "Town",
@@ -34,7 +34,7 @@ void EditorTest::activate() {
 }
 
 std::string EditorTest::store_text() const {
-    return platform::read_file(store_path());
+    return base::read_file(store_path());
 }
 
 std::vector<std::string> EditorTest::stored() const {

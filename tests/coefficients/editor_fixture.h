@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "base/files.h"
 #include "coefficients/frmISModelProps.h"
-#include "platform/files.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
 
@@ -76,9 +76,7 @@ class EditorTest : public testing::Test {
             "", platform::Icon::critical, platform::Buttons::ok_cancel};
     }
     /// Makes every save fail while it lives.
-    std::unique_ptr<platform::FolderLock> no_saving() const {
-        return std::make_unique<platform::FolderLock>(m_folder.path());
-    }
+    std::unique_ptr<base::FolderLock> no_saving() const { return std::make_unique<base::FolderLock>(m_folder.path()); }
 
     TemporaryFolder m_folder;
     ScriptedInteraction m_user;

@@ -5,8 +5,8 @@
 
 #include <QApplication>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "tests/coefficients/editor_fixture.h"
 #include "tests/support/failing_interaction.h"
 
@@ -21,7 +21,7 @@ using testing::SizeIs;
 /// Entries of a report, from the outermost procedure in, without their lines; then number and description.
 std::string outline_of(const std::string& report) {
     std::string outline;
-    for (const std::string& line : platform::split_lines(report)) {
+    for (const std::string& line : base::split_lines(report)) {
         if (line.starts_with('\t'))
             outline += (outline.empty() ? "" : " < ") + line.substr(1, line.find(" Line : ") - 1);
     }
@@ -64,7 +64,7 @@ INSTANTIATE_TEST_SUITE_P(frmISModelProps, FailingButton,
 
 TEST_F(EditorErrors, FailingApplyIsReportedUnderItsProcedure) {
     change_nothing();
-    const platform::FolderLock lock(m_folder.path());
+    const base::FolderLock lock(m_folder.path());
     FailingInteraction nobody;
     click("cmdApply");
     ASSERT_THAT(nobody.call_stacks, SizeIs(2)) << "the store first";
@@ -73,7 +73,7 @@ TEST_F(EditorErrors, FailingApplyIsReportedUnderItsProcedure) {
 
 TEST_F(EditorErrors, FailingLoadIsReportedAndTheWindowStaysClosed) {
     m_form->close();
-    platform::remove_file(store_path());
+    base::remove_file(store_path());
     FailingInteraction nobody;
     m_form->show();
     EXPECT_FALSE(m_form->isVisible());

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include <QCheckBox>
 
+#include "base/files.h"
 #include "coefficients/basUtil.h"
-#include "platform/files.h"
 #include "tests/coefficients/editor_fixture.h"
 #include "tests/coefficients/sets.h"
 
@@ -21,10 +21,10 @@ using testing::SizeIs;
 class EditingSession : public EditorTest {
   protected:
     void SetUp() override {
-        const std::string shipped = platform::join_path(KESTREL_SOURCE_DIR, "etc/isprops.xml");
-        platform::copy_file(shipped, store_path());
+        const std::string shipped = base::join_path(KESTREL_SOURCE_DIR, "etc/isprops.xml");
+        base::copy_file(shipped, store_path());
         ASSERT_TRUE(basUtil::GetISModelProperties(m_expected, shipped));
-        platform::create_folder(m_folder / "expected");
+        base::create_folder(m_folder / "expected");
         open();
     }
 
@@ -34,7 +34,7 @@ class EditingSession : public EditorTest {
     void expect_store() {
         const std::string path = m_folder / "expected/isprops.xml";
         ASSERT_TRUE(basUtil::PutISModelProperties(m_expected, CoefficientStore::at(path)));
-        EXPECT_EQ(store_text(), platform::read_file(path));
+        EXPECT_EQ(store_text(), base::read_file(path));
         EXPECT_THAT(m_user.call_stacks, IsEmpty());
     }
 
@@ -56,7 +56,7 @@ class EditingSession : public EditorTest {
 TEST_F(EditingSession, ApplyingTheShippedStoreUnchangedLeavesItByteForByte) {
     change_nothing();
     click("cmdApply");
-    EXPECT_EQ(store_text(), platform::read_file(platform::join_path(KESTREL_SOURCE_DIR, "etc/isprops.xml")));
+    EXPECT_EQ(store_text(), base::read_file(base::join_path(KESTREL_SOURCE_DIR, "etc/isprops.xml")));
 }
 
 TEST_F(EditingSession, LeavesTheStoreThatItShould) {
@@ -124,7 +124,7 @@ TEST_F(EditingSession, LeavesTheStoreThatItShould) {
     clsISModelProperties other;
     for (const char* name : {"My town", "Coast"})
         add_set(other, name, {land_class(7, "Beach", 3, 2, 1)});
-    platform::write_file(m_folder / "other.xml", other.XML());
+    base::write_file(m_folder / "other.xml", other.XML());
     m_user.chosen_files = {m_folder / "other.xml"};
     click("CmdMerge");
     EXPECT_EQ(m_user.boxes.back().icon, Icon::information);

@@ -8,7 +8,7 @@
 #include <QScrollBar>
 #include <array>
 
-#include "platform/files.h"
+#include "base/files.h"
 #include "tests/coefficients/editor_fixture.h"
 #include "tests/coefficients/sets.h"
 
@@ -63,7 +63,7 @@ TEST_F(frmISModelPropsTest, ColumnsHaveTheirWidthsInTwipsOrWhatTheirCaptionsNeed
 }
 
 TEST_F(frmISModelPropsTest, StoreThatCannotBeLoadedIsToldAndTheWindowStaysClosed) {
-    platform::remove_file(store_path());
+    base::remove_file(store_path());
     m_form->show();
     EXPECT_FALSE(m_form->isVisible());
     EXPECT_THAT(m_user.boxes,
@@ -73,7 +73,7 @@ TEST_F(frmISModelPropsTest, StoreThatCannotBeLoadedIsToldAndTheWindowStaysClosed
 }
 
 TEST_F(frmISModelPropsTest, AnswerToTheLoadFailureChangesNothing) {
-    platform::write_file(store_path(), "no XML");
+    base::write_file(store_path(), "no XML");
     m_user.answers = {Answer::ok};
     m_form->show();
     EXPECT_FALSE(m_form->isVisible());
@@ -81,7 +81,7 @@ TEST_F(frmISModelPropsTest, AnswerToTheLoadFailureChangesNothing) {
 }
 
 TEST_F(frmISModelPropsTest, StoreWithoutSetsOpensEmptyAndOffersNoRowsToFillIn) {
-    platform::write_file(store_path(), "<ISModelProperties><ISLCDefs/></ISModelProperties>");
+    base::write_file(store_path(), "<ISModelProperties><ISLCDefs/></ISModelProperties>");
     open();
     EXPECT_EQ(list().count(), 0);
     EXPECT_EQ(grid().rows(), 0);
@@ -93,7 +93,7 @@ TEST_F(frmISModelPropsTest, StoreWithoutSetsOpensEmptyAndOffersNoRowsToFillIn) {
 }
 
 TEST_F(frmISModelPropsTest, FirstSetOfAnEmptyStoreCanBeFilledInAndApplied) {
-    platform::write_file(store_path(), "<ISModelProperties><ISLCDefs/></ISModelProperties>");
+    base::write_file(store_path(), "<ISModelProperties><ISLCDefs/></ISModelProperties>");
     open();
     in_dialog([](QDialog& dialog) {
         QTest::keyClicks(dialog.findChild<QLineEdit*>("txtLCType"), "First");
@@ -219,7 +219,7 @@ TEST_F(frmISModelPropsTest, SetShownWithFewerRowsLosesItsSurplusClassesOnApply) 
 
 TEST_F(frmISModelPropsTest, ImportAsksForAFileAndListsTheNewSet) {
     open();
-    platform::write_file(m_folder / "new.txt", "Value,ClassName,High,Medium,Low\r\n7,Marsh,1,2,3\r\n");
+    base::write_file(m_folder / "new.txt", "Value,ClassName,High,Medium,Low\r\n7,Marsh,1,2,3\r\n");
     m_user.chosen_files = {m_folder / "new.txt"};
     m_user.inputs = {"Wetlands"};
     click("CmdImport");
@@ -235,9 +235,9 @@ TEST_F(frmISModelPropsTest, ImportAsksForAFileAndListsTheNewSet) {
 }
 
 TEST_F(frmISModelPropsTest, ImportIntoAnEmptyStoreShowsTheNewSet) {
-    platform::write_file(store_path(), "<ISModelProperties><ISLCDefs/></ISModelProperties>");
+    base::write_file(store_path(), "<ISModelProperties><ISLCDefs/></ISModelProperties>");
     open();
-    platform::write_file(m_folder / "new.txt", "7,Marsh,1,2,3\r\n");
+    base::write_file(m_folder / "new.txt", "7,Marsh,1,2,3\r\n");
     m_user.chosen_files = {m_folder / "new.txt"};
     m_user.inputs = {"Wetlands"};
     click("CmdImport");
@@ -256,7 +256,7 @@ TEST_F(frmISModelPropsTest, ExportWritesTheSelectedSet) {
     EXPECT_EQ(m_user.file_dialogs[0].title, "Export Impervious Surface Coefficients into Filename");
     EXPECT_EQ(m_user.file_dialogs[0].filter, "Coefficient Text File(*.txt;*.csv)|*.txt;*.csv");
     EXPECT_EQ(m_user.file_dialogs[0].default_extension, ".txt");
-    EXPECT_EQ(platform::read_file(m_folder / "town.txt"),
+    EXPECT_EQ(base::read_file(m_folder / "town.txt"),
               "Value,ClassName,High,Medium,Low\r\n1,Roof,90,80,70\r\n2,Park,10,5,1\r\n3,Pond,0,0,0\r\n");
 }
 
@@ -265,7 +265,7 @@ TEST_F(frmISModelPropsTest, MergeListsTheSetsOfTheOtherStore) {
     clsISModelProperties other;
     add_set(other, "Town", {land_class(9, "n", 0, 0, 0)});
     add_set(other, "Hills");
-    platform::write_file(m_folder / "other.xml", other.XML());
+    base::write_file(m_folder / "other.xml", other.XML());
     m_user.chosen_files = {m_folder / "other.xml"};
     click("CmdMerge");
     ASSERT_THAT(m_user.file_dialogs, SizeIs(1));

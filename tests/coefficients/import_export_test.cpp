@@ -9,9 +9,9 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "base/files.h"
 #include "coefficients/basISModelPropsUtil.h"
 #include "coefficients/basUtil.h"
-#include "platform/files.h"
 #include "tests/coefficients/sets.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
@@ -38,11 +38,11 @@ constexpr const char* kGoodLines = "Value,ClassName,High,Medium,Low\r\n11,Water,
 class ImportTest : public testing::Test {
   protected:
     void SetUp() override {
-        platform::create_folder(m_folder / "etc");
+        base::create_folder(m_folder / "etc");
         add_set(m_props, "Mine", {land_class(1, "a", 0, 0, 0)});
         ASSERT_TRUE(basUtil::PutISModelProperties(m_props, m_store));
-        m_stored = platform::read_file(m_store.path);
-        platform::write_file(m_path, kGoodLines);
+        m_stored = base::read_file(m_store.path);
+        base::write_file(m_path, kGoodLines);
     }
 
     bool import(const std::string& name) {
@@ -64,13 +64,13 @@ class ImportTest : public testing::Test {
     void expect_nothing_changed() {
         EXPECT_THAT(outline(m_props), ElementsAre("Mine: 1"));
         EXPECT_THAT(m_added, IsEmpty());
-        EXPECT_EQ(platform::read_file(m_store.path), m_stored);
-        EXPECT_FALSE(platform::file_exists(m_store.path + ".bak"));
+        EXPECT_EQ(base::read_file(m_store.path), m_stored);
+        EXPECT_FALSE(base::file_exists(m_store.path + ".bak"));
     }
 
     /// Imports a file of these lines, which must be refused with this message.
     void expect_refused(const std::string& lines, const std::string& text) {
-        platform::write_file(m_path, lines);
+        base::write_file(m_path, lines);
         EXPECT_FALSE(import("New"));
         EXPECT_THAT(m_user.boxes,
                     ElementsAre(MessageBox{text, "Coefficient Import Unsuccessful", Icon::critical, Buttons::ok}));
@@ -102,9 +102,9 @@ TEST_F(ImportTest, NewSetIsAppendedListedAndSaved) {
 }
 
 TEST_F(ImportTest, HeaderAloneAndEmptyFileGiveSetsWithoutClasses) {
-    platform::write_file(m_path, "Value,ClassName,High,Medium,Low\r\n");
+    base::write_file(m_path, "Value,ClassName,High,Medium,Low\r\n");
     EXPECT_TRUE(import("A"));
-    platform::write_file(m_path, "");
+    base::write_file(m_path, "");
     EXPECT_TRUE(import("B"));
     EXPECT_THAT(stored(), ElementsAre("Mine: 1", "A:", "B:"));
 }
@@ -125,7 +125,7 @@ TEST_F(ImportTest, NameIsAskedInAnInputBox) {
 }
 
 TEST_F(ImportTest, EmptyNameOrCancelStopsBeforeTheFileIsOpened) {
-    platform::remove_file(m_path);
+    base::remove_file(m_path);
     EXPECT_FALSE(import(""));
     EXPECT_THAT(m_user.boxes, IsEmpty());
     EXPECT_THAT(m_user.call_stacks, IsEmpty());
@@ -161,7 +161,7 @@ TEST_F(ImportTest, NameIsComparedExactly) {
 }
 
 TEST_F(ImportTest, TakenNameIsSaidBeforeTheFileIsOpened) {
-    platform::remove_file(m_path);
+    base::remove_file(m_path);
     EXPECT_FALSE(import("Mine"));
     EXPECT_THAT(m_user.boxes, ElementsAre(kNameTaken));
     EXPECT_THAT(m_user.call_stacks, IsEmpty());
@@ -198,7 +198,7 @@ TEST_F(ImportTest, CoefficientBeyond0To100IsSaid) {
 }
 
 TEST_F(ImportTest, OneMessageIsShownForAFileOfManyFaultsAndGoodLinesBeforeItAreForgotten) {
-    platform::write_file(m_path, "11,Water,1,2,3\r\n12,Ice,101,0,0\r\n\r\nabc,Ice,1,2,3\r\n");
+    base::write_file(m_path, "11,Water,1,2,3\r\n12,Ice,101,0,0\r\n\r\nabc,Ice,1,2,3\r\n");
     EXPECT_FALSE(import("New"));
     ASSERT_THAT(m_user.boxes, SizeIs(1));
     EXPECT_THAT(m_user.boxes.front().text, StartsWith("Invalid coefficient in import file "));
@@ -206,9 +206,9 @@ TEST_F(ImportTest, OneMessageIsShownForAFileOfManyFaultsAndGoodLinesBeforeItAreF
 }
 
 TEST_F(ImportTest, NameMayBeUsedAgainAfterAFailure) {
-    platform::write_file(m_path, "\n");
+    base::write_file(m_path, "\n");
     EXPECT_FALSE(import("New"));
-    platform::write_file(m_path, kGoodLines);
+    base::write_file(m_path, kGoodLines);
     EXPECT_TRUE(import("New"));
     EXPECT_THAT(stored(), ElementsAre("Mine: 1", "New: 11 12"));
 }
@@ -254,7 +254,7 @@ TEST_F(ImportTest, BadFilesOfEveryKindLeaveListAndStoreAsTheyWere) {
     for (const std::string& bytes : files) {
         SCOPED_TRACE(testing::PrintToString(bytes));
         m_user.boxes.clear();
-        platform::write_file(m_path, bytes);
+        base::write_file(m_path, bytes);
         EXPECT_FALSE(import("New"));
         ASSERT_THAT(m_user.boxes, SizeIs(1));
         EXPECT_EQ(m_user.boxes.front().title, "Coefficient Import Unsuccessful");
@@ -313,7 +313,7 @@ TEST_F(ImportTest, FileOfTooManyGoodLinesIsReported) {
     std::string lines;
     while (lines.size() <= std::size_t{1024} * 1024)
         lines += "11,Water,1,2,3\r\n";
-    platform::write_file(m_path, lines);
+    base::write_file(m_path, lines);
     EXPECT_FALSE(import("New"));
     EXPECT_THAT(m_user.boxes, IsEmpty());
     EXPECT_THAT(m_user.call_stacks, ElementsAre(HasSubstr("Error Number \r\n\t6\r\nDescription\r\n\tOverflow: ")));
@@ -334,7 +334,7 @@ TEST_F(ImportTest, ErrorInTheListOfTheEditorIsReportedAndTheSetRemoved) {
 // Saving
 
 TEST_F(ImportTest, SetStaysInMemoryAndInTheListWhenTheStoreCannotBeWritten) {
-    platform::remove_folder(m_folder / "etc");
+    base::remove_folder(m_folder / "etc");
     EXPECT_FALSE(import("New"));
     EXPECT_THAT(m_user.boxes,
                 ElementsAre(MessageBox{"Failed To Save XML - verify the permissions to write to file '" +
@@ -346,7 +346,7 @@ TEST_F(ImportTest, SetStaysInMemoryAndInTheListWhenTheStoreCannotBeWritten) {
 }
 
 TEST_F(ImportTest, AnswerToTheSaveFailureChangesNothing) {
-    platform::remove_folder(m_folder / "etc");
+    base::remove_folder(m_folder / "etc");
     for (const platform::Answer answer : {platform::Answer::ok, platform::Answer::cancel}) {
         m_user.answers.push_back(answer);
         EXPECT_FALSE(import("New " + std::to_string(m_props.ISLCDefs.Count())));
@@ -358,12 +358,12 @@ TEST_F(ImportTest, SetBeyondTheLimitOfTheStoreFailsToSaveAndTheCopyIsNamed) {
     std::string lines;
     for (int i = 0; i < 1000; ++i)
         lines += "11,Water,1,2,3\r\n";
-    platform::write_file(m_path, lines);
+    base::write_file(m_path, lines);
     EXPECT_FALSE(import("New"));
     ASSERT_THAT(m_user.boxes, SizeIs(1));
     EXPECT_THAT(m_user.boxes.front().text, StartsWith("Failed To Save XML - verify the permissions to write to file"));
     EXPECT_THAT(m_user.call_stacks, ElementsAre(HasSubstr(m_store.path + ".bak")));
-    EXPECT_EQ(platform::read_file(m_store.path + ".bak"), m_stored);
+    EXPECT_EQ(base::read_file(m_store.path + ".bak"), m_stored);
     EXPECT_EQ(m_props.ISLCDefs.Item(2)->LCClasses.Count(), 1000);
 }
 
@@ -374,7 +374,7 @@ TEST_F(ImportTest, ExportWritesTheFirstSetOfTheNameInPlaceOfAnyFile) {
             {land_class(21, "Developed Low Intensity", 35, 25, 12.5F), land_class(0, "", 100, 0, 33.3F)});
     add_set(m_props, "Two", {land_class(9, "other", 0, 0, 0)});
     EXPECT_TRUE(ExportCoeffsToFile(m_props, "Two", m_path));
-    EXPECT_EQ(platform::read_file(m_path),
+    EXPECT_EQ(base::read_file(m_path),
               "Value,ClassName,High,Medium,Low\r\n21,Developed Low Intensity,35,25,12.5\r\n0,,100,0,33.3\r\n");
     EXPECT_THAT(m_user.boxes, IsEmpty());
     EXPECT_THAT(m_user.call_stacks, IsEmpty());
@@ -383,14 +383,14 @@ TEST_F(ImportTest, ExportWritesTheFirstSetOfTheNameInPlaceOfAnyFile) {
 TEST_F(ImportTest, ExportOfASetThatIsNotThereHoldsOnlyTheHeader) {
     for (const char* name : {"None", "mine", ""}) {
         EXPECT_TRUE(ExportCoeffsToFile(m_props, name, m_path));
-        EXPECT_EQ(platform::read_file(m_path), "Value,ClassName,High,Medium,Low\r\n") << name;
+        EXPECT_EQ(base::read_file(m_path), "Value,ClassName,High,Medium,Low\r\n") << name;
     }
 }
 
 TEST_F(ImportTest, ExportOfASetWithoutClassesHoldsOnlyTheHeader) {
     add_set(m_props, "Empty");
     EXPECT_TRUE(ExportCoeffsToFile(m_props, "Empty", m_path));
-    EXPECT_EQ(platform::read_file(m_path), "Value,ClassName,High,Medium,Low\r\n");
+    EXPECT_EQ(base::read_file(m_path), "Value,ClassName,High,Medium,Low\r\n");
 }
 
 TEST_F(ImportTest, ExportToAPlaceThatCannotBeWrittenIsReported) {

@@ -5,13 +5,13 @@
 
 #include <limits>
 
-#include "platform/errors.h"
+#include "base/errors.h"
 #include "tests/coefficients/sets.h"
 
 namespace kestrel {
 namespace {
 
-using platform::RuntimeError;
+using base::RuntimeError;
 using platform::XmlDocument;
 using platform::XmlElement;
 using test::add_default_set;

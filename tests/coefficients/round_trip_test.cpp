@@ -7,9 +7,9 @@
 #include <limits>
 #include <random>
 
+#include "base/files.h"
 #include "coefficients/basISModelPropsUtil.h"
 #include "coefficients/basUtil.h"
-#include "platform/files.h"
 #include "tests/coefficients/sets.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
@@ -177,16 +177,16 @@ TEST_F(RoundTrip, RealTextFilesAreTheSetsOfTheRealStore) {
          {std::pair{"nlcd_legend.csv", "NLCD legend"}, std::pair{"nlcd_spread.csv", "NLCD spread"},
           std::pair{"nlcd_without_crops.csv", "NLCD without crops"}}) {
         SCOPED_TRACE(file);
-        const std::string path = platform::join_path(folder, file);
+        const std::string path = base::join_path(folder, file);
         const auto set = imported(props, path, name);
         ASSERT_TRUE(set);
         ASSERT_TRUE(find_set(stored, name));
         EXPECT_GT(set->LCClasses.Count(), 0);
         EXPECT_EQ(classes_of(set->LCClasses), classes_of(find_set(stored, name)->LCClasses));
         ASSERT_TRUE(ExportCoeffsToFile(stored, name, m_text));
-        EXPECT_EQ(platform::read_file(m_text), platform::read_file(path));
+        EXPECT_EQ(base::read_file(m_text), base::read_file(path));
     }
-    EXPECT_EQ(platform::read_file(m_folder / "store.xml"), platform::read_file(folder + "/isprops.xml"));
+    EXPECT_EQ(base::read_file(m_folder / "store.xml"), base::read_file(folder + "/isprops.xml"));
 }
 
 }  // namespace

@@ -11,9 +11,9 @@
 #include <QTimer>
 #include <iostream>
 
+#include "base/files.h"
 #include "coefficients/frmISModelProps.h"
 #include "host/qt_interaction.h"
-#include "platform/files.h"
 #include "tests/support/window_pictures.h"
 
 namespace {
@@ -98,15 +98,15 @@ int main(int argc, char** argv) {
     kestrel::QtInteraction user;
     const kestrel::platform::ScopedInteraction scope(user);
     const std::string folder =
-        kestrel::platform::make_unique_folder(kestrel::platform::temporary_folder(), "kestrel-screenshots-");
-    kestrel::platform::create_folder(folder + "/etc");
-    kestrel::platform::copy_file(argv[1], folder + "/etc/isprops.xml");
+        kestrel::base::make_unique_folder(kestrel::base::temporary_folder(), "kestrel-screenshots-");
+    kestrel::base::create_folder(folder + "/etc");
+    kestrel::base::copy_file(argv[1], folder + "/etc/isprops.xml");
 
     frmISModelProps form(kestrel::CoefficientStore::in_extension_folder(folder));
     form.move(40, 40);
     form.show();
     form.activateWindow();
     take_all(form);
-    kestrel::platform::remove_folder(folder);
+    kestrel::base::remove_folder(folder);
     return 0;
 }

@@ -5,10 +5,10 @@
 
 #include <array>
 
+#include "base/files.h"
 #include "coefficients/basISModelPropsUtil.h"
 #include "coefficients/basUtil.h"
 #include "coefficients/indented_text.h"
-#include "platform/files.h"
 #include "tests/coefficients/sets.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
@@ -41,7 +41,7 @@ TEST_F(ShippedStore, IsWhatTheWriterGivesForItsContent) {
     const test::TemporaryFolder folder;
     const CoefficientStore store = CoefficientStore::at(folder / "isprops.xml");
     ASSERT_TRUE(basUtil::PutISModelProperties(m_props, store));
-    EXPECT_EQ(platform::read_file(store.path), platform::read_file(m_path));
+    EXPECT_EQ(base::read_file(store.path), base::read_file(m_path));
 }
 
 TEST_F(ShippedStore, LeavesMostOfTheLimitToTheUser) {

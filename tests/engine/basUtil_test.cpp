@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/errors.h"
+#include "base/errors.h"
 #include "platform/headless/headless_map.h"
 #include "tests/support/small_world.h"
 
@@ -83,7 +83,7 @@ TEST(FindLayer, AnEmptyMapHasNothing) {
 TEST(FindLayer, AFailureIsReportedAndNothingFound) {
     class Broken final : public Layer {
       public:
-        std::string name() const override { throw platform::RuntimeError(91, "no name"); }
+        std::string name() const override { throw base::RuntimeError(91, "no name"); }
     };
     const test::ScriptedInteraction said;
     HeadlessMap map;
@@ -173,7 +173,7 @@ class CreateShapefile : public testing::Test {
     Copied copied(const std::string& field) {
         const auto made = basUtil::CreateShapefile(field, source(), world.output.path());
         if (!made) {
-            throw platform::RuntimeError(0, "nothing was made");
+            throw base::RuntimeError(0, "nothing was made");
         }
         return {made->fields(),
                 made->read_polygons(field.empty() ? std::vector<std::string>{} : std::vector<std::string>{"analyfld"})};
@@ -222,7 +222,7 @@ TEST_F(CreateShapefile, WholeNumbersStayWholeNumbers) {
 TEST_F(CreateShapefile, WholeNumbersOf64BitsKeepAllDigits) {
     world.layer("source", {test::big_integer_field("ID")}, {{{Box{0, 0, 1, 1}}, {std::int64_t{123456789012345678}}}},
                 {0});
-    EXPECT_EQ(platform::text_of(copied("ID").features.columns.at(0).at(0)), "123456789012345678");
+    EXPECT_EQ(base::text_of(copied("ID").features.columns.at(0).at(0)), "123456789012345678");
 }
 
 TEST_F(CreateShapefile, TextOfMoreThan30CharactersIsNotCut) {

@@ -5,8 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/errors.h"
 #include "engine/clsISTableFunctions.h"
-#include "platform/errors.h"
 #include "tests/support/small_world.h"
 
 namespace kestrel {
@@ -239,7 +239,7 @@ TEST_F(Adjustment, TheOverlapIsCheckedBeforeTheTargetsCoefficient) {
 
 TEST_F(Adjustment, AFailureIsToldAndReported) {
     lay_out("5 5\n", {Box{0, 0, 1, 1}});
-    theme.failure = std::make_exception_ptr(platform::RuntimeError(53, "no such file"));
+    theme.failure = std::make_exception_ptr(base::RuntimeError(53, "no such file"));
     EXPECT_FALSE(adjusted(tabulated(), "7"));
     EXPECT_THAT(
         world.said.boxes,

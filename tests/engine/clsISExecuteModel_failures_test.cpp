@@ -5,9 +5,9 @@
 
 #include <filesystem>
 
+#include "base/errors.h"
+#include "base/files.h"
 #include "engine/clsISExecuteModel.h"
-#include "platform/errors.h"
-#include "platform/files.h"
 #include "tests/support/small_world.h"
 #include "tests/support/tiny_disk.h"
 
@@ -94,7 +94,7 @@ TEST_F(Failing, ASelectionThatCannotBeCopiedIsReported) {
 }
 
 TEST_F(Failing, ALandCoverThatCannotBeReadIsAnErrorInTheCalculation) {
-    platform::write_file(world.folder / "cover.tif", "this is no raster");
+    base::write_file(world.folder / "cover.tif", "this is no raster");
     EXPECT_FALSE(world.run());
     EXPECT_THAT(
         world.said.boxes,
@@ -145,10 +145,10 @@ TEST_F(Failing, AnOutputFolderThatIsMissingIsReported) {
 
 TEST_F(Failing, AFileInPlaceOfTheOutputFolderIsReported) {
     world.output_folder = world.folder / "file";
-    platform::write_file(world.output_folder, "no folder");
+    base::write_file(world.output_folder, "no folder");
     EXPECT_FALSE(world.run());
     EXPECT_THAT(world.said.call_stacks, ElementsAre(report_of("DissolveAnalysisLayer clsISExecuteModel")));
-    EXPECT_EQ(platform::read_file(world.output_folder), "no folder");
+    EXPECT_EQ(base::read_file(world.output_folder), "no folder");
     expect_nothing_left();
 }
 
@@ -170,7 +170,7 @@ TEST_F(Failing, ALegendThatCannotBeSavedIsReportedAndTheRunGoesOn) {
     fs::create_directory(world.output / "Sheds IS.lyr");
     EXPECT_TRUE(world.run());
     EXPECT_THAT(world.said.call_stacks, ElementsAre(report_of("isUpdateLegend clsISExecuteModel")));
-    EXPECT_TRUE(platform::file_exists(world.output / "Sheds IS.met"));
+    EXPECT_TRUE(base::file_exists(world.output / "Sheds IS.met"));
     EXPECT_EQ(world.layer_names().front(), "Sheds IS");
 }
 
@@ -178,7 +178,7 @@ TEST_F(Failing, ARunReportThatCannotBeWrittenIsReportedAndTheOutputStays) {
     fs::create_directory(world.output / "Sheds IS.prm");
     EXPECT_TRUE(world.run());
     EXPECT_THAT(world.said.call_stacks, ElementsAre(report_of("isWriteMetadata clsISExecuteModel")));
-    EXPECT_FALSE(platform::file_exists(world.output / "Sheds IS.met"));
+    EXPECT_FALSE(base::file_exists(world.output / "Sheds IS.met"));
     EXPECT_EQ(world.rows().size(), 2U);
     EXPECT_THAT(world.temp(), IsEmpty());
 }
@@ -193,7 +193,7 @@ TEST_F(Failing, ATempFolderThatIsALinkIsNotEmptiedAndReported) {
 }
 
 TEST_F(Failing, WorkingDataThatCannotBeKeptAreReportedAndTheRunStillCleansUp) {
-    platform::write_file(world.folder / "file", "no folder");
+    base::write_file(world.folder / "file", "no folder");
     EXPECT_TRUE(world.run({.keep_temp_folder = world.folder / "file/kept"}));
     EXPECT_THAT(world.said.call_stacks, ElementsAre(report_of("ExecuteModel clsISExecuteModel")));
     EXPECT_THAT(world.temp(), IsEmpty());
@@ -201,8 +201,8 @@ TEST_F(Failing, WorkingDataThatCannotBeKeptAreReportedAndTheRunStillCleansUp) {
 
 TEST_F(Failing, CleanUpAlsoRemovesFoldersAndReadOnlyFiles) {
     fs::create_directories(world.extension / "temp/old/older");
-    platform::write_file(world.extension / "temp/old/file", "x");
-    platform::write_file(world.extension / "temp/readonly", "x");
+    base::write_file(world.extension / "temp/old/file", "x");
+    base::write_file(world.extension / "temp/readonly", "x");
     fs::permissions(world.extension / "temp/readonly", fs::perms::owner_read);
     EXPECT_TRUE(world.run());
     EXPECT_THAT(world.temp(), IsEmpty());
@@ -222,12 +222,12 @@ class BlindApplication final : public platform::Application {
     platform::IExtensionConfig* find_extension(std::string_view id) override { return m_host.find_extension(id); }
     std::shared_ptr<platform::FeatureLayer> make_feature_layer(const std::string&, const std::string&) override {
         if (throws) {
-            throw platform::RuntimeError(platform::kLibraryFailure, "no layer today");
+            throw base::RuntimeError(base::kLibraryFailure, "no layer today");
         }
         return nullptr;
     }
     platform::Interaction& interaction() override { return m_host.interaction(); }
-    platform::Progress& progress() override { return m_host.progress(); }
+    base::Progress& progress() override { return m_host.progress(); }
     void run_ended(platform::RunResult result) override { m_host.run_ended(std::move(result)); }
 
     bool throws = false;
@@ -244,7 +244,7 @@ TEST_F(Failing, AnOutputThatIsNoFeatureClassIsToldAndRemoved) {
     BlindApplication blind(world.application);
     for (const bool throws : {false, true}) {
         test::TemporaryFolder output;
-        platform::write_file(world.extension / "temp/model_params.txt", parameters);
+        base::write_file(world.extension / "temp/model_params.txt", parameters);
         blind.throws = throws;
         clsISExecuteModel().ExecuteModel(&blind, world.extension.path(), "model_params.txt", output.path(), "out.shp",
                                          "other");
@@ -307,7 +307,7 @@ TEST(Cancelled, AfterTheOutputIsThereTheRunFinishes) {
     world.progress.allowed = counting.progress.asked() - 1;  // the last one tells that it is finished
     EXPECT_TRUE(world.run());
     EXPECT_FALSE(world.result().cancelled);
-    EXPECT_TRUE(platform::file_exists(world.output / "Sheds IS.met"));
+    EXPECT_TRUE(base::file_exists(world.output / "Sheds IS.met"));
 }
 
 }  // namespace

@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/files.h"
 #include "engine/clsISExecuteModel.h"
 #include "engine/output_layer.h"
-#include "platform/files.h"
 #include "platform/headless/headless_map.h"
 #include "tests/support/small_world.h"
 
@@ -19,9 +19,9 @@ using test::Box;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-class FixedClock final : public platform::Clock {
+class FixedClock final : public base::Clock {
   public:
-    platform::LocalTime now() const override {
+    base::LocalTime now() const override {
         return {.year = 2003, .month = 11, .day = 6, .hour = 14, .minute = 15, .second = 7};
     }
 };
@@ -51,13 +51,13 @@ TEST_F(Output, TheResultNamesTheFilesTheShapefileFirst) {
     ASSERT_EQ(files.size(), 9U);
     EXPECT_EQ(files.front(), world.output / "out.shp");
     for (const std::string& file : files) {
-        EXPECT_TRUE(platform::file_exists(file)) << file;
+        EXPECT_TRUE(base::file_exists(file)) << file;
     }
 }
 
 TEST_F(Output, TheShapefileIsInUtf8AndInTheAnalysisLayersSystem) {
     ASSERT_TRUE(world.run());
-    EXPECT_EQ(platform::read_file(world.output / "out.cpg"), "UTF-8");
+    EXPECT_EQ(base::read_file(world.output / "out.cpg"), "UTF-8");
     EXPECT_EQ(platform::FeatureClass::open({.path = world.output_path()}).spatial_reference().authority_code(),
               "EPSG:26912");
 }
@@ -66,7 +66,7 @@ TEST_F(Output, OfAnAnalysisLayerWithoutASystemHasNone) {
     world.layer("bare", {test::integer_field("ID")}, {{{Box{0, 0, 2, 1}}, {std::int64_t{1}}}}, {}, "");
     world.parameters.analysis_layer = "bare";
     ASSERT_TRUE(world.run());
-    EXPECT_FALSE(platform::file_exists(world.output / "out.prj"));
+    EXPECT_FALSE(base::file_exists(world.output / "out.prj"));
     EXPECT_THAT(world.said.notices,
                 ElementsAre("\"bare\" names no coordinate system: that of \"cover\" is taken for it."));
 }
@@ -95,7 +95,7 @@ TEST_F(Output, TheLayerInTheMapCarriesTheLegend) {
 
 TEST_F(Output, TheLayerFileNamesTheShapefileWithoutItsFolder) {
     ASSERT_TRUE(world.run());
-    const std::string file = platform::read_file(world.output / "Sheds IS.lyr");
+    const std::string file = base::read_file(world.output / "Sheds IS.lyr");
     EXPECT_THAT(file, HasSubstr("out.shp"));
     EXPECT_THAT(file, testing::Not(HasSubstr(world.output.path())));
     EXPECT_THAT(file, HasSubstr("&lt; 10%"));
@@ -105,7 +105,7 @@ TEST_F(Output, TheRunReportTellsTheSettings) {
     world.layer("mall", {test::integer_field("N")}, {{{Box{1, 0, 2, 1}}, {std::int64_t{1}}}});
     world.parameters.scenarios = {"1#mall#Roads, paved#7"};
     ASSERT_TRUE(world.run({.clock = &clock}));
-    EXPECT_EQ(platform::read_file(world.output / "Sheds IS.prm"),
+    EXPECT_EQ(base::read_file(world.output / "Sheds IS.prm"),
               "Impervious surface analysis run: Thursday November 6, 2003 02:15:07 PM\r\n"
               "\r\n"
               "  Output Layer Name: Sheds IS\r\n"
@@ -133,24 +133,24 @@ TEST_F(Output, TheRecordsNameTheUsersFieldAlsoWithASelection) {
                 {{{Box{0, 0, 1, 1}}, {std::int64_t{1}}}, {{Box{1, 0, 2, 1}}, {std::int64_t{2}}}}, {1});
     world.parameters.analysis_layer = "chosen";
     ASSERT_TRUE(world.run({.clock = &clock}));
-    const std::string report = platform::read_file(world.output / "Sheds IS.prm");
+    const std::string report = base::read_file(world.output / "Sheds IS.prm");
     EXPECT_THAT(report, HasSubstr("  Analysis Layer: chosen\r\n  Analysis Field: ID\r\n"));
-    const std::string metadata = platform::read_file(world.output / "Sheds IS.met");
+    const std::string metadata = base::read_file(world.output / "Sheds IS.met");
     EXPECT_THAT(metadata, testing::Not(HasSubstr("analyfld")));
     EXPECT_THAT(metadata, testing::Not(HasSubstr("tempAnalysis")));
 }
 
 TEST_F(Output, TheMetadataIsWrittenAtTheSameTime) {
     ASSERT_TRUE(world.run({.clock = &clock}));
-    EXPECT_THAT(platform::read_file(world.output / "Sheds IS.met"), HasSubstr("20031106"));
+    EXPECT_THAT(base::read_file(world.output / "Sheds IS.met"), HasSubstr("20031106"));
 }
 
 TEST_F(Output, OlderFilesOfTheNameAreReplaced) {
-    platform::write_file(world.output / "Sheds IS.prm", "old");
-    platform::write_file(world.output / "out.dbf", "old");
+    base::write_file(world.output / "Sheds IS.prm", "old");
+    base::write_file(world.output / "out.dbf", "old");
     ASSERT_TRUE(world.run());
     EXPECT_THAT(world.rows(), ElementsAre("1|1|0.8|80|Y", "2|1|0.02|2|Y"));
-    EXPECT_THAT(platform::read_file(world.output / "Sheds IS.prm"), HasSubstr("Impervious surface analysis run"));
+    EXPECT_THAT(base::read_file(world.output / "Sheds IS.prm"), HasSubstr("Impervious surface analysis run"));
 }
 
 TEST_F(Output, PercentagesAreStoredWithTwoDecimals) {

@@ -7,7 +7,7 @@
 
 #include <filesystem>
 
-#include "platform/files.h"
+#include "base/files.h"
 #include "tests/support/small_world.h"
 
 namespace kestrel {
@@ -251,7 +251,7 @@ TEST_F(LandCoverAreas, OnePassServesAllCallsOfARun) {
     world.land_cover("5\n");
     zones({{{Box{0, 0, 1, 1}}}}, {Value("a")});
     ASSERT_TRUE(areas("Meters"));
-    platform::remove_file(world.folder / "cover.tif");
+    base::remove_file(world.folder / "cover.tif");
     const auto again = areas("Meters");
     ASSERT_TRUE(again);
     EXPECT_EQ(number(*again, "a", "area-5"), 1);

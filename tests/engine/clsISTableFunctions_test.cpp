@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/files.h"
+#include "base/files.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
 
@@ -21,7 +21,7 @@ using ::testing::HasSubstr;
 
 class TableFunctions : public testing::Test {
   protected:
-    TableFunctions() { platform::create_folder(extension / "temp"); }
+    TableFunctions() { base::create_folder(extension / "temp"); }
 
     static Tabulation tabulation(const std::vector<std::int32_t>& classes) {
         Tabulation result{.cell_area = 1, .keys = {}, .columns = {}};
@@ -101,7 +101,7 @@ TEST_F(TableFunctions, AZoneFieldNamedLikeAnotherColumnMakesRoomForIt) {
 }
 
 TEST_F(TableFunctions, AMissingTempFolderIsTold) {
-    platform::remove_folder(extension / "temp");
+    base::remove_folder(extension / "temp");
     EXPECT_FALSE(created({5}));
     EXPECT_THAT(said.boxes, ElementsAre(MessageBox{"\rFolder does not exist: " + extension.path() + "/temp"}));
 }

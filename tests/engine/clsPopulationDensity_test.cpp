@@ -17,7 +17,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-platform::NoProgress nobody;
+base::NoProgress nobody;
 
 TEST(DensityClass, TheHighCutOffItselfIsHigh) {
     EXPECT_EQ(density_class(1000, "1000", "200"), 1);

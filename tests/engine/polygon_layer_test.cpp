@@ -19,7 +19,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-platform::NoProgress nobody;
+base::NoProgress nobody;
 
 FeatureClass source(test::SmallWorld& world, const std::string& reference = "EPSG:26912") {
     world.layer("sheds", {test::integer_field("ID"), test::text_field("NAME")},

@@ -14,9 +14,9 @@
 #include <QTest>
 #include <QTimer>
 
+#include "base/errors.h"
 #include "host/error_report.h"
 #include "host/qt_interaction.h"
-#include "platform/errors.h"
 
 namespace kestrel {
 namespace {
@@ -96,7 +96,7 @@ TEST_F(CallStackWindowTest, TextTakesTheRoomWhenTheWindowGrows) {
 }
 
 /// Fails as a procedure would, and reports it.
-void isWriteMetadata() try { throw platform::RuntimeError(70, "Permission denied <b>&", "Kestrel", 45); } catch (...) {
+void isWriteMetadata() try { throw base::RuntimeError(70, "Permission denied <b>&", "Kestrel", 45); } catch (...) {
     report_current({"isWriteMetadata", "clsISExecuteModel"});
 }
 

@@ -5,9 +5,9 @@
 
 #include <dlfcn.h>
 
+#include "base/errors.h"
 #include "platform/contracts/command.h"
 #include "platform/contracts/extension.h"
-#include "platform/errors.h"
 #include "platform/extension_library.h"
 #include "tests/support/error_of.h"
 #include "tests/support/test_files.h"
@@ -17,9 +17,9 @@
 namespace kestrel {
 namespace {
 
+using base::RuntimeError;
 using platform::ExtensionLibrary;
 using platform::ExtensionObject;
-using platform::RuntimeError;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -75,7 +75,7 @@ TEST_F(PlainLoading, TheFunctionAnswersNothingForUnknownNamesAndNoName) {
 
 TEST_F(PlainLoading, NoOtherNameIsExported) {
     ASSERT_NE(m_handle, nullptr);
-    for (const char* name : {"_ZN7kestrel8platform11interactionEv", "_ZTIN7kestrel8platform12RuntimeErrorE",
+    for (const char* name : {"_ZN7kestrel8platform11interactionEv", "_ZTIN7kestrel4base12RuntimeErrorE",
                              "_ZTVN7kestrel11clsCommandsE"}) {
         void* const found = ::dlsym(m_handle, name);
         EXPECT_EQ(found, nullptr) << name;

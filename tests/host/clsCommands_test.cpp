@@ -5,8 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/errors.h"
 #include "host/clsExtension.h"
-#include "platform/errors.h"
 #include "platform/headless/headless_application.h"
 #include "tests/support/raster_analysis.h"
 #include "tests/support/scripted_interaction.h"
@@ -61,7 +61,7 @@ class clsCommandsTest : public testing::Test {
 
     test::TemporaryFolder m_folder;
     test::ScriptedInteraction m_said;
-    platform::NoProgress m_progress;
+    base::NoProgress m_progress;
     std::vector<int> m_opened;
     const platform::Application* m_told = nullptr;
     clsExtension m_extension{m_folder.path(), std::make_unique<ListedWindows>(m_opened, m_told)};
@@ -208,7 +208,7 @@ TEST_F(clsCommandsTest, ErrorOfAWindowIsReportedUnderTheNameApplication) {
         void start(platform::Application&) override {}
         void stop() override {}
         void open(CommandKind, platform::Application&) override {
-            throw platform::RuntimeError(70, "Permission denied", "Kestrel", 45);
+            throw base::RuntimeError(70, "Permission denied", "Kestrel", 45);
         }
     };
     clsExtension extension(m_folder.path(), std::make_unique<Broken>());

@@ -7,9 +7,9 @@
 
 #include <filesystem>
 
+#include "base/errors.h"
+#include "base/files.h"
 #include "platform/contracts/application.h"
-#include "platform/errors.h"
-#include "platform/files.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
 
@@ -28,13 +28,13 @@ class clsExtensionTest : public testing::Test {
 /// An application that nothing is asked of.
 class IdleApplication final : public platform::Application {
   public:
-    platform::Document& document() override { throw platform::RuntimeError(5, "not asked"); }
+    platform::Document& document() override { throw base::RuntimeError(5, "not asked"); }
     platform::IExtensionConfig* find_extension(std::string_view) override { return nullptr; }
     std::shared_ptr<platform::FeatureLayer> make_feature_layer(const std::string&, const std::string&) override {
         return nullptr;
     }
-    platform::Interaction& interaction() override { throw platform::RuntimeError(5, "not asked"); }
-    platform::Progress& progress() override { throw platform::RuntimeError(5, "not asked"); }
+    platform::Interaction& interaction() override { throw base::RuntimeError(5, "not asked"); }
+    base::Progress& progress() override { throw base::RuntimeError(5, "not asked"); }
     void run_ended(platform::RunResult) override {}
 };
 
@@ -119,22 +119,22 @@ TEST_F(clsExtensionTest, ReadingAnyOtherStateCreatesNothing) {
 }
 
 TEST_F(clsExtensionTest, ReadingWithBothFoldersPresentChangesNothing) {
-    platform::create_folder(m_folder / "temp");
-    platform::create_folder(m_folder / "output");
-    platform::write_file(m_folder / "temp/model_params.txt", "VIEW#\r\n");
+    base::create_folder(m_folder / "temp");
+    base::create_folder(m_folder / "output");
+    base::write_file(m_folder / "temp/model_params.txt", "VIEW#\r\n");
     const auto time_before = std::filesystem::last_write_time(m_folder.path());
     m_extension.IExtensionConfig_State(1);
     m_extension.IExtensionConfig_State();
     EXPECT_EQ(std::filesystem::last_write_time(m_folder.path()), time_before);
     EXPECT_THAT(test::names_in(m_folder.path()), ElementsAre("output", "temp"));
-    EXPECT_EQ(platform::read_file(m_folder / "temp/model_params.txt"), "VIEW#\r\n");
+    EXPECT_EQ(base::read_file(m_folder / "temp/model_params.txt"), "VIEW#\r\n");
 }
 
 TEST_F(clsExtensionTest, FolderDeletedWhileEnabledComesBackEmptyWithTheNextRead) {
     m_extension.IExtensionConfig_State(1);
     m_extension.IExtensionConfig_State();
-    platform::write_file(m_folder / "output/old.shp", "x");
-    platform::remove_folder(m_folder / "output");
+    base::write_file(m_folder / "output/old.shp", "x");
+    base::remove_folder(m_folder / "output");
     m_extension.IExtensionConfig_State();
     EXPECT_THAT(test::names_in(m_folder / "output"), IsEmpty());
 }
@@ -147,7 +147,7 @@ TEST(clsExtension, MissingExtensionFolderIsNotMadeAndTheErrorPassesOutUnreported
     try {
         extension.IExtensionConfig_State();
         FAIL();
-    } catch (const platform::RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         EXPECT_EQ(error.number(), 76);
     }
     EXPECT_THAT(test::names_in(folder.path()), IsEmpty());
@@ -156,9 +156,9 @@ TEST(clsExtension, MissingExtensionFolderIsNotMadeAndTheErrorPassesOutUnreported
 }
 
 TEST_F(clsExtensionTest, FileInTheWayOfAFolderIsAnErrorThatPassesOut) {
-    platform::write_file(m_folder / "temp", "");
+    base::write_file(m_folder / "temp", "");
     m_extension.IExtensionConfig_State(1);
-    EXPECT_THROW(m_extension.IExtensionConfig_State(), platform::RuntimeError);
+    EXPECT_THROW(m_extension.IExtensionConfig_State(), base::RuntimeError);
     EXPECT_THAT(test::names_in(m_folder.path()), ElementsAre("temp"));
 }
 

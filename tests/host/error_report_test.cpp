@@ -9,14 +9,14 @@
 #include <stdexcept>
 #include <thread>
 
-#include "platform/errors.h"
+#include "base/errors.h"
 #include "tests/support/failing_interaction.h"
 #include "tests/support/scripted_interaction.h"
 
 namespace kestrel {
 namespace {
 
-using platform::RuntimeError;
+using base::RuntimeError;
 using test::ScriptedInteraction;
 
 constexpr const char* kHead = "Record Call Stack Sequence - Bottom line is error line.\r\n\r\n";

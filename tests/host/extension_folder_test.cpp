@@ -8,16 +8,16 @@
 
 #include <filesystem>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel {
 namespace {
 
 namespace fs = std::filesystem;
-using platform::read_file;
-using platform::write_file;
+using base::read_file;
+using base::write_file;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -27,8 +27,8 @@ constexpr const char* kReadOnlyFolder = "/proc/self";
 class UserExtensionFolder : public testing::Test {
   protected:
     void SetUp() override {
-        platform::create_folders(m_installed / "etc");
-        platform::create_folders(m_installed / "help/images");
+        base::create_folders(m_installed / "etc");
+        base::create_folders(m_installed / "help/images");
         write_file(m_installed / "etc/isprops.xml", "<store/>");
         write_file(m_installed / "help/is_index.html", "<html/>");
         write_file(m_installed / "help/images/a.png", "png");
@@ -59,7 +59,7 @@ TEST_F(UserExtensionFolder, WritableLibraryFolderIsTheExtensionFolderItself) {
 
 TEST_F(UserExtensionFolder, LibraryFolderThatCannotBeWrittenGivesTheFolderOfTheUser) {
     EXPECT_EQ(extension_folder(kReadOnlyFolder, m_data.path()), m_data / "kestrel");
-    EXPECT_TRUE(platform::folder_exists(m_data / "kestrel"));
+    EXPECT_TRUE(base::folder_exists(m_data / "kestrel"));
 }
 
 TEST_F(UserExtensionFolder, IsMadeOnFirstUseWithCopiesOfEtcAndHelpOnly) {
@@ -73,14 +73,14 @@ TEST_F(UserExtensionFolder, IsMadeOnFirstUseWithCopiesOfEtcAndHelpOnly) {
 TEST_F(UserExtensionFolder, SecondUseLeavesTheUsersFilesAlone) {
     user_extension_folder(m_installed.path(), m_data.path());
     write_file(m_data / "kestrel/etc/isprops.xml", "<mine/>");
-    platform::remove_file(m_data / "kestrel/help/is_index.html");
+    base::remove_file(m_data / "kestrel/help/is_index.html");
     user_extension_folder(m_installed.path(), m_data.path());
     EXPECT_EQ(read_file(m_data / "kestrel/etc/isprops.xml"), "<mine/>");
-    EXPECT_FALSE(platform::file_exists(m_data / "kestrel/help/is_index.html"));
+    EXPECT_FALSE(base::file_exists(m_data / "kestrel/help/is_index.html"));
 }
 
 TEST_F(UserExtensionFolder, PartThatIsMissingAltogetherIsCopied) {
-    platform::create_folders(m_data / "kestrel/etc");
+    base::create_folders(m_data / "kestrel/etc");
     user_extension_folder(m_installed.path(), m_data.path());
     EXPECT_THAT(test::names_in(m_data / "kestrel/etc"), IsEmpty());
     EXPECT_EQ(read_file(m_data / "kestrel/help/is_index.html"), "<html/>");
@@ -97,7 +97,7 @@ TEST_F(UserExtensionFolder, CopiesOfReadOnlyFilesCanBeWritten) {
 }
 
 TEST_F(UserExtensionFolder, InstallationWithoutHelpGivesAFolderWithoutHelp) {
-    platform::remove_folder(m_installed / "help");
+    base::remove_folder(m_installed / "help");
     user_extension_folder(m_installed.path(), m_data.path());
     EXPECT_THAT(test::names_in(m_data / "kestrel"), ElementsAre("etc"));
 }
@@ -106,14 +106,14 @@ TEST_F(UserExtensionFolder, NoDataFolderIsAnError) {
     try {
         extension_folder(kReadOnlyFolder, "");
         FAIL();
-    } catch (const platform::RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         EXPECT_EQ(error.number(), 76);
     }
 }
 
 TEST_F(UserExtensionFolder, DataFolderThatIsAFileIsAnError) {
     write_file(m_data / "file", "");
-    EXPECT_THROW(user_extension_folder(m_installed.path(), m_data / "file"), platform::RuntimeError);
+    EXPECT_THROW(user_extension_folder(m_installed.path(), m_data / "file"), base::RuntimeError);
 }
 
 }  // namespace

@@ -7,8 +7,8 @@
 #include <QTest>
 #include <QWidget>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "tests/support/error_of.h"
 #include "tests/support/test_host.h"
 
@@ -58,7 +58,7 @@ TEST(ExtensionLibrary, AskingForTheMenuMakesTheWorkingFoldersBesideTheLibrary) {
     host.shown_menu();
     EXPECT_THAT(test::names_in(host.extension_folder()),
                 ElementsAre("etc", "help", "libkestrel_ext.so", "output", "temp"));
-    platform::remove_folder(host.extension_folder() + "/output");
+    base::remove_folder(host.extension_folder() + "/output");
     host.shown_menu();
     EXPECT_THAT(test::names_in(host.extension_folder() + "/output"), IsEmpty());
 }
@@ -148,7 +148,7 @@ const MessageBox kUnsaved{
     "", platform::Icon::none, platform::Buttons::yes_no};
 
 std::string store_of(test::TestHost& host) {
-    return platform::read_file(host.extension_folder() + "/etc/isprops.xml");
+    return base::read_file(host.extension_folder() + "/etc/isprops.xml");
 }
 
 TEST(ExtensionLibrary, ShutDownAsksForChangesOfCoefficientsThatAreNotSaved) {
@@ -192,7 +192,7 @@ TEST(ExtensionLibrary, TwoExtensionObjectsHaveTheirOwnWindowsAndEndInAnyOrder) {
         EXPECT_THAT(host.windows(), IsEmpty());
     }
     host.kestrel().start(host.application);
-    platform::remove_file(host.extension_folder() + "/help/is_index.html");
+    base::remove_file(host.extension_folder() + "/help/is_index.html");
     host.click("Help...");
     EXPECT_EQ(host.said.boxes.size(), 1U);
     EXPECT_THAT(host.said.call_stacks, IsEmpty());
@@ -209,7 +209,7 @@ TEST(ExtensionLibrary, StartsAgainAfterAShutDown) {
 /// A layer with the files beside its data that a run writes.
 void add_output(test::TestHost& host, const test::TemporaryFolder& folder, const std::vector<std::string>& records) {
     for (const std::string& ending : records) {
-        platform::write_file(folder / ("sheds." + ending), "the " + ending + " of sheds");
+        base::write_file(folder / ("sheds." + ending), "the " + ending + " of sheds");
     }
     host.application.map().append_layer(
         std::make_shared<platform::HeadlessFeatureLayer>("sheds", platform::FeatureSource{folder / "sheds.shp"}));
@@ -263,7 +263,7 @@ TEST(ExtensionLibrary, HelpButtonsOpenTheOneHelpWindow) {
 
 TEST(ExtensionLibrary, WindowsSpeakThroughTheHost) {
     test::TestHost host;
-    platform::remove_file(host.extension_folder() + "/help/is_index.html");
+    base::remove_file(host.extension_folder() + "/help/is_index.html");
     host.click("Help...");
     EXPECT_THAT(host.said.boxes, ElementsAre(MessageBox{"The Kestrel help file (" + host.extension_folder() +
                                                         "/help/is_index.html) does not exist."}));
@@ -271,9 +271,9 @@ TEST(ExtensionLibrary, WindowsSpeakThroughTheHost) {
 
 TEST(ExtensionLibrary, AnErrorOfTheStateReadReachesTheHostAsARuntimeError) {
     test::TestHost host;
-    platform::write_file(host.extension_folder() + "/temp", "a file where the folder belongs");
+    base::write_file(host.extension_folder() + "/temp", "a file where the folder belongs");
     // Thrown by the library's code, caught by the host's.
-    EXPECT_THROW(host.shown_menu(), platform::RuntimeError);
+    EXPECT_THROW(host.shown_menu(), base::RuntimeError);
 }
 
 }  // namespace

@@ -13,7 +13,7 @@
 #include <QTextBlock>
 #include <QToolButton>
 
-#include "platform/files.h"
+#include "base/files.h"
 #include "tests/host/desktop_stand_in.h"
 #include "tests/support/failing_event.h"
 #include "tests/support/failing_interaction.h"
@@ -30,12 +30,12 @@ using testing::IsEmpty;
 class frmHelpBrowser2Test : public testing::Test {
   protected:
     void page(const std::string& name, const std::string& body, const std::string& title = "") {
-        platform::create_folders(m_folder / "help");
-        platform::write_file(m_folder / ("help/" + name),
-                             "<html><head><title>" + title +
-                                 "</title><link rel='stylesheet' type='text/css' href='kestrel.css'>"
-                                 "</head><body>" +
-                                 body + "</body></html>");
+        base::create_folders(m_folder / "help");
+        base::write_file(m_folder / ("help/" + name),
+                         "<html><head><title>" + title +
+                             "</title><link rel='stylesheet' type='text/css' href='kestrel.css'>"
+                             "</head><body>" +
+                             body + "</body></html>");
     }
     void two_pages() {
         page("is_index.html", "<p><a href='run.html'>Run</a></p><p>one Pear two pear</p>", "Contents");
@@ -95,7 +95,7 @@ TEST_F(frmHelpBrowser2Test, FileThatGoesMissingIsToldWhenTheFormIsOpenedAgain) {
     two_pages();
     open();
     m_form.close();
-    platform::remove_file(m_folder / "help/is_index.html");
+    base::remove_file(m_folder / "help/is_index.html");
     open();
     EXPECT_EQ(m_said.boxes.size(), 1U);
     EXPECT_EQ(shown(), "");
@@ -213,11 +213,11 @@ TEST_F(frmHelpBrowser2Test, ExternalLinksGoToTheDesktop) {
 }
 
 TEST_F(frmHelpBrowser2Test, ImagesAndStylesAreRelativeToThePage) {
-    platform::create_folders(m_folder / "help/images");
+    base::create_folders(m_folder / "help/images");
     QImage picture(40, 30, QImage::Format_RGB32);
     picture.fill(Qt::red);
     ASSERT_TRUE(picture.save(QString::fromStdString(m_folder / "help/images/a.png")));
-    platform::write_file(m_folder / "help/kestrel.css", "p { color: #0000ff; }");
+    base::write_file(m_folder / "help/kestrel.css", "p { color: #0000ff; }");
     page("is_index.html", "<p>text</p><img src='images/a.png'>");
     open();
     const QImage shown_page = browser().grab().toImage();

@@ -10,8 +10,8 @@
 #include <QRegularExpression>
 #include <QTest>
 
+#include "base/files.h"
 #include "host/about_texts.h"
-#include "platform/files.h"
 #include "tests/support/failing_event.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
@@ -29,8 +29,8 @@ class frmISAboutTest : public testing::Test {
   protected:
     std::string text(const char* name) { return m_form.findChild<QLabel*>(name)->text().toStdString(); }
     void contact(const std::string& lines) {
-        platform::create_folder(m_folder / "etc");
-        platform::write_file(m_folder / "etc/contact.ini", lines);
+        base::create_folder(m_folder / "etc");
+        base::write_file(m_folder / "etc/contact.ini", lines);
     }
 
     test::TemporaryFolder m_folder;
@@ -87,7 +87,7 @@ TEST_F(frmISAboutTest, OpenedAgainShowsTheAddressOfNow) {
 
 TEST_F(frmISAboutTest, ContactThatCannotBeReadIsReported) {
     contact("e_mail = kestrel@marlin.example\n");
-    platform::remove_file(m_folder / "etc/contact.ini");
+    base::remove_file(m_folder / "etc/contact.ini");
     ASSERT_EQ(::symlink("/proc/self/mem", (m_folder / "etc/contact.ini").c_str()), 0);  // there, but not to be read
     m_form.show();
     ASSERT_EQ(m_said.call_stacks.size(), 1U);

@@ -394,7 +394,7 @@ TEST_F(ProcessingWindowFonts, NothingIsCutOffOfALongTextOrStep) {
 }
 
 /// Notes what it hears, and when it goes.
-class NotedProgress final : public platform::Progress {
+class NotedProgress final : public base::Progress {
   public:
     explicit NotedProgress(std::vector<std::string>& notes) : m_notes(notes) {}
     ~NotedProgress() override { m_notes.emplace_back(waiting_form() != nullptr ? "gone first" : "gone last"); }

@@ -15,12 +15,12 @@
 #include <QTextBrowser>
 #include <QTextFragment>
 
+#include "base/files.h"
 #include "coefficients/frmAddLCType.h"
 #include "coefficients/frmISModelProps.h"
 #include "host/clsCommands.h"
 #include "parameters/frmISPDensity.h"
 #include "parameters/frmISParams.h"
-#include "platform/files.h"
 #include "platform/headless/headless_application.h"
 #include "records/frmISTParams.h"
 #include "tests/support/scripted_interaction.h"
@@ -132,7 +132,7 @@ TEST(HelpPages, EveryPageHasATitleOfItsOwnAndTheSharedStyle) {
     for (const QString& name : pages()) {
         EXPECT_FALSE(Page(name).title().isEmpty()) << name.toStdString();
         titles.insert(Page(name).title());
-        EXPECT_NE(platform::read_file((kHelp + name).toStdString())
+        EXPECT_NE(base::read_file((kHelp + name).toStdString())
                       .find("<link rel=\"stylesheet\" type=\"text/css\" href=\"kestrel.css\">"),
                   std::string::npos)
             << name.toStdString();
@@ -180,9 +180,9 @@ TEST(HelpPages, ExplainEveryControlOfTheViewer) {
 TEST(HelpPages, ExplainEveryControlOfTheAnalysisWindows) {
     test::ScriptedInteraction said;
     test::TemporaryFolder folder;
-    platform::create_folder(folder / "etc");
-    platform::copy_file(KESTREL_SOURCE_DIR "/etc/isprops.xml", folder / "etc/isprops.xml");
-    platform::NoProgress progress;
+    base::create_folder(folder / "etc");
+    base::copy_file(KESTREL_SOURCE_DIR "/etc/isprops.xml", folder / "etc/isprops.xml");
+    base::NoProgress progress;
     platform::HeadlessApplication application(progress);
     frmISParams form(folder.path());
     form.Application(&application);

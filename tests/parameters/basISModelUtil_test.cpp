@@ -5,8 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "tests/support/small_world.h"
 
 namespace kestrel::basISModelUtil {
@@ -29,7 +29,7 @@ class FieldsLayer final : public platform::FeatureLayer {
         : m_name(std::move(name)), m_fields(std::move(fields)), m_polygonal(polygonal) {}
     std::string name() const override { return m_name; }
     platform::FeatureClass feature_class() const override {
-        throw platform::RuntimeError(platform::kFileNotFound, "a list opens nothing");
+        throw base::RuntimeError(base::kFileNotFound, "a list opens nothing");
     }
     platform::FeatureSource source() const override { return {}; }
     std::vector<Field> fields() const override { return m_fields; }
@@ -128,7 +128,7 @@ TEST(GetLayerIndex, LeavesOutWhatCannotBeOpenedAndSaysWhy) {
     test::SmallWorld world;
     world.layer("sheds", {test::integer_field("ID")}, {});
     world.layer("gone", {test::integer_field("ID")}, {});
-    platform::remove_file(world.folder / "gone.shp");
+    base::remove_file(world.folder / "gone.shp");
     const LayerList list = GetLayerIndex(LayerKind::FeatureLayer, world.application.map());
     EXPECT_THAT(list.layers, ElementsAre(ListedLayer{"sheds", 0}));
     ASSERT_EQ(list.left_out.size(), 1U);

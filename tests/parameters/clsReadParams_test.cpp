@@ -9,8 +9,8 @@
 #include <random>
 #include <string_view>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
 
@@ -19,9 +19,7 @@ namespace kestrel::test {
 /// Sees what the class reads but does not tell.
 class ReadParamsPeer {
   public:
-    static const platform::Dictionary<std::string>& parameters(const clsReadParams& reader) {
-        return *reader.m_parameters;
-    }
+    static const base::Dictionary<std::string>& parameters(const clsReadParams& reader) { return *reader.m_parameters; }
 };
 
 }  // namespace kestrel::test
@@ -57,7 +55,7 @@ template <typename Call>
 int error_of(Call call) {
     try {
         static_cast<void>(call());
-    } catch (const platform::RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         return error.number();
     }
     return 0;
@@ -65,15 +63,15 @@ int error_of(Call call) {
 
 class ReadParams : public testing::Test {
   protected:
-    ReadParams() { platform::create_folder(m_extension / "temp"); }
+    ReadParams() { base::create_folder(m_extension / "temp"); }
 
     /// Reads a file of these bytes.
     void read(const std::string& bytes) {
-        platform::write_file(m_extension / "temp/model_params.txt", bytes);
+        base::write_file(m_extension / "temp/model_params.txt", bytes);
         m_reader.ReadParameters(m_extension.path(), "model_params.txt");
     }
 
-    const platform::Dictionary<std::string>& parameters() const { return ReadParamsPeer::parameters(m_reader); }
+    const base::Dictionary<std::string>& parameters() const { return ReadParamsPeer::parameters(m_reader); }
 
     /// Nothing was said to the user.
     void expect_silence() const {
@@ -98,7 +96,7 @@ class ReadParams : public testing::Test {
 };
 
 TEST_F(ReadParams, WorkedExampleReadsBackThroughEveryProperty) {
-    read(platform::read_file(test::fixture_path("parameters/worked_example.txt")));
+    read(base::read_file(test::fixture_path("parameters/worked_example.txt")));
     expect_silence();
     EXPECT_EQ(m_reader.AnalysisTheme(), "subwatersheds");
     EXPECT_EQ(m_reader.AnalysisFieldName(), "SHED_ID");
@@ -120,7 +118,7 @@ TEST_F(ReadParams, WorkedExampleReadsBackThroughEveryProperty) {
 }
 
 TEST_F(ReadParams, EveryOtherLineLandsInTheParameterDictionary) {
-    read(platform::read_file(test::fixture_path("parameters/worked_example.txt")));
+    read(base::read_file(test::fixture_path("parameters/worked_example.txt")));
     EXPECT_THAT(keys_of(parameters()), ElementsAre("VIEW", "LCTHEME", "LCUNITS", "ANALYSISTHEME", "ANALYSISUNIT",
                                                    "POPDENSITY", "POPDENSITYTHEME", "POPDENSITYFLD", "POPDENSITYHIGH",
                                                    "POPDENSITYMED", "POPDENSITYLOW", "OUTTHEME", "OUTTHEMENAME"));
@@ -323,7 +321,7 @@ std::vector<int> errors_of_properties(const clsReadParams& reader) {
 }
 
 TEST_F(ReadParams, EveryPropertyReadFailsAfterFlushParameters) {
-    read(platform::read_file(test::fixture_path("parameters/worked_example.txt")));
+    read(base::read_file(test::fixture_path("parameters/worked_example.txt")));
     EXPECT_EQ(errors_of_properties(m_reader), std::vector<int>(12, 0));
     m_reader.FlushParameters();
     EXPECT_EQ(errors_of_properties(m_reader), std::vector<int>(12, 91));
@@ -384,7 +382,7 @@ std::string mutated(std::string text, std::mt19937& random) {
 }
 
 TEST_F(ReadParams, AnyMutationOfAFileIsReadOrReportedAndTheReaderStaysUsable) {
-    const std::string whole = platform::read_file(test::fixture_path("parameters/worked_example.txt"));
+    const std::string whole = base::read_file(test::fixture_path("parameters/worked_example.txt"));
     std::mt19937 random(20031115);
     std::size_t reported = 0;
     for (int i = 0; i < 500; ++i) {
@@ -397,7 +395,7 @@ TEST_F(ReadParams, AnyMutationOfAFileIsReadOrReportedAndTheReaderStaysUsable) {
         reported += m_user.call_stacks.size();
         ASSERT_EQ(errors_of_properties(m_reader), std::vector<int>(12, 0));
         // What was read is no more than the lines that there are, and every key is found again.
-        const std::size_t lines = platform::split_lines(platform::to_utf8(bytes)).size();
+        const std::size_t lines = base::split_lines(base::to_utf8(bytes)).size();
         ASSERT_LE(m_reader.LandClasses()->size() + m_reader.DevScenarios()->size(), lines);
         for (const auto& [key, item] : *m_reader.LandClasses()) {
             ASSERT_EQ(m_reader.LandClasses()->find(key), &item);

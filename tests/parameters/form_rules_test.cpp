@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/errors.h"
+#include "base/errors.h"
 #include "tests/support/error_of.h"
 #include "tests/support/scripted_interaction.h"
 
@@ -98,7 +98,7 @@ TEST(DensityRules, BoundsAreComparedAsNumbers) {
 TEST(DensityRules, ABoundBeyondADoubleOverflows) {
     DensityState state = whole_density();
     state.high = "1e999";
-    EXPECT_EQ(test::error_of([&] { first_refusal(state); }).number(), platform::kOverflow);
+    EXPECT_EQ(test::error_of([&] { first_refusal(state); }).number(), base::kOverflow);
 }
 
 TEST(FormRules, NothingIsRefusedWhenEverythingIsThere) {

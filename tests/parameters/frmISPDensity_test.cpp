@@ -5,7 +5,7 @@
 #include <QApplication>
 #include <QLabel>
 
-#include "platform/files.h"
+#include "base/files.h"
 #include "tests/parameters/params_fixture.h"
 
 namespace kestrel::test {

@@ -3,8 +3,8 @@
 #include <QApplication>
 #include <QScrollBar>
 
+#include "base/files.h"
 #include "parameters/frmISParams.h"
-#include "platform/files.h"
 #include "tests/parameters/params_fixture.h"
 #include "tests/support/failing_event.h"
 #include "tests/support/failing_interaction.h"
@@ -43,7 +43,7 @@ class ErrorsTest : public ParamsTest {
         map().add_layer(std::make_shared<platform::HeadlessFeatureLayer>(
             "lost", platform::FeatureSource{.path = m_world.folder / "lost.shp"}));
     }
-    void lose(const std::string& layer) { platform::remove_file(m_world.folder / (layer + ".shp")); }
+    void lose(const std::string& layer) { base::remove_file(m_world.folder / (layer + ".shp")); }
 };
 
 /// Errors that pass through Qt, which then keeps texts of its own and of the form's lists.

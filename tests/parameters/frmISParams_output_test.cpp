@@ -3,9 +3,9 @@
 #include <QApplication>
 #include <cstdlib>
 
+#include "base/errors.h"
+#include "base/files.h"
 #include "parameters/frmISParams.h"
-#include "platform/errors.h"
-#include "platform/files.h"
 #include "tests/parameters/params_fixture.h"
 
 namespace kestrel::test {
@@ -28,7 +28,7 @@ class OutputBoxTest : public ParamsTest {
   protected:
     void SetUp() override {
         open();
-        m_temporary = platform::temporary_folder();
+        m_temporary = base::temporary_folder();
     }
     std::string shown() { return output().text().toStdString(); }
     std::string m_temporary;
@@ -143,17 +143,17 @@ TEST_F(OutputBoxTest, AnErrorIsReportedAndTheFormStaysOpen) {
     struct FailingBox final : platform::Interaction {
         explicit FailingBox(ScriptedInteraction& rest) : said(rest) {}
         platform::Answer message_box(const platform::MessageBox&) override {
-            throw platform::RuntimeError(platform::kOutOfMemory, "no memory");
+            throw base::RuntimeError(base::kOutOfMemory, "no memory");
         }
         std::string input_box(const platform::InputBox& box) override { return said.input_box(box); }
         std::optional<std::string> file_dialog(const FileDialog&) override {
-            throw platform::RuntimeError(platform::kOutOfMemory, "no memory");
+            throw base::RuntimeError(base::kOutOfMemory, "no memory");
         }
         void show_call_stack(std::string_view text) override { said.show_call_stack(text); }
         std::unique_ptr<platform::WaitingWindow> waiting_window(std::string_view text) override {
             return said.waiting_window(text);
         }
-        void show_help() override { throw platform::RuntimeError(platform::kOutOfMemory, "no memory"); }
+        void show_help() override { throw base::RuntimeError(base::kOutOfMemory, "no memory"); }
         void notice(std::string_view text) override { said.notice(text); }
         void beep() override {}
         ScriptedInteraction& said;

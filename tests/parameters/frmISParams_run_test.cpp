@@ -5,8 +5,8 @@
 #include <QPointer>
 #include <QTimer>
 
+#include "base/files.h"
 #include "parameters/frmISParams.h"
-#include "platform/files.h"
 #include "tests/parameters/params_fixture.h"
 
 namespace kestrel::test {
@@ -87,7 +87,7 @@ TEST_F(RunTest, MakesTheOutputAndPutsItsLayerOnTop) {
     run();
     EXPECT_THAT(boxes(), IsEmpty());
     ASSERT_TRUE(finished());
-    EXPECT_TRUE(platform::file_exists(out("is.shp")));
+    EXPECT_TRUE(base::file_exists(out("is.shp")));
     EXPECT_THAT(layers(), ElementsAre("is", "cover", "sheds", "blocks", "plan"));
     EXPECT_THAT(m_world.said.waiting_texts, ElementsAre("Performing Impervious Surface Analysis.  Please wait..."));
     EXPECT_THAT(entries("cboAnalysisTheme"), ElementsAre("is", "sheds", "blocks", "plan"));
@@ -103,7 +103,7 @@ TEST_F(RunTest, TheLayerTakesTheNameThatWasTyped) {
     QTest::keyClicks(&layer_name(), "is of 2020");
     click("cmdISRun");
     EXPECT_EQ(layers().front(), "is of 2020");
-    EXPECT_TRUE(platform::file_exists(out("is of 2020.prm")));
+    EXPECT_TRUE(base::file_exists(out("is of 2020.prm")));
 }
 
 TEST_F(RunTest, AnEmptyLayerNameIsDerivedAgain) {
@@ -118,7 +118,7 @@ TEST_F(RunTest, AnEmptyLayerNameIsDerivedAgain) {
 TEST_F(RunTest, ANameThatEndsInShpWithoutAPointBecomesAShapefile) {
     fill();
     run("myshp");
-    EXPECT_TRUE(platform::file_exists(out("myshp.shp")));
+    EXPECT_TRUE(base::file_exists(out("myshp.shp")));
     EXPECT_EQ(layers().front(), "myshp");
 }
 
@@ -159,7 +159,7 @@ TEST_F(RunTest, TwoRowsAreNotChecked) {
 
 TEST_F(RunTest, AMissingWorkingFolderIsToldAndTheRunStartedNevertheless) {
     fill();
-    platform::remove_folder(m_world.extension / "temp");
+    base::remove_folder(m_world.extension / "temp");
     run();
     ASSERT_GE(boxes().size(), 2U);
     EXPECT_EQ(boxes()[0].text,
@@ -171,8 +171,8 @@ TEST_F(RunTest, AMissingWorkingFolderIsToldAndTheRunStartedNevertheless) {
 TEST_F(RunTest, ASecondRunOfTheSameNameReplacesTheFirstWithoutAsking) {
     fill();
     run();
-    const std::string first = platform::read_file(out("is.dbf"));
-    platform::write_file(out("is.shp.xml"), "of the first run");
+    const std::string first = base::read_file(out("is.dbf"));
+    base::write_file(out("is.shp.xml"), "of the first run");
     fill_again();
     choose_option(0);
     run();
@@ -180,8 +180,8 @@ TEST_F(RunTest, ASecondRunOfTheSameNameReplacesTheFirstWithoutAsking) {
     ASSERT_THAT(m_host.results, SizeIs(2));
     EXPECT_TRUE(finished());
     EXPECT_THAT(layers(), ElementsAre("is", "cover", "sheds", "blocks", "plan"));
-    EXPECT_NE(platform::read_file(out("is.dbf")), first);
-    EXPECT_FALSE(platform::file_exists(out("is.shp.xml"))) << "the first run's files are gone";
+    EXPECT_NE(base::read_file(out("is.dbf")), first);
+    EXPECT_FALSE(base::file_exists(out("is.shp.xml"))) << "the first run's files are gone";
     EXPECT_THAT(names_in(m_world.output.path()), Not(Contains(testing::StartsWith(".kestrel"))));
 }
 
@@ -217,7 +217,7 @@ TEST_F(RunTest, ACancelledRunLeavesMapAndDiskAsTheyWere) {
     run();
     const auto layers_before = map().layers();
     const auto names_before = names_in(m_world.output.path());
-    const std::string table_before = platform::read_file(out("is.dbf"));
+    const std::string table_before = base::read_file(out("is.dbf"));
     fill_again();
     m_host.run_progress.stopped = true;
     run();
@@ -226,7 +226,7 @@ TEST_F(RunTest, ACancelledRunLeavesMapAndDiskAsTheyWere) {
     EXPECT_THAT(boxes(), IsEmpty());
     EXPECT_EQ(map().layers(), layers_before);
     EXPECT_EQ(names_in(m_world.output.path()), names_before);
-    EXPECT_EQ(platform::read_file(out("is.dbf")), table_before);
+    EXPECT_EQ(base::read_file(out("is.dbf")), table_before);
 }
 
 TEST_F(RunTest, AFailedRunLeavesMapAndDiskAsTheyWere) {
@@ -274,7 +274,7 @@ TEST_F(RunTest, NamesAndFoldersThatCannotTakeTheOutputAreRefused) {
     tab();
     layer_name().setText("a/b");
     click("cmdISRun");
-    platform::create_folder(out("is.shp"));
+    base::create_folder(out("is.shp"));
     run();
     EXPECT_THAT(boxes(), ElementsAre(warning("'a/b' cannot be a layer's name: the run report and the metadata are "
                                              "files of that name, so it may hold no slash. Give another output name."),
@@ -289,7 +289,7 @@ TEST_F(RunTest, AFolderInUseIsToldAndNothingIsTouched) {
     run();
     const auto names_before = names_in(m_world.output.path());
     fill_again();
-    const platform::FolderLock other(m_world.extension.path());
+    const base::FolderLock other(m_world.extension.path());
     run();
     EXPECT_THAT(boxes(),
                 ElementsAre(warning("The run cannot be started. Another run, or another save of coefficients, is "
@@ -305,14 +305,14 @@ TEST_F(RunTest, TheFolderIsLockedWhileTheParameterFileIsThere) {
     bool free = true;
     m_host.run_progress.act = [&] {
         try {
-            const platform::FolderLock second(m_world.extension.path());
-        } catch (const platform::RuntimeError&) {
+            const base::FolderLock second(m_world.extension.path());
+        } catch (const base::RuntimeError&) {
             free = false;
         }
     };
     run();
     EXPECT_FALSE(free);
-    EXPECT_NO_THROW(platform::FolderLock(m_world.extension.path()));
+    EXPECT_NO_THROW(base::FolderLock(m_world.extension.path()));
 }
 
 TEST_F(RunTest, TheFormShowsTheHourglassAndTakesNoInputWhileTheRunWorks) {
@@ -365,13 +365,13 @@ TEST_F(RunTest, AFormThatIsDestroyedDuringARunCrashesNothing) {
     QApplication::processEvents();
     EXPECT_EQ(m_form, nullptr);
     EXPECT_TRUE(finished());
-    EXPECT_NO_THROW(platform::FolderLock(m_world.extension.path()));
+    EXPECT_NO_THROW(base::FolderLock(m_world.extension.path()));
     map().move_layer(0, 1);  // nobody listens any more
 }
 
 TEST_F(RunTest, AnErrorIsReportedAndTheFormIsUsableAgain) {
     fill();
-    m_host.run_progress.act = [] { throw platform::RuntimeError(platform::kOutOfMemory, "no memory"); };
+    m_host.run_progress.act = [] { throw base::RuntimeError(base::kOutOfMemory, "no memory"); };
     run();
     EXPECT_THAT(m_world.said.call_stacks, Not(IsEmpty()));
     EXPECT_FALSE(run_is_under_way());

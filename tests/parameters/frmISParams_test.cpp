@@ -7,7 +7,7 @@
 #include <QLabel>
 #include <set>
 
-#include "platform/files.h"
+#include "base/files.h"
 #include "tests/parameters/params_fixture.h"
 
 namespace kestrel::test {
@@ -97,7 +97,7 @@ TEST_F(ParamsTest, EveryMnemonicLeadsToOneControl) {
 }
 
 TEST_F(ParamsTest, AStoreThatDoesNotLoadIsToldAndTheFormStaysClosed) {
-    platform::remove_file(m_world.extension / "etc/isprops.xml");
+    base::remove_file(m_world.extension / "etc/isprops.xml");
     m_form->show();
     EXPECT_FALSE(m_form->isVisible());
     EXPECT_THAT(boxes(), ElementsAre(platform::MessageBox{
@@ -170,7 +170,7 @@ TEST_F(ParamsTest, AnotherDocumentRefillsTheLists) {
 }
 
 TEST_F(ParamsTest, ALayerWhoseSourceIsGoneIsLeftOutWithOneNotice) {
-    platform::remove_file(m_world.folder / "blocks.shp");
+    base::remove_file(m_world.folder / "blocks.shp");
     open();
     EXPECT_THAT(entries("cboAnalysisTheme"), ElementsAre("sheds", "plan"));
     map().move_layer(1, 2);

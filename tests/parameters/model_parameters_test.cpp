@@ -5,18 +5,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/files.h"
 #include "coefficients/clsISModelProperties.h"
 #include "parameters/clsReadParams.h"
-#include "platform/files.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel {
 namespace {
 
+using base::read_file;
+using base::split_lines;
 using platform::MessageBox;
-using platform::read_file;
-using platform::split_lines;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -70,7 +70,7 @@ ModelParameters choices_with_option(std::int32_t density_option) {
 class WriteModelParameters : public testing::Test {
   protected:
     WriteModelParameters() {
-        platform::create_folder(m_temp);
+        base::create_folder(m_temp);
         add_set(m_store, "Other", {{7, "Other", 1, 1, 1}});
         add_set(m_store, "C-CAP", {{2, "High Intensity Developed", 90, 85, 80}, {5, "Grassland", 2, 1.5F, 1}});
     }
@@ -203,7 +203,7 @@ TEST_F(WriteModelParameters, ViewNameIsWrittenWhenThereIsOne) {
 }
 
 TEST_F(WriteModelParameters, EarlierFileIsReplaced) {
-    platform::write_file(m_temp + "/model_params.txt", std::string(10000, 'x'));
+    base::write_file(m_temp + "/model_params.txt", std::string(10000, 'x'));
     EXPECT_TRUE(write(choices_with_option(1), "missing"));
     EXPECT_EQ(lines().size(), 8U);
 }
@@ -215,7 +215,7 @@ TEST_F(WriteModelParameters, MissingWorkingFolderIsToldInAPlainBoxAndNothingIsWr
                 ElementsAre(MessageBox{"Working directory (" + folder + ") defined in ArcView project does not exist.",
                                        "", platform::Icon::none, platform::Buttons::ok}));
     EXPECT_THAT(m_user.call_stacks, IsEmpty());
-    EXPECT_FALSE(platform::folder_exists(folder));
+    EXPECT_FALSE(base::folder_exists(folder));
 }
 
 TEST_F(WriteModelParameters, MissingWorkingFolderLeavesTheFileOfAnEarlierRun) {
@@ -228,7 +228,7 @@ TEST_F(WriteModelParameters, MissingWorkingFolderLeavesTheFileOfAnEarlierRun) {
 }
 
 TEST_F(WriteModelParameters, FileThatCannotBeMadeIsReported) {
-    platform::create_folder(m_temp + "/model_params.txt");
+    base::create_folder(m_temp + "/model_params.txt");
     EXPECT_FALSE(write(choices_with_option(1)));
     EXPECT_THAT(m_user.boxes, IsEmpty());
     ASSERT_EQ(m_user.call_stacks.size(), 1U);

@@ -5,8 +5,8 @@
 #include <QApplication>
 #include <QTimer>
 
+#include "base/files.h"
 #include "coefficients/basUtil.h"
-#include "platform/files.h"
 #include "tests/coefficients/sets.h"
 
 namespace kestrel::test {
@@ -18,7 +18,7 @@ bool ActingProgress::report(double, std::string_view) {
 }
 
 ParamsTest::ParamsTest() {
-    platform::create_folder(m_world.extension / "etc");
+    base::create_folder(m_world.extension / "etc");
     clsISModelProperties props;
     add_set(props, "Town",
             {land_class(2, "Developed", 90, 80, 70), land_class(5, "Grassland", 2, 1.5F, 1),
@@ -112,7 +112,7 @@ void ParamsTest::in_dialog(std::function<void(QDialog&)> act) {
 }
 
 std::string ParamsTest::parameter_file() const {
-    return platform::read_file(m_world.extension / "temp/model_params.txt");
+    return base::read_file(m_world.extension / "temp/model_params.txt");
 }
 
 }  // namespace kestrel::test

@@ -18,7 +18,7 @@
 namespace kestrel::test {
 
 /// Progress that does something whenever it is reported to.
-class ActingProgress final : public platform::Progress {
+class ActingProgress final : public base::Progress {
   public:
     bool report(double fraction, std::string_view text) override;
     bool cancelled() const override { return stopped; }
@@ -42,7 +42,7 @@ class ActingHost final : public platform::Application {
         return m_world.application.make_feature_layer(path, name);
     }
     platform::Interaction& interaction() override { return m_world.said; }
-    platform::Progress& progress() override { return run_progress; }
+    base::Progress& progress() override { return run_progress; }
     void run_ended(platform::RunResult result) override { results.push_back(std::move(result)); }
 
     ActingProgress run_progress;

@@ -6,7 +6,7 @@
 #include <streambuf>
 
 #include "apps/cli/run.h"
-#include "platform/files.h"
+#include "base/files.h"
 #include "tests/parameters/params_fixture.h"
 
 /// \file
@@ -32,7 +32,7 @@ class WatchingBuffer final : public std::streambuf {
 
   private:
     void look() {
-        if (seen.empty() && platform::file_exists(m_path)) seen = platform::read_file(m_path);
+        if (seen.empty() && base::file_exists(m_path)) seen = base::read_file(m_path);
     }
     std::string m_path;
 };

@@ -14,9 +14,9 @@
 #include <QTimer>
 #include <iostream>
 
+#include "base/files.h"
 #include "host/qt_interaction.h"
 #include "parameters/frmISParams.h"
-#include "platform/files.h"
 #include "platform/headless/headless_application.h"
 #include "tests/support/window_pictures.h"
 
@@ -122,8 +122,8 @@ int main(int argc, char** argv) {
     kestrel::QtInteraction user;
     const kestrel::platform::ScopedInteraction scope(user);
     const std::string demo = argv[1];
-    kestrel::platform::create_folder(demo + "/etc");
-    kestrel::platform::copy_file(demo + "/isprops.xml", demo + "/etc/isprops.xml");
+    kestrel::base::create_folder(demo + "/etc");
+    kestrel::base::copy_file(demo + "/isprops.xml", demo + "/etc/isprops.xml");
 
     kestrel::platform::HeadlessApplication host(user.progress());
     add_layers(host.map(), demo);
@@ -132,6 +132,6 @@ int main(int argc, char** argv) {
     form.move(40, 40);
     form.show();
     form.activateWindow();
-    take_all(form, user, kestrel::platform::temporary_folder() + "/watersheds_is");
+    take_all(form, user, kestrel::base::temporary_folder() + "/watersheds_is");
     return 0;
 }

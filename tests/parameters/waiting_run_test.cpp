@@ -7,8 +7,8 @@
 #include <QProgressBar>
 #include <QTimer>
 
+#include "base/files.h"
 #include "parameters/frmISParams.h"
-#include "platform/files.h"
 #include "tests/parameters/params_fixture.h"
 #include "tests/support/desktop_host.h"
 
@@ -106,7 +106,7 @@ TEST_F(WaitingRunTest, AFormThatGoesStopsTheRun) {
     ASSERT_LE(m_desktop.results.size(), 1U) << "it may go before there is a run";
     EXPECT_TRUE(m_desktop.results.empty() || m_desktop.results[0].cancelled);
     EXPECT_THAT(layers(), Not(Contains("is")));
-    EXPECT_NO_THROW(platform::FolderLock(m_world.extension.path()));
+    EXPECT_NO_THROW(base::FolderLock(m_world.extension.path()));
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 #include <limits>
 #include <random>
 
-#include "platform/files.h"
+#include "base/files.h"
 #include "platform/shapefile_writer.h"
 #include "tests/support/test_files.h"
 
@@ -25,7 +25,7 @@ std::string new_table(const TemporaryFolder& folder, const std::vector<Field>& f
 
 /// The records as they stand behind the header.
 std::vector<std::string> records_in(const std::string& path, std::size_t size) {
-    const std::string bytes = read_file(path);
+    const std::string bytes = base::read_file(path);
     std::vector<std::string> records;
     for (std::size_t at = static_cast<unsigned char>(bytes[8]) + 256U * static_cast<unsigned char>(bytes[9]);
          at + size <= bytes.size(); at += size) {

@@ -156,7 +156,7 @@ TEST(EdgeCancelling, DissolvingAnythingAtAllGivesTheUnionWhateverTheThreads) {
             groups.push_back(static_cast<std::uint32_t>(random() % 4));
         }
         const auto shared = std::make_shared<PolygonSet>(polygons);
-        NoProgress nobody;
+        base::NoProgress nobody;
         const PolygonSet one = test::copy_of(dissolve(shared, groups, 5, nobody, 1));
         const PolygonSet three = test::copy_of(dissolve(shared, groups, 5, nobody, 3));
         ASSERT_TRUE(std::ranges::equal(one.points(), three.points())) << "case " << i;

@@ -187,7 +187,7 @@ TEST(EdgeSweep, IsTheSameWithAnyNumberOfThreads) {
     const PolygonSet polygons = stars(grid, 97, 3000);
     const std::vector<int> lines{0, 5, 6, 12, grid.rows};
     const auto rows_of = [&](int threads) {
-        NoProgress nobody;
+        base::NoProgress nobody;
         const EdgeSweep sweep(polygons, grid, lines, threads, nobody);
         EdgeSweep::Scratch scratch;
         std::vector<std::vector<std::vector<RowSpan>>> bands(lines.size() - 1);

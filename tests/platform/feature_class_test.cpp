@@ -12,8 +12,8 @@
 #include <functional>
 #include <limits>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "platform/shapefile_writer.h"
 #include "tests/support/test_files.h"
 
@@ -29,10 +29,10 @@ using Ids = std::vector<std::int64_t>;
 
 constexpr std::monostate kNull;
 
-RuntimeError error_of(const std::function<void()>& call) {
+base::RuntimeError error_of(const std::function<void()>& call) {
     try {
         call();
-    } catch (const RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         return error;
     }
     return {0, "no error"};
@@ -41,8 +41,8 @@ RuntimeError error_of(const std::function<void()>& call) {
 /// A table of comma-separated values whose first column, WKT, is the geometry. OGR takes its layer for one of any
 /// geometry type, and reads the types of the other columns from the file beside it.
 std::string write_csv(const TemporaryFolder& folder, const std::string& types, const std::string& lines) {
-    write_file(folder / "table.csv", lines);
-    write_file(folder / "table.csvt", types);
+    base::write_file(folder / "table.csv", lines);
+    base::write_file(folder / "table.csvt", types);
     return folder / "table.csv";
 }
 
@@ -124,7 +124,7 @@ TEST(FeatureClassOpen, MissingFileIsFileNotFoundAndNamed) {
 
 TEST(FeatureClassOpen, FileThatIsNoLayerIsALibraryFailureThatNamesIt) {
     const TemporaryFolder folder;
-    write_file(folder / "letter.shp", "Dear all");
+    base::write_file(folder / "letter.shp", "Dear all");
     const auto error = error_of([&] { FeatureClass::open({folder / "letter.shp"}); });
     EXPECT_EQ(error.number(), -2147467259);
     EXPECT_THAT(error.description(), HasSubstr("letter.shp"));
@@ -132,7 +132,7 @@ TEST(FeatureClassOpen, FileThatIsNoLayerIsALibraryFailureThatNamesIt) {
 
 TEST(FeatureClassOpen, FileThatMayNotBeReadIsPermissionDenied) {
     const TemporaryFolder folder;
-    write_file(folder / "secret.geojson", R"({"type":"FeatureCollection","features":[]})");
+    base::write_file(folder / "secret.geojson", R"({"type":"FeatureCollection","features":[]})");
     ASSERT_EQ(::chmod((folder / "secret.geojson").c_str(), 0), 0);
     ASSERT_EQ(::chmod(folder.path().c_str(), 0755), 0);
     // The system's administrator may read everything.
@@ -175,7 +175,7 @@ TEST(FeatureClassOpen, WithoutNameTheFirstLayerIsTaken) {
 TEST(FeatureClassOpen, ShapefileWithoutItsIndexSaysSo) {
     const TemporaryFolder folder;
     write_squares(folder / "zones.shp", 3);
-    remove_file(folder / "zones.shx");
+    base::remove_file(folder / "zones.shx");
     const auto error = error_of([&] { FeatureClass::open({folder / "zones.shp"}); });
     EXPECT_NE(error.number(), 0);
     EXPECT_THAT(error.description(), HasSubstr("zones.shx"));
@@ -184,7 +184,7 @@ TEST(FeatureClassOpen, ShapefileWithoutItsIndexSaysSo) {
 TEST(FeatureClassOpen, LayerWithoutCoordinateSystemHasNone) {
     const TemporaryFolder folder;
     write_squares(folder / "zones.shp", 1);
-    remove_file(folder / "zones.prj");
+    base::remove_file(folder / "zones.prj");
     EXPECT_FALSE(FeatureClass::open({folder / "zones.shp"}).spatial_reference().known());
 }
 
@@ -210,7 +210,7 @@ TEST(FeatureClassFields, TypesAreToldApart) {
     std::vector<Value> first;
     for (const auto& column : columns) {
         first.push_back(column.at(0));
-        EXPECT_EQ(text_of(column.at(1)), "");
+        EXPECT_EQ(base::text_of(column.at(1)), "");
     }
     EXPECT_THAT(first, ElementsAre(Value(std::int64_t{-2147483648}), Value(std::int64_t{-32768}),
                                    Value(std::numeric_limits<std::int64_t>::max()), Value(std::int64_t{1}), Value(0.1),
@@ -220,7 +220,7 @@ TEST(FeatureClassFields, TypesAreToldApart) {
 
 TEST(FeatureClassFields, JsonHasBooleansAndIntegersOf64Bits) {
     const TemporaryFolder folder;
-    write_file(folder / "a.geojson", R"({"type":"FeatureCollection","features":[
+    base::write_file(folder / "a.geojson", R"({"type":"FeatureCollection","features":[
         {"type":"Feature","properties":{"yes":true,"big":-9223372036854775808,"no":null},
          "geometry":{"type":"Polygon","coordinates":[[[0,0],[1,0],[1,1],[0,0]]]}}]})");
     const auto layer = FeatureClass::open({folder / "a.geojson"});
@@ -257,15 +257,15 @@ TEST(FeatureClassText, IsRecodedFromTheDeclaredEncoding) {
     ShapefileWriter writer(folder / "a.shp", fields, {});
     writer.insert(squares(1), 0, std::vector<Value>{"R?o"});
     writer.close();
-    std::string table = read_file(folder / "a.dbf");
+    std::string table = base::read_file(folder / "a.dbf");
     table.at(table.find('?')) = '\xED';
-    write_file(folder / "a.dbf", table);
+    base::write_file(folder / "a.dbf", table);
     const auto name = [&] { return FeatureClass::open({folder / "a.shp"}).read_columns(Names{"NAME"})[0][0]; };
-    write_file(folder / "a.cpg", "ISO-8859-1");
+    base::write_file(folder / "a.cpg", "ISO-8859-1");
     EXPECT_EQ(name(), Value("Río"));
-    remove_file(folder / "a.cpg");
+    base::remove_file(folder / "a.cpg");
     EXPECT_EQ(name(), Value("Río")) << "no declared encoding";
-    write_file(folder / "a.cpg", "UTF-8");
+    base::write_file(folder / "a.cpg", "UTF-8");
     EXPECT_EQ(name(), Value("Río")) << "a wrongly declared encoding";
 }
 
@@ -344,11 +344,11 @@ TEST(FeatureClassRead, CoordinateThatIsNotFiniteIsRefusedByItsFeature) {
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
     for (const double number : {std::numeric_limits<double>::quiet_NaN(), kInfinity, -kInfinity}) {
         write_squares(folder / "zones.shp", 2);
-        std::string shapes = read_file(folder / "zones.shp");
+        std::string shapes = base::read_file(folder / "zones.shp");
         // Header, second record's header, type, box, counts of parts and points, the part; then the second point.
         constexpr std::size_t kRecord = 8 + 4 + 32 + 4 + 4 + 4 + 5 * 16;
         std::memcpy(shapes.data() + 100 + kRecord + 8 + 4 + 32 + 4 + 4 + 4 + 16, &number, sizeof number);
-        write_file(folder / "zones.shp", shapes);
+        base::write_file(folder / "zones.shp", shapes);
         const auto error = error_of([&] { FeatureClass::open({folder / "zones.shp"}).read_polygons({}); });
         EXPECT_EQ(error.number(), 5) << number;
         EXPECT_THAT(error.description(), AllOf(HasSubstr("Feature 1 of"), HasSubstr("no finite number")));
@@ -357,7 +357,7 @@ TEST(FeatureClassRead, CoordinateThatIsNotFiniteIsRefusedByItsFeature) {
 
 TEST(FeatureClassRead, LayerOfLinesIsRefusedButItsAttributesAreRead) {
     const TemporaryFolder folder;
-    write_file(folder / "a.geojson", R"({"type":"FeatureCollection","features":[
+    base::write_file(folder / "a.geojson", R"({"type":"FeatureCollection","features":[
         {"type":"Feature","properties":{"n":5},"geometry":{"type":"LineString","coordinates":[[0,0],[1,0]]}}]})");
     const auto layer = FeatureClass::open({folder / "a.geojson"});
     EXPECT_FALSE(layer.polygonal());
@@ -419,7 +419,7 @@ TEST(FeatureClassRead, SourceOrderIsKeptWhereIdsAreNotInOrder) {
         features += std::string(features.empty() ? "" : ",") + R"({"type":"Feature","id":)" + std::to_string(id) +
                     R"(,"properties":{},"geometry":{"type":"Polygon","coordinates":[[[0,0],[1,0],[1,1],[0,0]]]}})";
     }
-    write_file(folder / "a.geojson", R"({"type":"FeatureCollection","features":[)" + features + "]}");
+    base::write_file(folder / "a.geojson", R"({"type":"FeatureCollection","features":[)" + features + "]}");
     const auto layer = FeatureClass::open({folder / "a.geojson"});
     EXPECT_THAT(layer.read_polygons({}, Ids{20, 30}).ids, ElementsAre(30, 20));
     EXPECT_THAT(layer.read_polygons({}, Ids{30}).ids, ElementsAre(30));

@@ -104,7 +104,7 @@ bool equal(const PolygonSet& a, const PolygonSet& b) {
 }
 
 PolygonSet dissolved(const PolygonSet& set, const Groups& groups, std::size_t count) {
-    NoProgress progress;
+    base::NoProgress progress;
     return test::copy_of(dissolve(std::make_shared<PolygonSet>(set), groups, count, progress));
 }
 
@@ -299,7 +299,7 @@ TEST(Dissolve, AGroupOfOneFeatureIsThatOfTheInputAndNotACopy) {
     for (const double west : {0.0, 1.0, 5.0, 9.0}) {
         add_feature(*set, {{{{west, 0}, {west, 1}, {west + 1, 1}, {west + 1, 0}, {west, 0}}}});
     }
-    NoProgress progress;
+    base::NoProgress progress;
     const std::vector<std::uint32_t> groups{2, 2, 3, 0};
     const DissolvedPolygons result = dissolve(set, groups, 4, progress);
     ASSERT_EQ(result.feature_count(), 4U);

@@ -170,7 +170,7 @@ class Config final : public IExtensionConfig {
 };
 
 TEST(HeadlessApplication, FindsTheExtensionsThatWereRegistered) {
-    NoProgress progress;
+    base::NoProgress progress;
     HeadlessApplication application(progress);
     Config first;
     Config second;
@@ -183,14 +183,14 @@ TEST(HeadlessApplication, FindsTheExtensionsThatWereRegistered) {
 }
 
 TEST(HeadlessApplication, ANewLayerHasItsNameAndIsNotInTheMapYet) {
-    NoProgress progress;
+    base::NoProgress progress;
     HeadlessApplication application(progress);
     EXPECT_EQ(application.make_feature_layer("/data/out.shp", "My output")->name(), "My output");
     EXPECT_TRUE(application.document().focus_map().layers().empty());
 }
 
 TEST(HeadlessApplication, KeepsTheResultOfTheLastRun) {
-    NoProgress progress;
+    base::NoProgress progress;
     HeadlessApplication application(progress);
     EXPECT_FALSE(application.result().has_value());
     RunResult result;

@@ -5,8 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "platform/xml.h"
 #include "tests/support/test_files.h"
 
@@ -27,7 +27,7 @@ class LayerFile : public testing::Test {
   protected:
     std::string layer_file_of(const LayerDefinition& definition) const {
         write_layer_file(m_folder / "result.lyr", definition);
-        return read_file(m_folder / "result.lyr");
+        return base::read_file(m_folder / "result.lyr");
     }
 
     XmlElement map_layer_of(const LayerDefinition& definition) const {
@@ -39,12 +39,13 @@ class LayerFile : public testing::Test {
 
 TEST_F(LayerFile, LayerWithoutCoordinateSystemIsWrittenWhole) {
     EXPECT_EQ(layer_file_of({"Subsheds IS", "subsheds.shp", SpatialReference(), three_classes()}),
-              read_file(test::fixture_path("platform/layer_without_reference.lyr")));
+              base::read_file(test::fixture_path("platform/layer_without_reference.lyr")));
 }
 
 TEST_F(LayerFile, StyleIsWrittenWhole) {
     write_style_file(m_folder / "subsheds.qml", three_classes());
-    EXPECT_EQ(read_file(m_folder / "subsheds.qml"), read_file(test::fixture_path("platform/three_classes.qml")));
+    EXPECT_EQ(base::read_file(m_folder / "subsheds.qml"),
+              base::read_file(test::fixture_path("platform/three_classes.qml")));
 }
 
 TEST_F(LayerFile, SameLayerGivesTheSameBytes) {
@@ -115,9 +116,9 @@ TEST_F(LayerFile, SymbolsAreOpaqueFillsOfTheClassColours) {
 }
 
 TEST_F(LayerFile, ExistingFilesAreReplaced) {
-    write_file(m_folder / "result.lyr", std::string(100000, 'x'));
+    base::write_file(m_folder / "result.lyr", std::string(100000, 'x'));
     EXPECT_EQ(layer_file_of({"Subsheds IS", "subsheds.shp", SpatialReference(), three_classes()}),
-              read_file(test::fixture_path("platform/layer_without_reference.lyr")));
+              base::read_file(test::fixture_path("platform/layer_without_reference.lyr")));
 }
 
 TEST_F(LayerFile, FailureLeavesNothingBehindAndTellsWhere) {
@@ -129,7 +130,7 @@ TEST_F(LayerFile, FailureLeavesNothingBehindAndTellsWhere) {
         try {
             write(path);
             FAIL() << "nothing was thrown";
-        } catch (const RuntimeError& error) {
+        } catch (const base::RuntimeError& error) {
             EXPECT_EQ(error.number(), 76);
             EXPECT_THAT(error.description(), HasSubstr(path));
         }

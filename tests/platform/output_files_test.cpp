@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/output_files.h"
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "tests/support/error_of.h"
 #include "tests/support/test_files.h"
 #include "tests/support/unprivileged.h"
@@ -29,7 +29,7 @@ using Names = std::vector<std::string>;
 /// An output with its records, each file holding `content`.
 void write_output(const TemporaryFolder& folder, const std::string& content) {
     for (const char* name : {"out.shp", "out.shx", "out.dbf", "out.prj", "out.prm", "out.met"}) {
-        write_file(folder / name, content);
+        base::write_file(folder / name, content);
     }
 }
 
@@ -40,18 +40,18 @@ const Names kOutput{"out.dbf", "out.met", "out.prj", "out.prm", "out.shp", "out.
 TEST(SetAsideOutput, MovesMembersAndRecordsAwayAndPutsThemBack) {
     const TemporaryFolder folder;
     write_output(folder, "old");
-    write_file(folder / "other.shp", "other");
+    base::write_file(folder / "other.shp", "other");
     {
         const SetAsideOutput aside(folder / "out.shp", {folder / "out.prm", folder / "out.met", folder / "out.lyr"});
         for (const std::string& name : kOutput) {
-            EXPECT_FALSE(file_exists(folder / name)) << name;
+            EXPECT_FALSE(base::file_exists(folder / name)) << name;
         }
-        EXPECT_EQ(read_file(folder / "other.shp"), "other");
+        EXPECT_EQ(base::read_file(folder / "other.shp"), "other");
     }
     EXPECT_EQ(names_in(folder.path()),
               (Names{"other.shp", "out.dbf", "out.met", "out.prj", "out.prm", "out.shp", "out.shx"}));
     for (const std::string& name : kOutput) {
-        EXPECT_EQ(read_file(folder / name), "old") << name;
+        EXPECT_EQ(base::read_file(folder / name), "old") << name;
     }
 }
 
@@ -69,12 +69,12 @@ TEST(SetAsideOutput, DiscardDeletesTheOldOutput) {
     write_output(folder, "old");
     {
         SetAsideOutput aside(folder / "out.shp", {folder / "out.prm", folder / "out.met"});
-        write_file(folder / "out.shp", "new");
+        base::write_file(folder / "out.shp", "new");
         aside.discard();
         aside.discard();
         EXPECT_EQ(names_in(folder.path()), Names{"out.shp"});
     }
-    EXPECT_EQ(read_file(folder / "out.shp"), "new");
+    EXPECT_EQ(base::read_file(folder / "out.shp"), "new");
 }
 
 TEST(SetAsideOutput, TheOldOutputReplacesANewOneThatIsNotWanted) {
@@ -82,9 +82,9 @@ TEST(SetAsideOutput, TheOldOutputReplacesANewOneThatIsNotWanted) {
     write_output(folder, "old");
     {
         const SetAsideOutput aside(folder / "out.shp", {folder / "out.prm", folder / "out.met"});
-        write_file(folder / "out.shp", "new");
+        base::write_file(folder / "out.shp", "new");
     }
-    EXPECT_EQ(read_file(folder / "out.shp"), "old");
+    EXPECT_EQ(base::read_file(folder / "out.shp"), "old");
     EXPECT_EQ(names_in(folder.path()), kOutput);
 }
 
@@ -100,10 +100,10 @@ TEST(SetAsideOutput, NothingHappensWithoutAnOlderOutput) {
 
 TEST(SetAsideOutput, RecordsAloneAreSetAsideToo) {
     const TemporaryFolder folder;
-    write_file(folder / "out.prm", "old");
+    base::write_file(folder / "out.prm", "old");
     {
         const SetAsideOutput aside(folder / "out.shp", {folder / "out.prm"});
-        EXPECT_FALSE(file_exists(folder / "out.prm"));
+        EXPECT_FALSE(base::file_exists(folder / "out.prm"));
     }
     EXPECT_EQ(names_in(folder.path()), Names{"out.prm"});
 }
@@ -147,8 +147,8 @@ TEST(SetAsideOutput, WhatCannotBePutBackIsNeverDeleted) {
     write_output(folder, "old");
     {
         const SetAsideOutput aside(folder / "out.shp", {folder / "out.prm", folder / "out.met"});
-        create_folder(folder / "out.dbf");  // in the way
-        write_file(folder / "out.dbf/x", "");
+        base::create_folder(folder / "out.dbf");  // in the way
+        base::write_file(folder / "out.dbf/x", "");
     }
     Names hidden;
     for (const std::string& name : names_in(folder.path())) {
@@ -157,7 +157,7 @@ TEST(SetAsideOutput, WhatCannotBePutBackIsNeverDeleted) {
         }
     }
     EXPECT_EQ(hidden, Names{"out.dbf"});
-    EXPECT_EQ(read_file(folder / "out.shp"), "old");
+    EXPECT_EQ(base::read_file(folder / "out.shp"), "old");
 }
 
 // --- building a new output
@@ -166,11 +166,11 @@ TEST(StagedOutput, NothingStandsInPlaceBeforePublish) {
     const TemporaryFolder folder;
     {
         const StagedOutput staged(folder.path());
-        write_file(staged.path("out.shp"), "new");
+        base::write_file(staged.path("out.shp"), "new");
         const Names names = names_in(folder.path());
         ASSERT_EQ(names.size(), 1U);
         EXPECT_TRUE(names[0].starts_with(".kestrel-new-"));
-        EXPECT_EQ(file_name_of(staged.path("out.shp")), "out.shp");
+        EXPECT_EQ(base::file_name_of(staged.path("out.shp")), "out.shp");
     }
     EXPECT_EQ(names_in(folder.path()), Names{});
 }
@@ -180,7 +180,7 @@ TEST(StagedOutput, PublishMovesEverythingAndNamesTheShapefileFirst) {
     {
         StagedOutput staged(folder.path());
         for (const std::string& name : kOutput) {
-            write_file(staged.path(name), "new");
+            base::write_file(staged.path(name), "new");
         }
         EXPECT_EQ(staged.publish(), (Names{folder / "out.shp", folder / "out.dbf", folder / "out.met",
                                            folder / "out.prj", folder / "out.prm", folder / "out.shx"}));
@@ -192,7 +192,7 @@ TEST(StagedOutput, PublishedFilesCanBeReadByOthers) {
     const TemporaryFolder folder;
     const mode_t mask = ::umask(022);
     StagedOutput staged(folder.path());
-    write_file(staged.path("out.shp"), "new");
+    base::write_file(staged.path("out.shp"), "new");
     staged.publish();
     ::umask(mask);
     EXPECT_EQ(static_cast<unsigned>(std::filesystem::status(folder / "out.shp").permissions()), 0644U);
@@ -200,32 +200,32 @@ TEST(StagedOutput, PublishedFilesCanBeReadByOthers) {
 
 TEST(StagedOutput, PublishReplacesRecordsThatStandThere) {
     const TemporaryFolder folder;
-    write_file(folder / "out.prm", "old");
+    base::write_file(folder / "out.prm", "old");
     {
         StagedOutput staged(folder.path());
-        write_file(staged.path("out.prm"), "new");
-        write_file(staged.path("out.shp"), "new");
+        base::write_file(staged.path("out.prm"), "new");
+        base::write_file(staged.path("out.shp"), "new");
         staged.publish();
     }
-    EXPECT_EQ(read_file(folder / "out.prm"), "new");
+    EXPECT_EQ(base::read_file(folder / "out.prm"), "new");
     EXPECT_EQ(names_in(folder.path()), (Names{"out.prm", "out.shp"}));
 }
 
 TEST(StagedOutput, AFailedPublishLeavesEverythingAsItWas) {
     const TemporaryFolder folder;
     // The .shp, moved last, finds a folder in its place.
-    create_folder(folder / "out.shp");
-    write_file(folder / "out.prm", "old");
+    base::create_folder(folder / "out.shp");
+    base::write_file(folder / "out.prm", "old");
     {
         StagedOutput staged(folder.path());
         for (const std::string& name : kOutput) {
-            write_file(staged.path(name), "new");
+            base::write_file(staged.path(name), "new");
         }
         EXPECT_EQ(error_of([&] { staged.publish(); }).number(), 75);
-        EXPECT_EQ(read_file(staged.path("out.shx")), "new");
+        EXPECT_EQ(base::read_file(staged.path("out.shx")), "new");
     }
     EXPECT_EQ(names_in(folder.path()), (Names{"out.prm", "out.shp"}));
-    EXPECT_EQ(read_file(folder / "out.prm"), "old");
+    EXPECT_EQ(base::read_file(folder / "out.prm"), "old");
 }
 
 TEST(StagedOutput, AMissingOrReadOnlyFolderIsRefusedAtOnce) {
@@ -242,11 +242,11 @@ TEST(StagedOutput, AProcessThatDiesLeavesNoShapefileInPlace) {
     const pid_t child = ::fork();
     if (child == 0) {
         const StagedOutput staged(folder.path());
-        write_file(staged.path("out.shp"), "half");
+        base::write_file(staged.path("out.shp"), "half");
         ::_exit(0);  // without running the destructor
     }
     ::waitpid(child, nullptr, 0);
-    EXPECT_FALSE(file_exists(folder / "out.shp"));
+    EXPECT_FALSE(base::file_exists(folder / "out.shp"));
 }
 
 TEST(StagedOutput, RunsSideBySideHaveFoldersOfTheirOwn) {
@@ -264,10 +264,10 @@ TEST(Replacement, ARunThatFailsBringsTheOldOutputBack) {
     {
         const SetAsideOutput aside(folder / "out.shp", {folder / "out.prm", folder / "out.met"});
         const StagedOutput staged(folder.path());
-        write_file(staged.path("out.shp"), "half");
+        base::write_file(staged.path("out.shp"), "half");
     }
     EXPECT_EQ(names_in(folder.path()), kOutput);
-    EXPECT_EQ(read_file(folder / "out.shp"), "old");
+    EXPECT_EQ(base::read_file(folder / "out.shp"), "old");
 }
 
 TEST(Replacement, ARunThatSucceedsLeavesTheNewOutputOnly) {
@@ -276,13 +276,13 @@ TEST(Replacement, ARunThatSucceedsLeavesTheNewOutputOnly) {
     {
         SetAsideOutput aside(folder / "out.shp", {folder / "out.prm", folder / "out.met"});
         StagedOutput staged(folder.path());
-        write_file(staged.path("out.shp"), "new");
-        write_file(staged.path("out.dbf"), "new");
+        base::write_file(staged.path("out.shp"), "new");
+        base::write_file(staged.path("out.dbf"), "new");
         staged.publish();
         aside.discard();
     }
     EXPECT_EQ(names_in(folder.path()), (Names{"out.dbf", "out.shp"}));
-    EXPECT_EQ(read_file(folder / "out.shp"), "new");
+    EXPECT_EQ(base::read_file(folder / "out.shp"), "new");
 }
 
 }  // namespace

@@ -203,7 +203,7 @@ TEST(PolygonArrangement, UnionsOfLotsAreThoseOfGeos) {
         int made = 0;
         for (int i = 0; i < 700; ++i) {
             PolygonSet set = lots(random, step);
-            NoProgress nobody;
+            base::NoProgress nobody;
             repair(set);
             compare_with_geos(geos, set, 1e-9, made, "lots " + std::to_string(i));
         }

@@ -9,9 +9,9 @@
 #include <fstream>
 #include <random>
 
-#include "platform/errors.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "platform/feature_class.h"
-#include "platform/files.h"
 #include "platform/shapefile_writer.h"
 #include "tests/support/error_of.h"
 #include "tests/support/listening_progress.h"
@@ -84,7 +84,7 @@ TEST(PolygonReading, IsTheSameWithAnyNumberOfThreadsAndFeatureByFeature) {
     const PolygonFeatures plain = layer.read_polygons(Names{"NAME", "N"});
     ASSERT_EQ(plain.ids.size(), static_cast<std::size_t>(kCount));
     for (const int threads : {0, 1, 2, 3, 8}) {
-        NoProgress nobody;
+        base::NoProgress nobody;
         expect_same(layer.read_polygons(Names{"NAME", "N"}, nobody, threads), plain);
     }
 }
@@ -104,7 +104,7 @@ TEST(PolygonReading, DeletedRecordsAreLeftOut) {
     const PolygonFeatures plain = layer.read_polygons(Names{"N"});
     ASSERT_EQ(plain.ids.size(), kCount - deleted.size());
     for (const int threads : {1, 2, 3}) {
-        NoProgress nobody;
+        base::NoProgress nobody;
         expect_same(layer.read_polygons(Names{"N"}, nobody, threads), plain);
     }
 }
@@ -113,7 +113,7 @@ TEST(PolygonReading, AFilterHolds) {
     const TemporaryFolder folder;
     write_layer(folder / "zones.shp", kCount);
     const auto layer = FeatureClass::open({folder / "zones.shp", "", "N > 100 AND N < 4000"});
-    NoProgress nobody;
+    base::NoProgress nobody;
     const PolygonFeatures some = layer.read_polygons(Names{"N"}, nobody, 2);
     EXPECT_GT(some.ids.size(), 3000U);
     EXPECT_THAT(some.ids, Each(Ge(101)));
@@ -129,9 +129,9 @@ TEST(PolygonReading, OtherFormatsAreReadFromBeginningToEnd) {
                     R"(,"properties":{"N":)" + id + R"(},"geometry":{"type":"Polygon","coordinates":[[[)" + id +
                     ",0],[" + id + R"(,1],[0,1],[)" + id + ",0]]]}}";
     }
-    write_file(folder / "a.geojson", R"({"type":"FeatureCollection","features":[)" + features + "]}");
+    base::write_file(folder / "a.geojson", R"({"type":"FeatureCollection","features":[)" + features + "]}");
     const auto layer = FeatureClass::open({folder / "a.geojson"});
-    NoProgress nobody;
+    base::NoProgress nobody;
     const PolygonFeatures all = layer.read_polygons(Names{"N"}, nobody, 4);
     ASSERT_EQ(all.ids.size(), 2500U);
     EXPECT_EQ(all.ids[1], 37);
@@ -141,7 +141,7 @@ TEST(PolygonReading, OtherFormatsAreReadFromBeginningToEnd) {
 TEST(PolygonReading, AnEmptyLayerHasNothing) {
     const TemporaryFolder folder;
     const auto layer = FeatureClass::open({write_layer(folder / "zones.shp", 0)});
-    NoProgress nobody;
+    base::NoProgress nobody;
     const PolygonFeatures none = layer.read_polygons(Names{"N"}, nobody, 2);
     EXPECT_EQ(none.polygons.feature_count(), 0U);
     ASSERT_EQ(none.columns.size(), 1U);
@@ -155,7 +155,7 @@ TEST(PolygonReading, TheFirstBadFeatureIsToldWhateverTheThreads) {
         // The coordinates of two features that are far apart: both have a ring of four points as their first part.
         const auto layer = FeatureClass::open({folder / "zones.shp"});
         const PolygonFeatures all = layer.read_polygons({});
-        const std::string bytes = read_file_start(folder / "zones.shp", std::size_t{1} << 30);
+        const std::string bytes = base::read_file_start(folder / "zones.shp", std::size_t{1} << 30);
         std::fstream file(folder / "zones.shp", std::ios::binary | std::ios::in | std::ios::out);
         for (const double from : {20.0, 45.0}) {
             std::size_t feature = static_cast<std::size_t>(from * 100);
@@ -177,7 +177,7 @@ TEST(PolygonReading, TheFirstBadFeatureIsToldWhateverTheThreads) {
     EXPECT_THAT(expected.description(), HasSubstr("Feature 200"));
     for (int i = 0; i < 5; ++i) {
         for (const int threads : {1, 2, 4}) {
-            NoProgress nobody;
+            base::NoProgress nobody;
             const auto error = test::error_of([&] { layer.read_polygons({}, nobody, threads); });
             EXPECT_EQ(error.description(), expected.description()) << threads;
         }
@@ -195,7 +195,7 @@ TEST(PolygonReading, TellsOfItselfAndStopsWhenTold) {
     test::ListeningProgress stops(1);
     EXPECT_LT(layer.read_polygons({}, stops, 2).ids.size(), static_cast<std::size_t>(kCount));
     EXPECT_EQ(stops.fractions.size(), 1U);
-    NoProgress nobody;
+    base::NoProgress nobody;
     EXPECT_EQ(layer.read_polygons({}, nobody, 2).ids.size(), static_cast<std::size_t>(kCount)) << "usable as before";
 }
 

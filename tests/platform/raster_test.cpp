@@ -8,7 +8,7 @@
 #include <fstream>
 #include <limits>
 
-#include "platform/errors.h"
+#include "base/errors.h"
 #include "tests/support/raster_files.h"
 #include "tests/support/test_files.h"
 
@@ -32,7 +32,7 @@ class Raster : public ::testing::Test {
     std::string refusal(const std::string& source) {
         try {
             RasterDataset::open(source);
-        } catch (const RuntimeError& error) {
+        } catch (const base::RuntimeError& error) {
             m_number = error.number();
             return error.description();
         }
@@ -43,7 +43,7 @@ class Raster : public ::testing::Test {
         CellBuffer buffer;
         try {
             raster.read({0, 0, 3, 2}, buffer);
-        } catch (const RuntimeError& error) {
+        } catch (const base::RuntimeError& error) {
             m_number = error.number();
             return error.description();
         }
@@ -116,7 +116,7 @@ TEST_F(Raster, NotANumberIsNodataOnlyWhereItIsDeclared) {
 TEST_F(Raster, FractionsAreRefusedWithValueAndPlace) {
     EXPECT_NE(read_refusal(three_by_two("Float32", {1, 2, 3, 4, 5, 6.5})).find("holds 6.5 at row 2, column 3"),
               std::string::npos);
-    EXPECT_EQ(m_number, kInvalidProcedureCall);
+    EXPECT_EQ(m_number, base::kInvalidProcedureCall);
 }
 
 TEST_F(Raster, ValuesBeyond32BitsAreRefusedWithValueAndPlace) {
@@ -182,7 +182,7 @@ TEST_F(Raster, WindowsOfOneTileHoldItsCellsAlsoWhereTheRasterEnds) {
 
 TEST_F(Raster, AMissingFileIsSaidToBeMissing) {
     EXPECT_EQ(refusal(m_folder / "none.tif"), "There is no raster \"" + m_folder / "none.tif" + "\"");
-    EXPECT_EQ(m_number, kFileNotFound);
+    EXPECT_EQ(m_number, base::kFileNotFound);
 }
 
 TEST_F(Raster, AFileThatIsNoRasterIsNamed) {
@@ -196,7 +196,7 @@ TEST_F(Raster, ARotatedOrMirroredRasterIsRefusedWithWhatToDo) {
     test::write_raster(m_folder / "mirrored.tif", file);
     EXPECT_NE(refusal(m_folder / "mirrored.tif").find("is rotated or mirrored: make it north up first"),
               std::string::npos);
-    EXPECT_EQ(m_number, kInvalidProcedureCall);
+    EXPECT_EQ(m_number, base::kInvalidProcedureCall);
 }
 
 TEST_F(Raster, ARasterWithoutPositionIsRefusedWithWhatToDo) {
@@ -230,8 +230,8 @@ TEST_F(Raster, ATruncatedFileFailsWhenItIsReadWithTheRows) {
     try {
         raster.read({0, 0, 100, 100}, buffer);
         FAIL() << "read";
-    } catch (const RuntimeError& error) {
-        EXPECT_EQ(error.number(), kDeviceInputOutputError);
+    } catch (const base::RuntimeError& error) {
+        EXPECT_EQ(error.number(), base::kDeviceInputOutputError);
         EXPECT_NE(error.description().find("cannot be read at rows 1 to 100"), std::string::npos)
             << error.description();
     }

@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "tests/support/file_size_limit.h"
 #include "tests/support/test_files.h"
 
@@ -52,7 +52,7 @@ TEST(RasterWriter, ClassesGetTheirNames) {
     RasterWriter writer(folder / "a.tif", definition);
     writer.write_rows(0, 2, std::vector<std::uint8_t>(6, 11));
     writer.close();
-    EXPECT_NE(read_file(folder / "a.tif.aux.xml").find("<F>Open Water</F>"), std::string::npos);
+    EXPECT_NE(base::read_file(folder / "a.tif.aux.xml").find("<F>Open Water</F>"), std::string::npos);
 }
 
 TEST(RasterWriter, TheSameCellsGiveTheSameFile) {
@@ -62,7 +62,7 @@ TEST(RasterWriter, TheSameCellsGiveTheSameFile) {
         writer.write_rows(0, 2, std::vector<std::uint8_t>(6, 41));
         writer.close();
     }
-    EXPECT_EQ(read_file(folder / "a.tif"), read_file(folder / "b.tif"));
+    EXPECT_EQ(base::read_file(folder / "a.tif"), base::read_file(folder / "b.tif"));
 }
 
 TEST(RasterWriter, RowsOfTheWrongLengthAreAnError) {
@@ -71,7 +71,7 @@ TEST(RasterWriter, RowsOfTheWrongLengthAreAnError) {
     try {
         writer.write_rows(0, 1, std::vector<std::uint8_t>{1, 2});
         FAIL() << "not refused";
-    } catch (const RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         EXPECT_EQ(error.number(), 5);
     }
 }
@@ -81,7 +81,7 @@ TEST(RasterWriter, AFileThatCannotBeMadeIsAnErrorThatNamesIt) {
     try {
         RasterWriter writer(folder / "none/a.tif", three_by_two());
         FAIL() << "not refused";
-    } catch (const RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         EXPECT_NE(error.description().find(folder / "none/a.tif"), std::string::npos) << error.description();
     }
 }
@@ -99,7 +99,7 @@ TEST(RasterWriter, AFullDeviceIsAnErrorAtTheLatestOnClosing) {
             writer.write_rows(0, 500, cells);
             writer.close();
         },
-        RuntimeError);
+        base::RuntimeError);
 }
 
 }  // namespace

@@ -9,8 +9,8 @@
 #include <filesystem>
 #include <random>
 
+#include "base/files.h"
 #include "platform/feature_class.h"
-#include "platform/files.h"
 #include "platform/shapefile_writer.h"
 #include "tests/support/error_of.h"
 #include "tests/support/file_size_limit.h"
@@ -118,7 +118,7 @@ TEST(ShapeRecords, ShellsRunClockwiseAndHolesTheOtherWay) {
     ShapeRecords records(new_stem(folder));
     records.append(set, 0);
     records.close();
-    const std::string bytes = read_file(folder / "out.shp");
+    const std::string bytes = base::read_file(folder / "out.shp");
     std::vector<Point> points(10);
     const std::size_t start = 100 + 8 + 44 + 2 * 4;
     ASSERT_EQ(bytes.size(), start + 160);
@@ -136,8 +136,8 @@ TEST(ShapeRecords, FullDeviceIsToldOfWithItsReason) {
         records.append(set, f);  // still in the buffer
     }
     const test::FileSizeLimit limit(4096);
-    const RuntimeError error = test::error_of([&] { records.close(); });
-    EXPECT_EQ(error.number(), kDiskFull);
+    const base::RuntimeError error = test::error_of([&] { records.close(); });
+    EXPECT_EQ(error.number(), base::kDiskFull);
     EXPECT_EQ(error.description(), "File too large: " + (folder / "out.shp"));
 }
 
@@ -147,19 +147,19 @@ TEST(ShapeRecords, BufferThatIsFullIsWrittenWhereTheDeviceIsNot) {
     const PolygonSet set = random_features(random, 3000);
     ShapeRecords records(new_stem(folder));
     const test::FileSizeLimit limit(4096);
-    const RuntimeError error = test::error_of([&] {
+    const base::RuntimeError error = test::error_of([&] {
         for (std::size_t f = 0; f < set.feature_count(); ++f) {
             records.append(set, f);
         }
     });
-    EXPECT_EQ(error.number(), kDiskFull);
+    EXPECT_EQ(error.number(), base::kDiskFull);
     EXPECT_LE(std::filesystem::file_size(folder / "out.shp"), 4096U);
 }
 
 TEST(ShapeRecords, ShapefileThatIsMissingIsNamed) {
     const test::TemporaryFolder folder;
-    const RuntimeError error = test::error_of([&] { ShapeRecords records(folder / "none"); });
-    EXPECT_EQ(error.number(), kLibraryFailure);
+    const base::RuntimeError error = test::error_of([&] { ShapeRecords records(folder / "none"); });
+    EXPECT_EQ(error.number(), base::kLibraryFailure);
     EXPECT_EQ(error.description(), (folder / "none.shp") + " cannot be written");
 }
 

@@ -13,9 +13,9 @@
 #include <fstream>
 #include <limits>
 
-#include "platform/errors.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "platform/feature_class.h"
-#include "platform/files.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel::platform {
@@ -60,7 +60,7 @@ PolygonSet circle(std::size_t points) {
 
 /// The characters that a record of a .dbf holds for a field, as they stand.
 std::string stored(const std::string& dbf, std::size_t record, std::size_t field) {
-    const std::string bytes = read_file(dbf);
+    const std::string bytes = base::read_file(dbf);
     const auto byte = [&](std::size_t at) {
         return static_cast<std::size_t>(static_cast<unsigned char>(bytes.at(at)));
     };
@@ -74,7 +74,7 @@ std::string stored(const std::string& dbf, std::size_t record, std::size_t field
 }
 
 std::size_t record_count(const std::string& dbf) {
-    const std::string bytes = read_file(dbf);
+    const std::string bytes = base::read_file(dbf);
     return static_cast<unsigned char>(bytes.at(4)) + 256U * static_cast<unsigned char>(bytes.at(5));
 }
 
@@ -96,7 +96,7 @@ std::string stored_value(const Field& field, const Value& value) {
 std::int32_t error_number(const std::function<void()>& call) {
     try {
         call();
-    } catch (const RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         return error.number();
     }
     return 0;
@@ -113,8 +113,8 @@ TEST(ShapefileWriter, WritesShapesAttributesSystemAndEncoding) {
     writer.close();
 
     EXPECT_THAT(test::names_in(folder.path()), ElementsAre("out.cpg", "out.dbf", "out.prj", "out.shp", "out.shx"));
-    EXPECT_EQ(read_file(folder / "out.cpg"), "UTF-8");
-    EXPECT_THAT(read_file(folder / "out.prj"), ::testing::StartsWith("PROJCS[\"NAD_1983_UTM_Zone_12N\""));
+    EXPECT_EQ(base::read_file(folder / "out.cpg"), "UTF-8");
+    EXPECT_THAT(base::read_file(folder / "out.prj"), ::testing::StartsWith("PROJCS[\"NAD_1983_UTM_Zone_12N\""));
     const auto read = FeatureClass::open({folder / "out.shp"});
     EXPECT_THAT(read.fields(), ElementsAre(Field{"ZONE", "", FieldType::integer, 9, 9, 0},
                                            Field{"NAME", "", FieldType::text, 20, 0, 0},
@@ -288,7 +288,7 @@ TEST(ShapefileWriter, NumberTooLargeForItsFieldIsAnOverflowThatNamesIt) {
     try {
         insert(1e7);
         FAIL() << "no error";
-    } catch (const RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         EXPECT_THAT(error.description(), AllOf(HasSubstr("PCT"), HasSubstr("out.shp")));
     }
 }
@@ -376,8 +376,8 @@ TEST(ShapefileWriter, ReplacesAShapefileOfTheSameNameWithAllItsMembers) {
         writer.insert(square(), 0, std::vector<Value>{"x"});
         writer.close();
     }
-    write_file(folder / "out.sbn", "stale index");
-    write_file(folder / "out.prm", "no member");
+    base::write_file(folder / "out.sbn", "stale index");
+    base::write_file(folder / "out.prm", "no member");
     const std::vector<Field> fields{{"NEW", "", FieldType::integer, 4}};
     ShapefileWriter(folder / "out.shp", fields, {}).close();
     EXPECT_THAT(test::names_in(folder.path()), ElementsAre("out.cpg", "out.dbf", "out.prm", "out.shp", "out.shx"));
@@ -390,7 +390,7 @@ TEST(ShapefileWriter, MissingFolderIsAnErrorThatNamesThePath) {
     try {
         const ShapefileWriter writer(folder / "missing/out.shp", fields, {});
         FAIL() << "no error";
-    } catch (const RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         EXPECT_EQ(error.number(), 76);
         EXPECT_THAT(error.description(), HasSubstr("missing/out.shp"));
     }
@@ -505,12 +505,12 @@ TEST(ShapefileMembers, AreTheFilesOfThatNameThatBelongToAShapefile) {
     const TemporaryFolder folder;
     for (const char* name : {"a.shp", "a.shx", "a.dbf", "a.prj", "a.cpg", "a.qix", "a.sbn", "a.sbx", "a.shp.xml",
                              "a.ZONE.atx", "a.prm", "a.met", "a.lyr", "a.txt", "ab.shp", "A.shp", "b.dbf", "a"}) {
-        write_file(folder / name, "x");
+        base::write_file(folder / name, "x");
     }
     std::vector<std::string> names;
     for (const std::string& path : shapefile_members(folder / "a.shp")) {
         EXPECT_THAT(path, ::testing::StartsWith(folder.path() + "/"));
-        names.push_back(file_name_of(path));
+        names.push_back(base::file_name_of(path));
     }
     EXPECT_THAT(names, ElementsAre("a.ZONE.atx", "a.cpg", "a.dbf", "a.prj", "a.qix", "a.sbn", "a.sbx", "a.shp",
                                    "a.shp.xml", "a.shx"));
@@ -518,8 +518,8 @@ TEST(ShapefileMembers, AreTheFilesOfThatNameThatBelongToAShapefile) {
 
 TEST(ShapefileMembers, ExtensionsMayBeInCapitals) {
     const TemporaryFolder folder;
-    write_file(folder / "ROADS.SHP", "x");
-    write_file(folder / "ROADS.DBF", "x");
+    base::write_file(folder / "ROADS.SHP", "x");
+    base::write_file(folder / "ROADS.DBF", "x");
     EXPECT_THAT(shapefile_members(folder / "ROADS.SHP"), ElementsAre(EndsWith("ROADS.DBF"), EndsWith("ROADS.SHP")));
 }
 
@@ -529,8 +529,8 @@ TEST(ShapefileMembers, MissingFolderHasNone) {
 
 TEST(ShapefileMembers, FoldersAreNone) {
     const TemporaryFolder folder;
-    write_file(folder / "a.dbf", "x");
-    create_folder(folder / "a.shp");
+    base::write_file(folder / "a.dbf", "x");
+    base::create_folder(folder / "a.shp");
     EXPECT_THAT(shapefile_members(folder / "a.shp"), ElementsAre(folder / "a.dbf"));
 }
 

@@ -8,7 +8,7 @@
 #include <cmath>
 #include <thread>
 
-#include "platform/errors.h"
+#include "base/errors.h"
 #include "platform/feature_class.h"
 #include "tests/support/test_files.h"
 
@@ -68,15 +68,15 @@ TEST(SpatialReference, UnreadableDefinitionIsALibraryFailureThatNamesIt) {
     try {
         SpatialReference::from("EPSG:99999999");
         FAIL() << "no error";
-    } catch (const RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         EXPECT_EQ(error.number(), -2147467259);
         EXPECT_THAT(error.description(), StartsWith("This is no coordinate system: EPSG:99999999"));
     }
-    EXPECT_THROW(SpatialReference::from(""), RuntimeError);
+    EXPECT_THROW(SpatialReference::from(""), base::RuntimeError);
 }
 
 TEST(SpatialReference, DefinitionThatIsAFileNameIsNotOpened) {
-    EXPECT_THROW(SpatialReference::from("/etc/hostname"), RuntimeError);
+    EXPECT_THROW(SpatialReference::from("/etc/hostname"), base::RuntimeError);
 }
 
 TEST(SpatialReference, CodeIsIdentifiedFromAPrjText) {
@@ -328,7 +328,7 @@ TEST(Project, VertexThatCannotBeProjectedIsNamedAndNothingIsMoved) {
     try {
         project(set, SpatialReference::from("EPSG:4326"), SpatialReference::from("EPSG:26912"));
         FAIL() << "no error";
-    } catch (const RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         EXPECT_EQ(error.number(), -2147467259);
         EXPECT_THAT(error.description(),
                     HasSubstr("The vertex (-110, 95) cannot be projected from WGS 84 to NAD83 / UTM zone 12N"));
@@ -338,8 +338,8 @@ TEST(Project, VertexThatCannotBeProjectedIsNamedAndNothingIsMoved) {
 
 TEST(Project, NeedsBothSystems) {
     PolygonSet set = polygon_of({{1, 1}, {2, 1}, {2, 2}, {1, 1}});
-    EXPECT_THROW(project(set, SpatialReference(), SpatialReference::from("EPSG:26912")), RuntimeError);
-    EXPECT_THROW(project(set, SpatialReference::from("EPSG:26912"), SpatialReference()), RuntimeError);
+    EXPECT_THROW(project(set, SpatialReference(), SpatialReference::from("EPSG:26912")), base::RuntimeError);
+    EXPECT_THROW(project(set, SpatialReference::from("EPSG:26912"), SpatialReference()), base::RuntimeError);
 }
 
 TEST(Project, EmptySetStaysEmpty) {

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/table.h"
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "tests/support/error_of.h"
 #include "tests/support/test_files.h"
 #include "tests/support/tiny_disk.h"
@@ -241,8 +241,8 @@ TEST(WriteDbf, HasKeyAndNumbersWithTheirDefinitions) {
     table.set_number(0, 3, -0.5);
     write_dbf(table, folder / "areaTemp.dbf");
     EXPECT_EQ(names_in(folder.path()), (std::vector<std::string>{"areaTemp.cpg", "areaTemp.dbf"}));
-    EXPECT_EQ(read_file(folder / "areaTemp.cpg"), "UTF-8");
-    const std::string dbf = read_file(folder / "areaTemp.dbf");
+    EXPECT_EQ(base::read_file(folder / "areaTemp.cpg"), "UTF-8");
+    const std::string dbf = base::read_file(folder / "areaTemp.dbf");
     EXPECT_EQ(header_of(dbf), (std::vector<std::string>{"ZONE C 18.0", "area-11 N 18.6", "ISarea-11 N 18.6"}));
     EXPECT_EQ(number_at(dbf, 4, 4), 1);
     EXPECT_EQ(record_of(dbf, 0), " 12#1                     1234.567890         -0.500000");
@@ -254,7 +254,7 @@ TEST(WriteDbf, LongNamesAreCutAndStayDistinct) {
     table.add_field(area_field("ISarea-10001"));
     table.add_field(area_field("ISarea-10002"));
     write_dbf(table, folder / "t.dbf");
-    const std::vector<std::string> fields = header_of(read_file(folder / "t.dbf"));
+    const std::vector<std::string> fields = header_of(base::read_file(folder / "t.dbf"));
     ASSERT_EQ(fields.size(), 5U);
     EXPECT_EQ(fields[3], "ISarea-100 N 18.6");
     EXPECT_NE(fields[4], fields[3]);
@@ -265,10 +265,10 @@ TEST(WriteDbf, AKeyIsAsWideAsTheLongestAndCutAt254BytesBetweenCharacters) {
     Table table = area_table();
     table.add_row(std::string(30, 'x'));
     write_dbf(table, folder / "t.dbf");
-    EXPECT_EQ(header_of(read_file(folder / "t.dbf"))[0], "ZONE C 30.0");
+    EXPECT_EQ(header_of(base::read_file(folder / "t.dbf"))[0], "ZONE C 30.0");
     table.add_row(std::string(253, 'x') + "\xC3\xBC");
     write_dbf(table, folder / "t.dbf");
-    const std::string dbf = read_file(folder / "t.dbf");
+    const std::string dbf = base::read_file(folder / "t.dbf");
     EXPECT_EQ(header_of(dbf)[0], "ZONE C 254.0");
     EXPECT_EQ(record_of(dbf, 1).substr(0, 255), " " + std::string(253, 'x') + " ");
 }
@@ -276,16 +276,16 @@ TEST(WriteDbf, AKeyIsAsWideAsTheLongestAndCutAt254BytesBetweenCharacters) {
 TEST(WriteDbf, ATableWithoutRowsIsAFileWithoutRecords) {
     const TemporaryFolder folder;
     write_dbf(area_table(), folder / "t.dbf");
-    EXPECT_EQ(number_at(read_file(folder / "t.dbf"), 4, 4), 0);
+    EXPECT_EQ(number_at(base::read_file(folder / "t.dbf"), 4, 4), 0);
 }
 
 TEST(WriteDbf, ReplacesAnExistingFile) {
     const TemporaryFolder folder;
-    write_file(folder / "t.dbf", "something else");
+    base::write_file(folder / "t.dbf", "something else");
     Table table = area_table();
     table.add_row("1");
     write_dbf(table, folder / "t.dbf");
-    EXPECT_EQ(number_at(read_file(folder / "t.dbf"), 4, 4), 1);
+    EXPECT_EQ(number_at(base::read_file(folder / "t.dbf"), 4, 4), 1);
 }
 
 TEST(WriteDbf, AMissingFolderIsPathNotFound) {

@@ -7,8 +7,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel::platform {
@@ -18,10 +18,10 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 /// The error with which `text` is refused; number 0 when it is accepted.
-RuntimeError refusal(std::string_view text) {
+base::RuntimeError refusal(std::string_view text) {
     try {
         XmlDocument::parse(text);
-    } catch (const RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         return error;
     }
     return {0, "accepted", "", 0};
@@ -81,10 +81,10 @@ TEST(XmlElement, ControlCharactersAndInvalidTextAreNotTaken) {
         try {
             root.append("Name", text);
             ADD_FAILURE() << text;
-        } catch (const RuntimeError& error) {
+        } catch (const base::RuntimeError& error) {
             EXPECT_EQ(error.number(), 5);
         }
-        EXPECT_THROW(root.set_attribute("ID", text), RuntimeError);
+        EXPECT_THROW(root.set_attribute("ID", text), base::RuntimeError);
     }
     EXPECT_EQ(root.xml(), "<Root/>");
 }
@@ -96,7 +96,7 @@ TEST(XmlElement, LeadingByteOrderMarkIsACharacterOfTheText) {
     const XmlElement reread = XmlDocument::parse(root.xml()).root();
     EXPECT_EQ(reread.node_text("Name"), "\uFEFFTown");
     EXPECT_EQ(reread.node_text("@ID"), "\uFEFF21");
-    EXPECT_THROW(root.append("Name", "\uFEFF latin \xE9"), RuntimeError);
+    EXPECT_THROW(root.append("Name", "\uFEFF latin \xE9"), base::RuntimeError);
 }
 
 TEST(XmlElement, NoElementReadsAsEmptyAndCannotBeBuiltUpon) {
@@ -111,10 +111,10 @@ TEST(XmlElement, NoElementReadsAsEmptyAndCannotBeBuiltUpon) {
     try {
         none.append("a");
         FAIL();
-    } catch (const RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         EXPECT_EQ(error.number(), 91);
     }
-    EXPECT_THROW(none.set_attribute("a", "1"), RuntimeError);
+    EXPECT_THROW(none.set_attribute("a", "1"), base::RuntimeError);
 }
 
 TEST(XmlElement, KeepsItsDocumentAlive) {
@@ -159,7 +159,7 @@ TEST(XmlDocument, FlatTextHasNoDeclarationAndNoWhiteSpaceBetweenTags) {
 }
 
 TEST(XmlDocument, MalformedTextIsRefusedWithItsPlace) {
-    const RuntimeError error = refusal("<a>\n  <b>\n</a>");
+    const base::RuntimeError error = refusal("<a>\n  <b>\n</a>");
     EXPECT_EQ(error.number(), -2147467259);
     EXPECT_THAT(error.description(), StartsWith("line 3, column "));
 }
@@ -227,7 +227,7 @@ TEST(XmlDocument, EntityExpansionIsRefused) {
 
 TEST(XmlDocument, ExternalEntityIsNeverReadAndReferringToItIsRefused) {
     const test::TemporaryFolder folder;
-    write_file(folder / "secret.txt", "secret");
+    base::write_file(folder / "secret.txt", "secret");
     const std::string entity = "<!DOCTYPE a [<!ENTITY x SYSTEM \"file://" + (folder / "secret.txt") + "\">]>";
     EXPECT_EQ(refusal(entity + "<a>&x;</a>").number(), -2147467259);
     EXPECT_EQ(root_text(entity + "<a>plain</a>"), "plain");
@@ -284,7 +284,7 @@ TEST(XmlDocument, TextThatContradictsItsEncodingIsRefused) {
 
 TEST(XmlDocument, LoadReadsAFile) {
     const test::TemporaryFolder folder;
-    write_file(folder / "a.xml", "<a>text</a>");
+    base::write_file(folder / "a.xml", "<a>text</a>");
     EXPECT_EQ(XmlDocument::load(folder / "a.xml").root().text(), "text");
 }
 
@@ -293,7 +293,7 @@ TEST(XmlDocument, LoadOfAMissingFileIsError53) {
     try {
         XmlDocument::load(folder / "none.xml");
         FAIL();
-    } catch (const RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         EXPECT_EQ(error.number(), 53);
         EXPECT_THAT(error.description(), HasSubstr(folder / "none.xml"));
     }
@@ -301,11 +301,11 @@ TEST(XmlDocument, LoadOfAMissingFileIsError53) {
 
 TEST(XmlDocument, LoadOfAMalformedFileNamesFileAndPlace) {
     const test::TemporaryFolder folder;
-    write_file(folder / "a.xml", "<a>\r\n<b></a>");
+    base::write_file(folder / "a.xml", "<a>\r\n<b></a>");
     try {
         XmlDocument::load(folder / "a.xml");
         FAIL();
-    } catch (const RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         EXPECT_EQ(error.number(), -2147467259);
         EXPECT_THAT(error.description(), StartsWith((folder / "a.xml") + ": line 2, column "));
     }
@@ -313,13 +313,13 @@ TEST(XmlDocument, LoadOfAMalformedFileNamesFileAndPlace) {
 
 TEST(XmlDocument, LoadRefusesHugeFilesFoldersAndDevicesWithoutReadingThem) {
     const test::TemporaryFolder folder;
-    write_file(folder / "huge.xml", "<a/>");
+    base::write_file(folder / "huge.xml", "<a/>");
     ASSERT_EQ(::truncate((folder / "huge.xml").c_str(), off_t{1} << 40), 0);
-    EXPECT_THROW(XmlDocument::load(folder / "huge.xml"), RuntimeError);
-    EXPECT_THROW(XmlDocument::load(folder.path()), RuntimeError);
-    EXPECT_THROW(XmlDocument::load("/dev/zero"), RuntimeError);
+    EXPECT_THROW(XmlDocument::load(folder / "huge.xml"), base::RuntimeError);
+    EXPECT_THROW(XmlDocument::load(folder.path()), base::RuntimeError);
+    EXPECT_THROW(XmlDocument::load("/dev/zero"), base::RuntimeError);
     ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
-    EXPECT_THROW(XmlDocument::load(folder / "pipe"), RuntimeError);
+    EXPECT_THROW(XmlDocument::load(folder / "pipe"), base::RuntimeError);
 }
 
 }  // namespace

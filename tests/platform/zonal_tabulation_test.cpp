@@ -8,8 +8,8 @@
 #include <random>
 #include <tuple>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "tests/support/exact_reference.h"
 #include "tests/support/listening_progress.h"
 #include "tests/support/raster_files.h"
@@ -139,7 +139,7 @@ class ZonalTabulation : public ::testing::Test {
     ZoneCounts tabulated(const Scene& scene, const RasterFile& raster, int threads = 1) {
         const std::string path = m_folder / "cells.tif";
         test::write_raster(path, raster);
-        NoProgress progress;
+        base::NoProgress progress;
         return tabulate(RasterDataset::open(path), input_of(scene), threads, progress);
     }
 
@@ -232,11 +232,11 @@ std::string write_mosaic(const test::TemporaryFolder& folder, const RasterFile& 
                        "\" yOff=\"" + std::to_string(rows[r]) + "\"" + size + "</SimpleSource>";
         }
     }
-    write_file(folder / "mosaic.vrt", "<VRTDataset rasterXSize=\"" + std::to_string(grid.columns) +
-                                          "\" rasterYSize=\"" + std::to_string(grid.rows) +
-                                          "\"><GeoTransform>500, 1.5, 0, 250, 0, -1.25</GeoTransform>" +
-                                          "<VRTRasterBand dataType=\"Byte\" band=\"1\"><NoDataValue>99</NoDataValue>" +
-                                          sources + "</VRTRasterBand></VRTDataset>");
+    base::write_file(folder / "mosaic.vrt",
+                     "<VRTDataset rasterXSize=\"" + std::to_string(grid.columns) + "\" rasterYSize=\"" +
+                         std::to_string(grid.rows) + "\"><GeoTransform>500, 1.5, 0, 250, 0, -1.25</GeoTransform>" +
+                         "<VRTRasterBand dataType=\"Byte\" band=\"1\"><NoDataValue>99</NoDataValue>" + sources +
+                         "</VRTRasterBand></VRTDataset>");
     return folder / "mosaic.vrt";
 }
 
@@ -270,7 +270,7 @@ TEST_F(ZonalTabulation, TilesBlocksAndMosaicsDoNotShow) {
             }
         }
         scene.raster.type = "Byte";
-        NoProgress progress;
+        base::NoProgress progress;
         const RasterDataset mosaic = RasterDataset::open(write_mosaic(m_folder, scene.raster));
         EXPECT_EQ(mosaic.tile_lines().columns, (std::vector<int>{0, 64, 70, 134, 171, 230}));
         EXPECT_EQ(mosaic.tile_lines().rows, (std::vector<int>{0, 64, 81, 145, 150}));
@@ -333,8 +333,8 @@ TEST_F(ZonalTabulation, TheFirstValueThatIsNoCodeIsNamedWhateverTheThreads) {
         try {
             tabulated(scene, scene.raster, threads);
             FAIL() << "accepted";
-        } catch (const RuntimeError& error) {
-            EXPECT_EQ(error.number(), kInvalidProcedureCall);
+        } catch (const base::RuntimeError& error) {
+            EXPECT_EQ(error.number(), base::kInvalidProcedureCall);
             EXPECT_NE(error.description().find("holds 21.5 at row 21, column 8"), std::string::npos)
                 << error.description();
         }

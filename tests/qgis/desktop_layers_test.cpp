@@ -7,9 +7,9 @@
 #include <qgssymbol.h>
 #include <qgsvectordataprovider.h>
 
+#include "base/files.h"
 #include "engine/basUtil.h"
 #include "engine/output_layer.h"
-#include "platform/files.h"
 #include "tests/qgis/qgis_world.h"
 #include "tests/support/error_of.h"
 
@@ -36,7 +36,7 @@ class DesktopLayers : public QgisWorld {
                                                        : layer.feature_class().read_polygons(field);
         std::vector<std::string> texts;
         for (const auto& value : features.columns.front()) {
-            texts.push_back(platform::text_of(value));
+            texts.push_back(base::text_of(value));
         }
         return texts;
     }
@@ -151,7 +151,7 @@ TEST_F(DesktopLayers, FieldOfTheLayersOwnIsCopied) {
     const std::vector<std::string> field{"TEN"};
     const auto columns = layer->feature_class().read_columns(field);
     ASSERT_THAT(columns.front(), SizeIs(4));
-    EXPECT_EQ(platform::text_of(columns.front()[3]), "40");
+    EXPECT_EQ(base::text_of(columns.front()[3]), "40");
 }
 
 TEST_F(DesktopLayers, CoordinateSystemChosenForALayerCounts) {
@@ -163,14 +163,14 @@ TEST_F(DesktopLayers, CopyIsMadeAnewWhenTheEndOfARunHasDeletedIt) {
     add_memory_zones();
     const auto layer = feature_layer("In memory");
     values(*layer);
-    platform::remove_folder(world.extension / "temp");
+    base::remove_folder(world.extension / "temp");
     EXPECT_THAT(values(*layer), SizeIs(4));
 }
 
 TEST_F(DesktopLayers, CopyThatCannotBeWrittenIsAnError) {
     add_memory_zones();
-    platform::remove_folder(world.extension / "temp");
-    platform::write_file(world.extension / "temp", "no folder");
+    base::remove_folder(world.extension / "temp");
+    base::write_file(world.extension / "temp", "no folder");
     EXPECT_NE(error_of([&] { feature_layer("In memory")->feature_class(); }).number(), 0);
 }
 
@@ -179,7 +179,7 @@ TEST_F(DesktopLayers, LayerThatIsGoneIsAnError) {
     const auto layer = feature_layer("Sheds");
     project().removeMapLayer(&shown);
     const auto error = error_of([&] { layer->feature_class(); });
-    EXPECT_EQ(error.number(), platform::kObjectVariableNotSet);
+    EXPECT_EQ(error.number(), base::kObjectVariableNotSet);
     EXPECT_EQ(error.description(), "The layer has been removed from the map");
 }
 

@@ -89,7 +89,7 @@ TEST_F(DesktopMapTest, WhatIsNoShapefileMakesNoLayer) {
 TEST_F(DesktopMapTest, LayerThatIsInTheMapCannotBeAddedAgain) {
     add_vector(shapefile(), "Sheds");
     EXPECT_EQ(error_of([this] { application->map().add_layer(feature_layer("Sheds")); }).number(),
-              platform::kInvalidProcedureCall);
+              base::kInvalidProcedureCall);
 }
 
 TEST_F(DesktopMapTest, LayerIsRemovedOnce) {

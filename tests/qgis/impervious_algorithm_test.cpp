@@ -15,9 +15,9 @@
 #include <QThread>
 
 #include "apps/qgis/kestrel_provider.h"
+#include "base/files.h"
 #include "coefficients/basUtil.h"
 #include "coefficients/clsISLCDef.h"
-#include "platform/files.h"
 #include "tests/coefficients/sets.h"
 #include "tests/qgis/qgis_world.h"
 
@@ -32,7 +32,7 @@ class ImperviousAlgorithmTest : public QgisWorld {
   protected:
     ImperviousAlgorithmTest() {
         four_zones();
-        platform::create_folder(world.extension / "etc");
+        base::create_folder(world.extension / "etc");
         clsISModelProperties props;
         add_set(props, "Town",
                 {land_class(2, "Developed", 90, 80, 70), land_class(5, "Grassland", 3, 2, 1),
@@ -106,7 +106,7 @@ TEST_F(ImperviousAlgorithmTest, GivesTheFiguresOfTheEngine) {
     EXPECT_EQ(results.value("OUTPUT").toString().toStdString(), world.output_path());
     EXPECT_EQ(results.value("ZONE_COUNT").toInt(), 4);
     for (const char* file : {"REPORT", "METADATA", "LAYER_FILE"}) {
-        EXPECT_TRUE(platform::file_exists(results.value(file).toString().toStdString())) << file;
+        EXPECT_TRUE(base::file_exists(results.value(file).toString().toStdString())) << file;
     }
 }
 
@@ -170,7 +170,7 @@ TEST_F(ImperviousAlgorithmTest, ChoosesTheCoefficientByPopulationDensity) {
     world.parameters.density_high = "100";
     world.parameters.density_low = "20.5";
     EXPECT_EQ(world.rows(), expected());
-    EXPECT_THAT(platform::read_file(world.output / "Sheds IS.prm"), HasSubstr("    Low <= 20.5\r\n"));
+    EXPECT_THAT(base::read_file(world.output / "Sheds IS.prm"), HasSubstr("    Low <= 20.5\r\n"));
 }
 
 TEST_F(ImperviousAlgorithmTest, AppliesScenarios) {
@@ -181,7 +181,7 @@ TEST_F(ImperviousAlgorithmTest, AppliesScenarios) {
     EXPECT_EQ(run_algorithm(), "");
     world.parameters.scenarios = {"1#mall#Developed#2"};
     EXPECT_EQ(world.rows(), expected());
-    EXPECT_THAT(platform::read_file(world.output / "Sheds IS.prm"),
+    EXPECT_THAT(base::read_file(world.output / "Sheds IS.prm"),
                 HasSubstr("  Changed land cover classes within mall layer to Developed\r\n"));
 }
 
@@ -216,7 +216,7 @@ TEST_F(ImperviousAlgorithmTest, RefusesOutputsThatAreNoShapefilesOrAnInput) {
     EXPECT_THAT(run_algorithm(), testing::Not(IsEmpty()));
     parameters["OUTPUT"] = QString::fromStdString(shapefile());
     EXPECT_THAT(run_algorithm(), HasSubstr("would replace"));
-    EXPECT_TRUE(platform::file_exists(shapefile()));
+    EXPECT_TRUE(base::file_exists(shapefile()));
 }
 
 TEST_F(ImperviousAlgorithmTest, FailedRunRaisesWhatWasSaidAndLeavesNothing) {

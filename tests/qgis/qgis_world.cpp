@@ -42,7 +42,7 @@ QgisWorld::QgisWorld() {
     application.emplace(
         *QgsProject::instance(),
         qgis::DesktopApplication::Desktop{.interaction = world.said,
-                                          .progress = [this]() -> platform::Progress& { return world.progress; },
+                                          .progress = [this]() -> base::Progress& { return world.progress; },
                                           .redraw = [this] { ++redrawn; },
                                           .run_ended = [this](const platform::RunResult& ended) { result = ended; },
                                           .copies_folder = [this] { return world.extension / "temp"; }});

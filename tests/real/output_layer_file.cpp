@@ -6,7 +6,7 @@
 
 #include <stdexcept>
 
-#include "platform/files.h"
+#include "base/files.h"
 
 namespace kestrel::test {
 
@@ -36,7 +36,7 @@ OutputFile read_output(const std::string& path) {
 }
 
 std::string table_bytes(const std::string& path) {
-    std::string bytes = platform::read_file(path.substr(0, path.size() - 4) + ".dbf");
+    std::string bytes = base::read_file(path.substr(0, path.size() - 4) + ".dbf");
     return bytes.erase(1, 3);
 }
 

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/files.h"
+#include "base/files.h"
 #include "tests/real/comparison.h"
 
 namespace kestrel::test {
@@ -93,10 +93,10 @@ TEST_F(RealRunOfSelectedZones, CarriesTheChosenNamesIntoOutputAndReport) {
     EXPECT_EQ(read_output(run.output()).field_names.front(), "SHED_ID");
     EXPECT_EQ(run.result.analysis_layer, "sheds");
     EXPECT_EQ(run.result.analysis_field, "SHED_ID");
-    const std::string folder = platform::folder_of(run.output());
-    EXPECT_THAT(platform::read_file(folder + "/result.prm"),
+    const std::string folder = base::folder_of(run.output());
+    EXPECT_THAT(base::read_file(folder + "/result.prm"),
                 HasSubstr("  Analysis Layer: sheds\r\n  Analysis Field: SHED_ID\r\n"));
-    EXPECT_THAT(platform::read_file(folder + "/result.met"), ::testing::Not(HasSubstr("analyfld")));
+    EXPECT_THAT(base::read_file(folder + "/result.met"), ::testing::Not(HasSubstr("analyfld")));
 }
 
 // 24 lies over its neighbours, and takes their cells only where it is part of the run.

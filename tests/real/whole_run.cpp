@@ -79,7 +79,7 @@ WholeRun::WholeRun(const RunSettings& settings) {
     std::filesystem::create_directories(extension_folder + "/temp");
     std::filesystem::create_directories(output_folder);
     ScriptedInteraction user;
-    platform::NoProgress progress;
+    base::NoProgress progress;
     platform::HeadlessApplication application(progress);
     EnabledExtension raster_analysis;
     application.register_extension(platform::kRasterAnalysisExtension, raster_analysis);

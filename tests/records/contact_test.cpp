@@ -6,8 +6,8 @@
 
 #include <array>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel {
@@ -15,10 +15,10 @@ namespace {
 
 class ReadContact : public testing::Test {
   protected:
-    ReadContact() { platform::create_folder(m_extension / "etc"); }
+    ReadContact() { base::create_folder(m_extension / "etc"); }
 
     Contact contact_of(const std::string& text) const {
-        platform::write_file(m_extension / "etc/contact.ini", text);
+        base::write_file(m_extension / "etc/contact.ini", text);
         return read_contact(m_extension.path());
     }
 
@@ -68,7 +68,7 @@ TEST_F(ReadContact, ShippedFileLeavesEveryValueToBeEntered) {
 
 TEST_F(ReadContact, ShippedFileNamesEveryKey) {
     std::vector<std::string> keys;
-    for (const std::string& line : platform::split_lines(platform::read_file(KESTREL_SOURCE_DIR "/etc/contact.ini"))) {
+    for (const std::string& line : base::split_lines(base::read_file(KESTREL_SOURCE_DIR "/etc/contact.ini"))) {
         if (line.ends_with(" =")) {
             keys.push_back(line.substr(0, line.size() - 2));
         }

@@ -8,7 +8,7 @@
 #include <QApplication>
 #include <QTest>
 
-#include "platform/files.h"
+#include "base/files.h"
 #include "platform/headless/headless_application.h"
 #include "records/frmISTParams.h"
 #include "tests/support/failing_interaction.h"
@@ -38,7 +38,7 @@ class FindBarTest : public testing::Test {
         text().setFocus();
     }
     void add(const std::string& name, const std::string& report) {
-        platform::write_file(m_folder / (name + ".prm"), report);
+        base::write_file(m_folder / (name + ".prm"), report);
         m_application.map().append_layer(std::make_shared<platform::HeadlessFeatureLayer>(
             name, platform::FeatureSource{m_folder / (name + ".shp")}));
     }
@@ -62,7 +62,7 @@ class FindBarTest : public testing::Test {
 
     TemporaryFolder m_folder;
     ScriptedInteraction m_user;
-    platform::NoProgress m_progress;
+    base::NoProgress m_progress;
     platform::HeadlessApplication m_application{m_progress};
     frmISTParams m_form;
 };

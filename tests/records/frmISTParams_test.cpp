@@ -12,7 +12,7 @@
 #include <QTextBlock>
 #include <memory>
 
-#include "platform/files.h"
+#include "base/files.h"
 #include "platform/headless/headless_application.h"
 #include "tests/support/failing_event.h"
 #include "tests/support/failing_interaction.h"
@@ -52,9 +52,7 @@ class frmISTParamsTest : public testing::Test {
   protected:
     frmISTParamsTest() { m_form.Application(&m_application); }
 
-    void make(const std::string& name, const std::string& text = "text") {
-        platform::write_file(m_folder / name, text);
-    }
+    void make(const std::string& name, const std::string& text = "text") { base::write_file(m_folder / name, text); }
     std::shared_ptr<HeadlessFeatureLayer> add(const std::string& name, const std::string& file) {
         const auto layer = std::make_shared<HeadlessFeatureLayer>(name, platform::FeatureSource{m_folder / file});
         m_application.map().append_layer(layer);
@@ -117,7 +115,7 @@ class frmISTParamsTest : public testing::Test {
 
     TemporaryFolder m_folder;
     ScriptedInteraction m_user;
-    platform::NoProgress m_progress;
+    base::NoProgress m_progress;
     platform::HeadlessApplication m_application{m_progress};
     frmISTParams m_form;
     bool m_opened_before = false;
@@ -162,7 +160,7 @@ TEST_F(frmISTParamsTest, ChoosingALayerShowsItsFileAndSelectsItsFolder) {
 }
 
 TEST_F(frmISTParamsTest, LayersOfOneNameInTwoFoldersShowTheirOwnFiles) {
-    platform::create_folder(m_folder / "old");
+    base::create_folder(m_folder / "old");
     make("sheds.prm", "new");
     make("old/sheds.prm", "old");
     add("sheds", "sheds.shp");
@@ -322,7 +320,7 @@ TEST_F(frmISTParamsTest, TextInTheOldEncodingIsRead) {
 TEST_F(frmISTParamsTest, FileThatCannotBeReadIsReportedOnceAndLeavesNoOtherText) {
     two_outputs();
     open("prm");
-    platform::remove_file(m_folder / "south.prm");
+    base::remove_file(m_folder / "south.prm");
     choose(1);
     EXPECT_EQ(shown(), "");
     EXPECT_EQ(title(), "Kestrel");

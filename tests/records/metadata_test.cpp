@@ -7,8 +7,8 @@
 
 #include <algorithm>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "tests/records/sample_run.h"
 #include "tests/support/file_size_limit.h"
 #include "tests/support/test_files.h"
@@ -16,8 +16,8 @@
 namespace kestrel {
 namespace {
 
-using platform::read_file;
-using platform::split_lines;
+using base::read_file;
+using base::split_lines;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -104,7 +104,7 @@ TEST_F(Metadata, DensityOptionWithScenariosOnAGeographicMapMatchesTheFixture) {
 }
 
 TEST_F(Metadata, ExistingFileOfTheSameNameIsOverwritten) {
-    platform::write_file(m_path, std::string(100000, 'x'));
+    base::write_file(m_path, std::string(100000, 'x'));
     EXPECT_EQ(metadata_of(test::sample_run("1")), read_file(test::fixture_path("records/medium_planar.met")));
 }
 
@@ -300,7 +300,7 @@ TEST_F(Metadata, FullDeviceFailsAndIsLeftToTheCaller) {
     try {
         write_metadata("/dev/full", test::sample_run("1"), planar_output(), sample_contact());
         FAIL() << "nothing was thrown";
-    } catch (const platform::RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         EXPECT_EQ(error.number(), 61);
     }
 }
@@ -311,7 +311,7 @@ TEST_F(Metadata, LinesWrittenBeforeAFailureStay) {
     const std::string whole = metadata_of(test::sample_run("1"), output);
     {
         const test::FileSizeLimit limit(100000);
-        EXPECT_THROW(write_metadata(m_path, test::sample_run("1"), output, sample_contact()), platform::RuntimeError);
+        EXPECT_THROW(write_metadata(m_path, test::sample_run("1"), output, sample_contact()), base::RuntimeError);
     }
     EXPECT_EQ(read_file(m_path), whole.substr(0, 100000));
 }
@@ -320,7 +320,7 @@ TEST_F(Metadata, MissingFolderFailsAndIsLeftToTheCaller) {
     try {
         write_metadata(m_folder / "missing/is_out1.met", test::sample_run("1"), planar_output(), sample_contact());
         FAIL() << "nothing was thrown";
-    } catch (const platform::RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         EXPECT_EQ(error.number(), 76);
     }
 }

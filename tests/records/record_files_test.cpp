@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/files.h"
+#include "base/files.h"
 #include "platform/headless/headless_map.h"
 #include "tests/support/test_files.h"
 
@@ -68,7 +68,7 @@ TEST(source_folder, OfALayerInNoFileIsEmpty) {
 
 class RecordName : public testing::Test {
   protected:
-    void make(const std::string& name) { platform::write_file(m_folder / name, "text"); }
+    void make(const std::string& name) { base::write_file(m_folder / name, "text"); }
     std::string folder() const { return m_folder.path() + "/"; }
 
     TemporaryFolder m_folder;
@@ -102,7 +102,7 @@ TEST_F(RecordName, IsMissingForTheOtherKindOfFile) {
 }
 
 TEST_F(RecordName, IsMissingForAFolderOfThatName) {
-    platform::create_folder(m_folder / "sheds.prm");
+    base::create_folder(m_folder / "sheds.prm");
     EXPECT_EQ(record_name(*features("sheds", m_folder / "sheds.shp"), folder(), "prm"), std::nullopt);
 }
 

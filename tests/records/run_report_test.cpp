@@ -7,16 +7,16 @@
 
 #include <algorithm>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "tests/records/sample_run.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel {
 namespace {
 
-using platform::read_file;
-using platform::split_lines;
+using base::read_file;
+using base::split_lines;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -61,7 +61,7 @@ TEST_F(RunReport, DensityOptionWithScenariosMatchesTheFixture) {
 }
 
 TEST_F(RunReport, ExistingReportOfTheSameNameIsOverwritten) {
-    platform::write_file(m_path, std::string(10000, 'x'));
+    base::write_file(m_path, std::string(10000, 'x'));
     EXPECT_EQ(report_of(test::sample_run("1")), read_file(test::fixture_path("records/medium.prm")));
 }
 
@@ -133,7 +133,7 @@ TEST_F(RunReport, MissingFolderFailsAndIsLeftToTheCaller) {
     try {
         write_run_report(m_folder / "missing/is_out1.prm", test::sample_run("1"));
         FAIL() << "nothing was thrown";
-    } catch (const platform::RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         EXPECT_EQ(error.number(), 76);
     }
 }
@@ -142,7 +142,7 @@ TEST_F(RunReport, FullDeviceFailsAndIsLeftToTheCaller) {
     try {
         write_run_report("/dev/full", test::sample_run("1"));
         FAIL() << "nothing was thrown";
-    } catch (const platform::RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         EXPECT_EQ(error.number(), 61);
     }
 }

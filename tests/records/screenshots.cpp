@@ -9,8 +9,8 @@
 #include <QTest>
 #include <iostream>
 
+#include "base/files.h"
 #include "host/qt_interaction.h"
-#include "platform/files.h"
 #include "platform/headless/headless_application.h"
 #include "records/frmISTParams.h"
 #include "tests/support/window_pictures.h"
@@ -37,7 +37,7 @@ int main(int argc, char** argv) {
 
     kestrel::platform::HeadlessApplication host(user.progress());
     host.map().append_layer(std::make_shared<kestrel::platform::HeadlessFeatureLayer>(
-        kestrel::platform::base_name_of(output), kestrel::platform::FeatureSource{.path = output}));
+        kestrel::base::base_name_of(output), kestrel::platform::FeatureSource{.path = output}));
     kestrel::frmISTParams viewer;
     viewer.Application(&host);
     viewer.FileType("prm");

@@ -14,8 +14,8 @@
 #include <sstream>
 
 #include "apps/cli/run.h"
+#include "base/files.h"
 #include "platform/class_breaks.h"
-#include "platform/files.h"
 #include "tests/real/output_layer_file.h"
 #include "tests/real/run_settings.h"
 #include "tests/session/session_user.h"
@@ -40,10 +40,10 @@ class AnalysisSession : public RealData {
         if (IsSkipped()) return;
         // Copies, since whoever opens the data may write beside them.
         for (const auto& entry : std::filesystem::directory_iterator(real_data_folder()))
-            platform::copy_file(entry.path().string(), m_data / entry.path().filename().string());
-        platform::create_folder(m_output);
+            base::copy_file(entry.path().string(), m_data / entry.path().filename().string());
+        base::create_folder(m_output);
         m_host = std::make_unique<TestHost>();
-        platform::copy_file(m_data / "isprops.xml", m_host->extension_folder() + "/etc/isprops.xml");
+        base::copy_file(m_data / "isprops.xml", m_host->extension_folder() + "/etc/isprops.xml");
         add_layers();
         m_desktop = std::make_unique<DesktopHost>(m_host->application, m_interaction);
         m_host->kestrel().stop();
@@ -55,7 +55,7 @@ class AnalysisSession : public RealData {
         map().append_layer(std::make_shared<platform::HeadlessRasterLayer>("nlcd2011", m_data / "nlcd2011.tif"));
         for (const char* file : {"sheds.shp", "blockgroups.shp", "town_plan.shp", "resort_wgs84.gpkg"}) {
             map().append_layer(std::make_shared<platform::HeadlessFeatureLayer>(
-                platform::base_name_of(file), platform::FeatureSource{.path = m_data / file}));
+                base::base_name_of(file), platform::FeatureSource{.path = m_data / file}));
         }
         map().set_distance_units(platform::kMeters);
     }
@@ -156,14 +156,13 @@ class AnalysisSession : public RealData {
     }
     /// A file of the output, its lines as a text box has them.
     std::string record(const std::string& ending) const {
-        QString text =
-            QString::fromStdString(platform::read_file(m_output + "/result." + ending)).replace("\r\n", "\n");
+        QString text = QString::fromStdString(base::read_file(m_output + "/result." + ending)).replace("\r\n", "\n");
         return text.toStdString();
     }
     std::map<std::string, std::string> files() const {
         std::map<std::string, std::string> bytes;
         for (const std::string& name : names_in(m_output))
-            bytes[name] = platform::read_file(m_output + "/" + name);
+            bytes[name] = base::read_file(m_output + "/" + name);
         return bytes;
     }
     std::vector<std::string> layers() {

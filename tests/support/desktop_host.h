@@ -27,7 +27,7 @@ class DesktopHost final : public platform::Application {
         return m_rest.make_feature_layer(path, name);
     }
     platform::Interaction& interaction() override { return m_user; }
-    platform::Progress& progress() override { return m_user.progress(); }
+    base::Progress& progress() override { return m_user.progress(); }
     void run_ended(platform::RunResult result) override { results.push_back(std::move(result)); }
 
     std::vector<platform::RunResult> results;

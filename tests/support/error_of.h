@@ -2,16 +2,16 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/errors.h"
+#include "base/errors.h"
 
 namespace kestrel::test {
 
 /// The error that the call raises; one of number 0 when it raises none.
 template <typename Call>
-platform::RuntimeError error_of(Call call) {
+base::RuntimeError error_of(Call call) {
     try {
         call();
-    } catch (const platform::RuntimeError& error) {
+    } catch (const base::RuntimeError& error) {
         return error;
     }
     return {0, "nothing was raised", "", 0};

@@ -7,12 +7,12 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/contracts/progress.h"
+#include "base/progress.h"
 
 namespace kestrel::test {
 
 /// Hears everything, and answers stop from a given report on.
-class ListeningProgress final : public platform::Progress {
+class ListeningProgress final : public base::Progress {
   public:
     explicit ListeningProgress(std::size_t stop_at = static_cast<std::size_t>(-1)) : m_stop_at(stop_at) {}
 

@@ -6,7 +6,7 @@
 
 #include <sstream>
 
-#include "platform/files.h"
+#include "base/files.h"
 #include "platform/shapefile_writer.h"
 #include "platform/spatial_reference.h"
 #include "tests/support/raster_files.h"
@@ -85,7 +85,7 @@ bool LimitedProgress::report(double fraction, std::string_view text) {
 }
 
 SmallWorld::SmallWorld() : output_folder(output.path()) {
-    platform::create_folder(extension / "temp");
+    base::create_folder(extension / "temp");
     application.register_extension(platform::kRasterAnalysisExtension, raster_analysis);
 }
 
@@ -131,7 +131,7 @@ void SmallWorld::json_layer(const std::string& name, const std::vector<std::pair
             i == 0 ? "" : ", ", i, features[i].second, json_ring(features[i].first, cell));
     }
     const std::string path = folder / (name + ".geojson");
-    platform::write_file(path, text + "]}");
+    base::write_file(path, text + "]}");
     application.map().append_layer(std::make_shared<platform::HeadlessFeatureLayer>(
         name, platform::FeatureSource{.path = path}, std::move(selected)));
 }
@@ -159,7 +159,7 @@ void SmallWorld::write_parameters() const {
     for (const std::string& line : lines) {
         text += line + "\r\n";
     }
-    platform::write_file(extension / "temp/model_params.txt", text);
+    base::write_file(extension / "temp/model_params.txt", text);
 }
 
 void SmallWorld::run_in(platform::Application& host, RunOptions options) {
@@ -179,7 +179,7 @@ std::vector<std::string> SmallWorld::rows() const {
     std::vector<std::string> rows(columns.front().size());
     for (const auto& column : columns) {
         for (std::size_t i = 0; i < rows.size(); ++i) {
-            rows[i] += (&column == &columns.front() ? "" : "|") + platform::text_of(column[i]);
+            rows[i] += (&column == &columns.front() ? "" : "|") + base::text_of(column[i]);
         }
     }
     return rows;

@@ -39,7 +39,7 @@ platform::Field text_field(const std::string& name, int length = 20);
 platform::Field real_field(const std::string& name);
 
 /// Progress that is asked a number of times, by report() or cancelled(), before it answers "stop" for good.
-class LimitedProgress final : public platform::Progress {
+class LimitedProgress final : public base::Progress {
   public:
     bool report(double fraction, std::string_view text) override;
     bool cancelled() const override { return ++m_asked > allowed; }

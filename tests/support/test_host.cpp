@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "platform/files.h"
+#include "base/files.h"
 
 namespace kestrel::test {
 
@@ -17,14 +17,14 @@ namespace {
 const std::string kLibrary = KESTREL_EXTENSION_LIBRARY;
 
 void copy_part(const std::string& name, const std::string& folder) {
-    std::filesystem::copy(platform::join_path(platform::folder_of(kLibrary), name), platform::join_path(folder, name),
+    std::filesystem::copy(base::join_path(base::folder_of(kLibrary), name), base::join_path(folder, name),
                           std::filesystem::copy_options::recursive);
 }
 
 }  // namespace
 
 TestHost::TestHost(Raster raster) {
-    const std::string file = platform::file_name_of(kLibrary);
+    const std::string file = base::file_name_of(kLibrary);
     for (const std::string& part : {file, std::string("etc"), std::string("help")}) {
         copy_part(part, m_folder.path());
     }

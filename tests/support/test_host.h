@@ -61,7 +61,7 @@ class TestHost {
 
   public:
     ScriptedInteraction said;
-    platform::NoProgress progress;
+    base::NoProgress progress;
     RasterAnalysis raster_analysis;
     platform::HeadlessApplication application{progress};
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/parallel.h"
+#include "base/parallel.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@
 #include <thread>
 #include <vector>
 
-namespace kestrel::platform {
+namespace kestrel::base {
 namespace {
 
 /// Hears of progress, and stops after some reports.
@@ -108,4 +108,4 @@ TEST(Parallel, ThreadsAreAsManyAsAskedForOrAsCores) {
 }
 
 }  // namespace
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-namespace kestrel::platform {
+namespace kestrel::base {
 
 /// What long work tells, and how it learns that it should stop. Called on the caller's thread only.
 ///
@@ -30,4 +30,4 @@ class NoProgress final : public Progress {
     bool cancelled() const override { return false; }
 };
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/parallel.h"
+#include "base/parallel.h"
 
 #include <algorithm>
 #include <chrono>
@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-namespace kestrel::platform {
+namespace kestrel::base {
 
 namespace {
 
@@ -131,4 +131,4 @@ bool for_each_item(std::size_t count, int threads, Progress& progress, std::stri
     return queue.finish();
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/utf8.h"
+#include "base/utf8.h"
 
 #include <cstddef>
 
-namespace kestrel::platform {
+namespace kestrel::base {
 
 namespace {
 
@@ -44,4 +44,4 @@ bool valid_utf8(std::string_view text) {
     return true;
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/conversions.h"
+#include "base/conversions.h"
 
-#include "platform/errors.h"
+#include "base/errors.h"
 #include "tests/support/error_of.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +15,7 @@
 #include <locale>
 #include <random>
 
-namespace kestrel::platform {
+namespace kestrel::base {
 
 namespace {
 
@@ -311,4 +311,4 @@ TEST(Conversions, DoNotDependOnTheLocaleOfTheProcess) {
 
 }  // namespace
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

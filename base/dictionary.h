@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "platform/errors.h"
+#include "base/errors.h"
 
-namespace kestrel::platform {
+namespace kestrel::base {
 
 /// A keyed collection that keeps the order of insertion and compares keys exactly.
 ///
@@ -55,4 +55,4 @@ class Dictionary {
     std::unordered_map<std::string, std::size_t> m_positions;
 };
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace kestrel::platform {
+namespace kestrel::base {
 
 /// A date and time of day in local time.
 struct LocalTime {
@@ -35,4 +35,4 @@ class SystemClock final : public Clock {
     LocalTime now() const override;
 };
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/conversions.h"
+#include "base/conversions.h"
 
-#include "platform/errors.h"
+#include "base/errors.h"
 
 #include <fmt/format.h>
 
@@ -12,7 +12,7 @@
 #include <iterator>
 #include <limits>
 
-namespace kestrel::platform {
+namespace kestrel::base {
 
 namespace {
 
@@ -195,4 +195,4 @@ double double_of_single(float value) {
     return to_double(text_of(value));
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

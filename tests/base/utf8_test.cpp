@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/utf8.h"
+#include "base/utf8.h"
 
 #include <gtest/gtest.h>
 
-namespace kestrel::platform {
+namespace kestrel::base {
 namespace {
 
 TEST(ValidUtf8, TakesCharactersOfOneToFourBytesAndTheirExtremes) {
@@ -46,4 +46,4 @@ TEST(ValidUtf8, RefusesStrayCutOverlongAndForbiddenForms) {
 }
 
 }  // namespace
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

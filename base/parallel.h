@@ -6,9 +6,9 @@
 #include <functional>
 #include <string_view>
 
-#include "platform/contracts/progress.h"
+#include "base/progress.h"
 
-namespace kestrel::platform {
+namespace kestrel::base {
 
 /// How many threads to use when `wanted` are asked for; 0 asks for as many as there are cores.
 int thread_count(int wanted);
@@ -24,4 +24,4 @@ int thread_count(int wanted);
 bool for_each_item(std::size_t count, int threads, Progress& progress, std::string_view text,
                    const std::function<void(std::size_t item, int worker)>& work);
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

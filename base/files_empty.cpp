@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/files.h"
+#include "base/files.h"
 
-#include "platform/file_descriptor.h"
+#include "base/file_descriptor.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -12,7 +12,7 @@
 #include <cerrno>
 #include <memory>
 
-namespace kestrel::platform {
+namespace kestrel::base {
 
 namespace {
 
@@ -151,4 +151,4 @@ void remove_folder(const std::string& path, int line) {
     }
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/files.h"
+#include "base/files.h"
 
-#include "platform/errors.h"
+#include "base/errors.h"
 #include "tests/support/error_of.h"
 #include "tests/support/test_files.h"
 #include "tests/support/tiny_disk.h"
@@ -17,7 +17,7 @@
 #include <filesystem>
 #include <map>
 
-namespace kestrel::platform {
+namespace kestrel::base {
 
 namespace {
 
@@ -546,4 +546,4 @@ TEST(TemporaryFolderRule, LongerNamesDoNotCount) {
 
 }  // namespace
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

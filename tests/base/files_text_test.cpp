@@ -5,13 +5,13 @@
 #include <string>
 #include <vector>
 
-#include "platform/errors.h"
-#include "platform/files.h"
+#include "base/errors.h"
+#include "base/files.h"
 #include "tests/support/error_of.h"
 #include "tests/support/test_files.h"
 #include "tests/support/tiny_disk.h"
 
-namespace kestrel::platform {
+namespace kestrel::base {
 namespace {
 
 using test::error_of;
@@ -157,4 +157,4 @@ TEST(TextReader, AMissingFileIsFileNotFound) {
 }
 
 }  // namespace
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

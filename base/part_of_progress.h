@@ -4,9 +4,9 @@
 
 #include <string_view>
 
-#include "platform/contracts/progress.h"
+#include "base/progress.h"
 
-namespace kestrel::platform {
+namespace kestrel::base {
 
 /// The progress of a part of some work: its fractions are a part of the whole's.
 class PartOfProgress final : public Progress {
@@ -25,4 +25,4 @@ class PartOfProgress final : public Progress {
     double m_to;
 };
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

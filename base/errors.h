@@ -11,7 +11,7 @@
 ///
 /// An error carries what the call-stack report needs: number, source, description, and the line of the source that
 /// raised it. Errors of libraries are translated where `platform` calls the library, never in its callers.
-namespace kestrel::platform {
+namespace kestrel::base {
 
 /// Error numbers, the classic ones of this program family.
 enum ErrorNumber : std::int32_t {
@@ -57,4 +57,4 @@ class RuntimeError : public std::exception {
 /// code, a description that names the reason and the path.
 RuntimeError system_error(int error_code, const std::string& path, int line = __builtin_LINE());
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

@@ -9,7 +9,7 @@
 /// \file
 /// The only conversions between numbers and text: always with "." as decimal point, never with grouping, whatever
 /// the locale of the process.
-namespace kestrel::platform {
+namespace kestrel::base {
 
 std::string text_of(std::int32_t value);
 std::string text_of(std::int64_t value);
@@ -49,4 +49,4 @@ double round_half_even_3(double value);
 /// The double that the decimal text of a single names: 33.3 for the single nearest to 33.3, not 33.29999924.
 double double_of_single(float value);
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

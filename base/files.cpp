@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/files.h"
+#include "base/files.h"
 
-#include "platform/file_descriptor.h"
+#include "base/file_descriptor.h"
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -17,7 +17,7 @@
 #include <cerrno>
 #include <filesystem>
 
-namespace kestrel::platform {
+namespace kestrel::base {
 
 namespace fs = std::filesystem;
 
@@ -260,4 +260,4 @@ FolderLock::~FolderLock() {
     ::close(m_descriptor);  // releases the lock
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

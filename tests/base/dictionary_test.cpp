@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/dictionary.h"
+#include "base/dictionary.h"
 
 #include <gtest/gtest.h>
 
-namespace kestrel::platform {
+namespace kestrel::base {
 
 namespace {
 
@@ -85,4 +85,4 @@ TEST(Dictionary, FindsEveryOneOfManyKeys) {
 
 }  // namespace
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/files.h"
+#include "base/files.h"
 
-#include "platform/file_descriptor.h"
-#include "platform/utf8.h"
+#include "base/file_descriptor.h"
+#include "base/utf8.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -11,7 +11,7 @@
 #include <cerrno>
 #include <utility>
 
-namespace kestrel::platform {
+namespace kestrel::base {
 
 namespace {
 
@@ -130,4 +130,4 @@ std::optional<std::string> TextReader::read_line() {
     return std::string(next_line(m_text, m_position));
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

@@ -12,7 +12,7 @@
 /// Files, folders and text files. Paths are native. Failures are RuntimeError with the number that fits, the path in
 /// the description, and the caller's line: 53 for a missing file, 76 for a missing folder, 70 for lack of permission,
 /// 61 for a full device, 75 otherwise.
-namespace kestrel::platform {
+namespace kestrel::base {
 
 /// Whether there is a file, or a link to one; a folder is none.
 bool file_exists(const std::string& path);
@@ -116,4 +116,4 @@ class FolderLock {
     int m_descriptor = -1;
 };
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/errors.h"
+#include "base/errors.h"
 
 #include <cerrno>
 #include <cstring>
 
-namespace kestrel::platform {
+namespace kestrel::base {
 
 namespace {
 
@@ -38,4 +38,4 @@ RuntimeError system_error(int error_code, const std::string& path, int line) {
     return {number_of(error_code), std::string(std::strerror(error_code)) + ": " + path, "Kestrel", line};
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

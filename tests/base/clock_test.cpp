@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/clock.h"
+#include "base/clock.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
@@ -8,7 +8,7 @@
 #include <clocale>
 #include <ctime>
 
-namespace kestrel::platform {
+namespace kestrel::base {
 
 namespace {
 
@@ -107,4 +107,4 @@ TEST(SystemClock, GivesLocalTimeInTheTimeZoneOfTheEnvironment) {
 
 }  // namespace
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/errors.h"
+#include "base/errors.h"
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
 
-namespace kestrel::platform {
+namespace kestrel::base {
 
 namespace {
 
@@ -41,4 +41,4 @@ TEST(RuntimeError, CarriesTheLineOfTheThrow) {
 
 }  // namespace
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/clock.h"
+#include "base/clock.h"
 
 #include <fmt/format.h>
 
 #include <array>
 #include <ctime>
 
-namespace kestrel::platform {
+namespace kestrel::base {
 
 namespace {
 
@@ -48,4 +48,4 @@ LocalTime SystemClock::now() const {
     return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec};
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base

@@ -8,11 +8,11 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/errors.h"
+#include "base/errors.h"
 
 /// \file
 /// For this folder's own sources: what the file functions share.
-namespace kestrel::platform {
+namespace kestrel::base {
 
 /// A file descriptor that closes itself; negative for none.
 class Descriptor {
@@ -42,4 +42,4 @@ RuntimeError path_error(int error_code, const std::string& path, int line);
 /// Writes all bytes. \return 0, or the errno of the failure.
 int write_all(int descriptor, std::string_view bytes);
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::base
