@@ -9,8 +9,8 @@
 #include "base/errors.h"
 #include "base/files.h"
 #include "coefficients/indented_text.h"
-#include "host/error_report.h"
-#include "platform/contracts/interaction.h"
+#include "reporting/error_report.h"
+#include "reporting/interaction.h"
 
 namespace kestrel::basUtil {
 
@@ -29,7 +29,7 @@ std::optional<platform::XmlDocument> load_document(const std::string& path) {
     try {
         return platform::XmlDocument::load(path);
     } catch (const base::RuntimeError& error) {
-        platform::interaction().notice(error.description() + "." + where_the_copy_is(path));
+        reporting::interaction().notice(error.description() + "." + where_the_copy_is(path));
         return std::nullopt;
     }
 }

@@ -5,7 +5,7 @@
 #include <QSignalBlocker>
 
 #include "coefficients/basUtil.h"
-#include "host/error_report.h"
+#include "reporting/error_report.h"
 
 namespace kestrel::basUtil {
 

@@ -7,16 +7,16 @@
 #include <string>
 #include <vector>
 
-#include "platform/contracts/interaction.h"
+#include "reporting/interaction.h"
 
 /// \file
 /// What the coefficient editor and the dialog for new sets say to the user.
 namespace kestrel::editor_texts {
 
-using platform::Buttons;
-using platform::FileDialog;
-using platform::Icon;
-using platform::MessageBox;
+using reporting::Buttons;
+using reporting::FileDialog;
+using reporting::Icon;
+using reporting::MessageBox;
 
 // Changes that are not saved.
 

@@ -8,8 +8,8 @@
 
 #include "coefficients/combo_boxes.h"
 #include "coefficients/editor_texts.h"
-#include "host/error_report.h"
-#include "platform/contracts/interaction.h"
+#include "reporting/error_report.h"
+#include "reporting/interaction.h"
 
 namespace kestrel {
 
@@ -93,7 +93,7 @@ void frmAddLCType::cmdOK_Click() try {
         return;
     }
     if (basISModelPropsUtil::inComboBox(m_list, name)) {
-        platform::interaction().message_box(editor_texts::set_not_unique(txtLCType->text().toStdString()));
+        reporting::interaction().message_box(editor_texts::set_not_unique(txtLCType->text().toStdString()));
         txtLCType->setFocus();
         txtLCType->selectAll();
         return;

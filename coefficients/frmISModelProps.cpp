@@ -8,12 +8,12 @@
 #include "coefficients/editor_texts.h"
 #include "coefficients/frmAddLCType.h"
 #include "coefficients/store_texts.h"
-#include "host/error_report.h"
+#include "reporting/error_report.h"
 
 namespace kestrel {
 
-using platform::Answer;
-using platform::interaction;
+using reporting::Answer;
+using reporting::interaction;
 
 namespace {
 constexpr const char* kModule = "ISModelProps";
@@ -168,7 +168,7 @@ bool frmISModelProps::save() {
     return true;
 }
 
-bool frmISModelProps::may_proceed(const platform::MessageBox& question) {
+bool frmISModelProps::may_proceed(const reporting::MessageBox& question) {
     return !m_changed || (interaction().message_box(question) == Answer::yes && save());
 }
 

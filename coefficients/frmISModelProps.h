@@ -11,7 +11,7 @@
 #include "coefficients/clsISModelProperties.h"
 #include "coefficients/coefficient_grid.h"
 #include "coefficients/coefficient_store.h"
-#include "platform/contracts/interaction.h"
+#include "reporting/interaction.h"
 
 class QContextMenuEvent;
 class QKeyEvent;
@@ -69,7 +69,7 @@ class frmISModelProps final : public QDialog {
     /// Saves the set on screen to the store. Says itself what fails.
     bool save();
     /// Asks when there are changes, and saves them when told to. \return whether to go on.
-    bool may_proceed(const platform::MessageBox& question);
+    bool may_proceed(const reporting::MessageBox& question);
     void show_set(int position);
     void add_to_list(const std::string& name) { cboLCType->addItem(QString::fromStdString(name)); }
     void mark_changed();

@@ -6,7 +6,7 @@
 #include <QMouseEvent>
 
 #include "coefficients/frmISModelProps.h"
-#include "host/error_report.h"
+#include "reporting/error_report.h"
 
 /// \file
 /// What keys and mouse do on the coefficient editor's grid and on its overlay.

@@ -5,14 +5,14 @@
 
 #include "coefficients/editor_texts.h"
 #include "coefficients/frmISModelProps.h"
-#include "host/error_report.h"
+#include "reporting/error_report.h"
 
 /// \file
 /// The coefficient editor's grid: moving, the overlay, the row menu, the clipboard.
 namespace kestrel {
 
 using namespace basISModelPropsUtil;
-using platform::interaction;
+using reporting::interaction;
 
 namespace {
 constexpr const char* kModule = "ISModelProps";
@@ -224,7 +224,7 @@ void frmISModelProps::MnuFGridDelRow_Click() try {
     hide_overlay();
     const GridContents grid = grdLCDef->contents();
     if (has_data(grid.rows[static_cast<std::size_t>(cell.row - kFirstDataRow)]) &&
-        interaction().message_box(editor_texts::row_has_data(cell.row)) != platform::Answer::yes) {
+        interaction().message_box(editor_texts::row_has_data(cell.row)) != reporting::Answer::yes) {
         return;
     }
     grdLCDef->removeRow(cell.row - 1);

@@ -103,7 +103,7 @@ GridCell cell_below(GridCell from, int rows) {
     return from.row < rows ? GridCell{from.row + 1, from.column} : from;
 }
 
-std::optional<platform::MessageBox> entry_fault(int column, std::string_view text, std::string_view key) {
+std::optional<reporting::MessageBox> entry_fault(int column, std::string_view text, std::string_view key) {
     if (column == kNameColumn) {
         return std::nullopt;
     }
@@ -117,7 +117,7 @@ std::optional<platform::MessageBox> entry_fault(int column, std::string_view tex
     return value >= 0 && value <= 100 ? std::nullopt : std::optional(editor_texts::coefficient_out_of_range());
 }
 
-std::optional<platform::MessageBox> text_fault(int column, std::string_view text) {
+std::optional<reporting::MessageBox> text_fault(int column, std::string_view text) {
     if (column == kValueColumn) {
         return class_value(text) ? std::nullopt : std::optional(editor_texts::value_no_integer());
     }

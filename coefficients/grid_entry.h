@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "coefficients/grid_rows.h"
-#include "platform/contracts/interaction.h"
+#include "reporting/interaction.h"
 
 /// \file
 /// What decides while cells of the coefficient grid are filled in: which texts are taken, and where a move leads.
@@ -38,11 +38,11 @@ GridCell cell_below(GridCell from, int rows);
 /// What is wrong with a cell that is being typed in; nothing when it will do.
 /// \param text the cell as it would be after the key.
 /// \param key what was typed.
-std::optional<platform::MessageBox> entry_fault(int column, std::string_view text, std::string_view key);
+std::optional<reporting::MessageBox> entry_fault(int column, std::string_view text, std::string_view key);
 
 /// What is wrong with a whole text that was not typed key by key, such as a pasted one. Stricter than entry_fault() for
 /// class values: no sign and nothing beyond 32 bits gets past the keys one by one either, or fails when saved.
-std::optional<platform::MessageBox> text_fault(int column, std::string_view text);
+std::optional<reporting::MessageBox> text_fault(int column, std::string_view text);
 
 /// The text that a cell is left with: "0" for a value or coefficient that is blank.
 std::string text_on_leaving(int column, const std::string& text);

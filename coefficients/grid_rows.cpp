@@ -10,7 +10,7 @@
 #include "base/errors.h"
 #include "coefficients/basISModelPropsUtil.h"
 #include "coefficients/grid_entry.h"
-#include "host/error_report.h"
+#include "reporting/error_report.h"
 
 namespace kestrel::basISModelPropsUtil {
 

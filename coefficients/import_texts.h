@@ -5,7 +5,7 @@
 #include <string>
 
 #include "coefficients/coefficient_text.h"
-#include "platform/contracts/interaction.h"
+#include "reporting/interaction.h"
 
 /// \file
 /// What the import of a coefficient set asks and says.
@@ -13,13 +13,13 @@ namespace kestrel::import_texts {
 
 inline constexpr const char* kUnsuccessful = "Coefficient Import Unsuccessful";
 
-inline platform::InputBox set_name() {
+inline reporting::InputBox set_name() {
     return {"Enter new Coefficient Set name", "Import"};
 }
 
-inline platform::MessageBox name_taken() {
-    return {"Coefficient Set name must be unique. Please reenter.", "", platform::Icon::exclamation,
-            platform::Buttons::ok};
+inline reporting::MessageBox name_taken() {
+    return {"Coefficient Set name must be unique. Please reenter.", "", reporting::Icon::exclamation,
+            reporting::Buttons::ok};
 }
 
 inline std::string sentence(TextFault fault, const std::string& path) {
@@ -37,11 +37,11 @@ inline std::string sentence(TextFault fault, const std::string& path) {
     return "Invalid coefficient in import file " + path + ". Coefficients must be between 0-100 (inclusive). ";
 }
 
-inline platform::MessageBox refused(TextFault fault, const std::string& path) {
+inline reporting::MessageBox refused(TextFault fault, const std::string& path) {
     return {
         sentence(fault, path) +
             "Expecting an ascii comma-separated file containing rows with the following columns 'Value,ClassName,High,Medium,Low'. All fields must be numeric except 'ClassName'.",
-        kUnsuccessful, platform::Icon::critical, platform::Buttons::ok};
+        kUnsuccessful, reporting::Icon::critical, reporting::Buttons::ok};
 }
 
 }  // namespace kestrel::import_texts

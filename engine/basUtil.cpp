@@ -10,8 +10,8 @@
 #include "base/errors.h"
 #include "base/files.h"
 #include "engine/engine_texts.h"
-#include "host/error_report.h"
 #include "platform/geometry.h"
+#include "reporting/error_report.h"
 
 namespace kestrel::basUtil {
 
@@ -243,7 +243,7 @@ std::vector<IntersectedField> intersected_fields(std::span<const Field> input, s
 std::unique_ptr<FeatureClass> Intersect(const FeatureClass* input, const FeatureClass* overlay, const std::string& name,
                                         const std::string& working_folder) try {
     if (input == nullptr || overlay == nullptr) {
-        platform::interaction().message_box(engine_texts::table_missing());
+        reporting::interaction().message_box(engine_texts::table_missing());
         return nullptr;
     }
     PolygonFeatures pieces_of = input->read_polygons(names_of(input->fields()));

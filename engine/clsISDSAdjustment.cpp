@@ -6,8 +6,8 @@
 #include "engine/basUtil.h"
 #include "engine/clsISTableFunctions.h"
 #include "engine/engine_texts.h"
-#include "host/error_report.h"
-#include "platform/contracts/interaction.h"
+#include "reporting/error_report.h"
+#include "reporting/interaction.h"
 
 namespace kestrel {
 
@@ -37,11 +37,12 @@ std::optional<Table> clsISDSAdjustment::isDSAdjustment(Table pTable, const Scena
         std::rethrow_exception(DSTheme.failure);
     }
     if (!DSTheme.same_projection) {
-        const auto answer = platform::interaction().message_box(engine_texts::scenario_not_in_projection(DSTheme.name));
-        return answer == platform::Answer::ok ? std::optional(std::move(pTable)) : std::nullopt;
+        const auto answer =
+            reporting::interaction().message_box(engine_texts::scenario_not_in_projection(DSTheme.name));
+        return answer == reporting::Answer::ok ? std::optional(std::move(pTable)) : std::nullopt;
     }
     if (!DSTheme.position || !m_context.areas->counts()->any_inside(*DSTheme.position)) {
-        platform::interaction().message_box(engine_texts::scenario_outside(DSTheme.name));
+        reporting::interaction().message_box(engine_texts::scenario_outside(DSTheme.name));
         return pTable;
     }
     AreaTheme inside_scenario = m_context.analysis;
@@ -59,7 +60,7 @@ std::optional<Table> clsISDSAdjustment::isDSAdjustment(Table pTable, const Scena
     m_context.areas->counts()->apply(*DSTheme.position, base::to_integer(dcID));
     return pTable;
 } catch (...) {
-    platform::interaction().message_box(engine_texts::scenario_failed());
+    reporting::interaction().message_box(engine_texts::scenario_failed());
     return reported<std::optional<Table>>({"isDSAdjustment", kModule});
 }
 
@@ -105,7 +106,7 @@ bool clsISDSAdjustment::give_to_target(Table& table, const Table& inside, const 
         }
         const double coefficient = lookup.coefficient(dcID, inside.key(s));
         if (coefficient == CoefficientLookup::kNoCoefficient) {
-            platform::interaction().message_box(engine_texts::no_coefficients(dcID));
+            reporting::interaction().message_box(engine_texts::no_coefficients(dcID));
             return false;
         }
         const double area = table.number(*row, area_column) + areas.at(inside.key(s));

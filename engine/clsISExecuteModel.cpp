@@ -20,12 +20,12 @@
 #include "engine/engine_texts.h"
 #include "engine/model_run.h"
 #include "engine/run_records.h"
-#include "host/error_report.h"
 #include "platform/geometry.h"
 #include "platform/layer_file.h"
 #include "platform/output_files.h"
 #include "records/metadata.h"
 #include "records/run_report.h"
+#include "reporting/error_report.h"
 
 namespace kestrel {
 
@@ -130,7 +130,7 @@ void clsISExecuteModel::run_stages(const std::string& pFileName, const std::stri
     }
     isUpdateLegend(*m_run->output_layer, shpPath);
     if (m_run->incomplete > 0) {
-        platform::interaction().message_box(engine_texts::nodata_cells());
+        reporting::interaction().message_box(engine_texts::nodata_cells());
     }
     m_run->map().refresh();
     isWriteMetadata(shpPath, LayerName);
@@ -155,7 +155,7 @@ bool clsISExecuteModel::prepare(const std::string& pFileName) {
         base::PartOfProgress progress(run.app.progress(), kAnalysisLayerRead, kScenariosBegin);
         if (!density_stage->DensityCalculation(progress, run.threads)) {
             if (!run.cancelled()) {
-                platform::interaction().message_box(engine_texts::density_failed());
+                reporting::interaction().message_box(engine_texts::density_failed());
             }
             return false;
         }
@@ -307,7 +307,7 @@ bool clsISExecuteModel::publish(const std::string& shpPath, const std::string& s
     PublishedFiles files(stage.publish());
     run.output_layer = run.app.make_feature_layer(base::join_path(shpPath, shpName), LayerName);
     if (run.output_layer == nullptr) {
-        platform::interaction().message_box(engine_texts::feature_class_missing());
+        reporting::interaction().message_box(engine_texts::feature_class_missing());
         return false;
     }
     if (const auto earlier = basUtil::FindLayer(LayerName, run.map())) {

@@ -10,8 +10,8 @@
 #include "base/files.h"
 #include "engine/basUtil.h"
 #include "engine/engine_texts.h"
-#include "host/error_report.h"
-#include "platform/contracts/interaction.h"
+#include "reporting/error_report.h"
+#include "reporting/interaction.h"
 
 namespace kestrel {
 
@@ -54,7 +54,7 @@ std::optional<Table> clsISTableFunctions::createDBF(const std::string& strName, 
                                                     std::size_t pFieldCount, const Tabulation& tTable) try {
     const std::string folder = base::join_path(m_extension_folder, "temp");
     if (!base::folder_exists(folder)) {
-        platform::interaction().message_box(engine_texts::folder_missing(folder));
+        reporting::interaction().message_box(engine_texts::folder_missing(folder));
         return std::nullopt;
     }
     std::vector<Field> fields{basUtil::CreateFields("OID", "OID", FieldType::oid, 4, 0, 0),

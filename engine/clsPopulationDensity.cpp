@@ -8,9 +8,9 @@
 #include "base/errors.h"
 #include "engine/basUtil.h"
 #include "engine/engine_texts.h"
-#include "host/error_report.h"
-#include "platform/contracts/interaction.h"
 #include "platform/overlap.h"
+#include "reporting/error_report.h"
+#include "reporting/interaction.h"
 
 namespace kestrel {
 

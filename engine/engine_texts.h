@@ -7,15 +7,15 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/contracts/interaction.h"
+#include "reporting/interaction.h"
 
 /// \file
 /// What a run says to the user: message boxes, and notices that are never boxes.
 namespace kestrel::engine_texts {
 
-using platform::Buttons;
-using platform::Icon;
-using platform::MessageBox;
+using reporting::Buttons;
+using reporting::Icon;
+using reporting::MessageBox;
 
 inline MessageBox density_failed() {
     return {

@@ -12,7 +12,7 @@
 #include "base/part_of_progress.h"
 #include "engine/basUtil.h"
 #include "engine/engine_texts.h"
-#include "platform/contracts/interaction.h"
+#include "reporting/interaction.h"
 
 namespace kestrel {
 
@@ -117,7 +117,7 @@ bool read_analysis_layer(ModelRun& run) {
     run.analysis_fields = source.fields();
     const int position = source.find_field(run.analysis_field);
     if (position < 0) {
-        platform::interaction().message_box(engine_texts::analysis_field_missing());
+        reporting::interaction().message_box(engine_texts::analysis_field_missing());
         return false;
     }
     base::PartOfProgress progress(run.app.progress(), 0, kAnalysisLayerRead);

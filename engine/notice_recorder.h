@@ -6,22 +6,22 @@
 #include <utility>
 #include <vector>
 
-#include "platform/contracts/interaction.h"
+#include "reporting/interaction.h"
 
 namespace kestrel {
 
 /// Passes everything on to the interaction that was current before, and keeps the notices for the run's result.
-class NoticeRecorder final : public platform::Interaction {
+class NoticeRecorder final : public reporting::Interaction {
   public:
-    NoticeRecorder() : m_next(platform::interaction()), m_scope(*this) {}
+    NoticeRecorder() : m_next(reporting::interaction()), m_scope(*this) {}
 
-    platform::Answer message_box(const platform::MessageBox& box) override { return m_next.message_box(box); }
-    std::string input_box(const platform::InputBox& box) override { return m_next.input_box(box); }
-    std::optional<std::string> file_dialog(const platform::FileDialog& dialog) override {
+    reporting::Answer message_box(const reporting::MessageBox& box) override { return m_next.message_box(box); }
+    std::string input_box(const reporting::InputBox& box) override { return m_next.input_box(box); }
+    std::optional<std::string> file_dialog(const reporting::FileDialog& dialog) override {
         return m_next.file_dialog(dialog);
     }
     void show_call_stack(std::string_view text) override { m_next.show_call_stack(text); }
-    std::unique_ptr<platform::WaitingWindow> waiting_window(std::string_view text) override {
+    std::unique_ptr<reporting::WaitingWindow> waiting_window(std::string_view text) override {
         return m_next.waiting_window(text);
     }
     void show_help() override { m_next.show_help(); }
@@ -34,8 +34,8 @@ class NoticeRecorder final : public platform::Interaction {
     std::vector<std::string> take_notices() { return std::exchange(m_notices, {}); }
 
   private:
-    platform::Interaction& m_next;
-    platform::ScopedInteraction m_scope;
+    reporting::Interaction& m_next;
+    reporting::ScopedInteraction m_scope;
     std::vector<std::string> m_notices;
 };
 

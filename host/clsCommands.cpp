@@ -6,7 +6,7 @@
 
 #include "base/errors.h"
 #include "host/clsExtension.h"
-#include "host/error_report.h"
+#include "reporting/error_report.h"
 
 namespace kestrel {
 
@@ -80,8 +80,8 @@ void clsCommands::ICommand_OnClick() try {
         found(application.find_extension(platform::kRasterAnalysisExtension),
               "The application has no raster analysis extension (esriCore.SAExtension.1)");
     if (raster_analysis.IExtensionConfig_State() == platform::kExtensionDisabled) {
-        platform::interaction().message_box({"Spatial Analyst Extension required to run Impervious Surface Analysis.",
-                                             "", platform::Icon::exclamation});
+        reporting::interaction().message_box({"Spatial Analyst Extension required to run Impervious Surface Analysis.",
+                                              "", reporting::Icon::exclamation});
         return;
     }
     open_window();

@@ -14,10 +14,10 @@
 #include <QUrl>
 
 #include "base/files.h"
-#include "host/error_report.h"
 #include "parameters/named_control.h"
-#include "platform/contracts/interaction.h"
 #include "records/find_words.h"
+#include "reporting/error_report.h"
+#include "reporting/interaction.h"
 
 namespace kestrel {
 
@@ -27,7 +27,7 @@ constexpr const char* kModule = "isHelpBrowser2";
 constexpr int kLineCharacters = 100;
 constexpr int kLines = 36;
 
-platform::MessageBox no_file(const std::string& path) {
+reporting::MessageBox no_file(const std::string& path) {
     return {"The Kestrel help file (" + path + ") does not exist."};
 }
 
@@ -149,7 +149,7 @@ void frmHelpBrowser2::Form_Load() try {
     txtFind->clear();
     show_title();
     if (!exists) {
-        platform::interaction().message_box(no_file(path));
+        reporting::interaction().message_box(no_file(path));
     }
 } catch (...) {
     report_current({"Form_Load", kModule});
@@ -181,7 +181,7 @@ void frmHelpBrowser2::brwHelp_AnchorClicked(const QUrl& target) try {
     } else if (base::file_exists(path)) {
         brwHelp->setSource(target);
     } else {
-        platform::interaction().message_box(no_file(path));
+        reporting::interaction().message_box(no_file(path));
     }
 } catch (...) {
     report_current({"brwHelp_AnchorClicked", kModule});

@@ -8,8 +8,8 @@
 #include <QVBoxLayout>
 
 #include "host/about_texts.h"
-#include "host/error_report.h"
 #include "records/contact.h"
+#include "reporting/error_report.h"
 
 namespace kestrel {
 

@@ -8,7 +8,7 @@
 #include <memory>
 
 #include "host/input_filter.h"
-#include "platform/contracts/interaction.h"
+#include "reporting/interaction.h"
 
 class QLabel;
 class QProgressBar;
@@ -45,7 +45,7 @@ class frmISProcessing final : public QDialog {
 
 /// frmISProcessing as a run's progress; shown while it lives. It belongs to the window that is active when it is made,
 /// and goes with it: the run is stopped then.
-class ProcessingWindow final : public platform::WaitingWindow {
+class ProcessingWindow final : public reporting::WaitingWindow {
   public:
     explicit ProcessingWindow(const QString& text);
     ~ProcessingWindow() override;

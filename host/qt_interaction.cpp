@@ -24,46 +24,46 @@ QString title_of(const std::string& title) {
     return title.empty() ? QStringLiteral("Kestrel") : qt_text(title);
 }
 
-QMessageBox::Icon qt_icon(platform::Icon icon) {
+QMessageBox::Icon qt_icon(reporting::Icon icon) {
     switch (icon) {
-        case platform::Icon::critical:
+        case reporting::Icon::critical:
             return QMessageBox::Critical;
-        case platform::Icon::question:
+        case reporting::Icon::question:
             return QMessageBox::Question;
-        case platform::Icon::exclamation:
+        case reporting::Icon::exclamation:
             return QMessageBox::Warning;
-        case platform::Icon::information:
+        case reporting::Icon::information:
             return QMessageBox::Information;
-        case platform::Icon::none:
+        case reporting::Icon::none:
             break;
     }
     return QMessageBox::NoIcon;
 }
 
-QMessageBox::StandardButtons qt_buttons(platform::Buttons buttons) {
+QMessageBox::StandardButtons qt_buttons(reporting::Buttons buttons) {
     switch (buttons) {
-        case platform::Buttons::ok_cancel:
+        case reporting::Buttons::ok_cancel:
             return QMessageBox::Ok | QMessageBox::Cancel;
-        case platform::Buttons::yes_no:
+        case reporting::Buttons::yes_no:
             return QMessageBox::Yes | QMessageBox::No;
-        case platform::Buttons::yes_no_cancel:
+        case reporting::Buttons::yes_no_cancel:
             return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
-        case platform::Buttons::ok:
+        case reporting::Buttons::ok:
             break;
     }
     return QMessageBox::Ok;
 }
 
-platform::Answer answer_of(int button) {
+reporting::Answer answer_of(int button) {
     switch (button) {
         case QMessageBox::Yes:
-            return platform::Answer::yes;
+            return reporting::Answer::yes;
         case QMessageBox::No:
-            return platform::Answer::no;
+            return reporting::Answer::no;
         case QMessageBox::Ok:
-            return platform::Answer::ok;
+            return reporting::Answer::ok;
         default:
-            return platform::Answer::cancel;
+            return reporting::Answer::cancel;
     }
 }
 
@@ -77,7 +77,7 @@ QString qt_name_filter(std::string_view filter) {
     return patterns.isEmpty() ? description : QStringLiteral("%1 (%2)").arg(description, patterns);
 }
 
-platform::Answer QtInteraction::message_box(const platform::MessageBox& box) {
+reporting::Answer QtInteraction::message_box(const reporting::MessageBox& box) {
     // Texts break their lines with CR LF or CR, which a label does not know.
     const QString text = qt_text(box.text).replace("\r\n", "\n").replace('\r', '\n');
     QMessageBox window(qt_icon(box.icon), title_of(box.title), text, qt_buttons(box.buttons),
@@ -86,17 +86,17 @@ platform::Answer QtInteraction::message_box(const platform::MessageBox& box) {
     return answer_of(window.exec());
 }
 
-std::string QtInteraction::input_box(const platform::InputBox& box) {
+std::string QtInteraction::input_box(const reporting::InputBox& box) {
     bool accepted = false;
     const QString typed = QInputDialog::getText(QApplication::activeWindow(), title_of(box.title), qt_text(box.prompt),
                                                 QLineEdit::Normal, QString(), &accepted);
     return accepted ? typed.toStdString() : std::string();
 }
 
-std::optional<std::string> QtInteraction::file_dialog(const platform::FileDialog& dialog) {
+std::optional<std::string> QtInteraction::file_dialog(const reporting::FileDialog& dialog) {
     QFileDialog window(QApplication::activeWindow(), title_of(dialog.title));
     window.setNameFilter(qt_name_filter(dialog.filter));
-    if (dialog.kind == platform::FileDialog::Kind::save) {
+    if (dialog.kind == reporting::FileDialog::Kind::save) {
         window.setAcceptMode(QFileDialog::AcceptSave);
         window.setDefaultSuffix(qt_text(dialog.default_extension));
     } else {
@@ -112,7 +112,7 @@ void QtInteraction::show_call_stack(std::string_view text) {
     CallStackWindow(qt_text(text), QApplication::activeWindow()).exec();
 }
 
-std::unique_ptr<platform::WaitingWindow> QtInteraction::waiting_window(std::string_view text) {
+std::unique_ptr<reporting::WaitingWindow> QtInteraction::waiting_window(std::string_view text) {
     auto window = std::make_unique<ProcessingWindow>(qt_text(text));
     if (m_hooks.beside_waiting_window) {
         window->show_beside(m_hooks.beside_waiting_window());

@@ -8,13 +8,13 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/contracts/interaction.h"
+#include "reporting/interaction.h"
 
 namespace kestrel {
 
 /// How a desktop speaks with the user: message boxes, input boxes, file dialogs and windows of Qt. Needs a
 /// QApplication; everything is called on its thread. Boxes belong to the window that is active.
-class QtInteraction final : public platform::Interaction {
+class QtInteraction final : public reporting::Interaction {
   public:
     struct Hooks {
         /// Takes notices; without one they go to standard error.
@@ -28,11 +28,11 @@ class QtInteraction final : public platform::Interaction {
     QtInteraction() = default;
     explicit QtInteraction(Hooks hooks) : m_hooks(std::move(hooks)) {}
 
-    platform::Answer message_box(const platform::MessageBox& box) override;
-    std::string input_box(const platform::InputBox& box) override;
-    std::optional<std::string> file_dialog(const platform::FileDialog& dialog) override;
+    reporting::Answer message_box(const reporting::MessageBox& box) override;
+    std::string input_box(const reporting::InputBox& box) override;
+    std::optional<std::string> file_dialog(const reporting::FileDialog& dialog) override;
     void show_call_stack(std::string_view text) override;
-    std::unique_ptr<platform::WaitingWindow> waiting_window(std::string_view text) override;
+    std::unique_ptr<reporting::WaitingWindow> waiting_window(std::string_view text) override;
     void show_help() override;
     void notice(std::string_view text) override;
     void beep() override;
@@ -48,7 +48,7 @@ class QtInteraction final : public platform::Interaction {
     std::shared_ptr<std::vector<base::Progress*>> m_waiting = std::make_shared<std::vector<base::Progress*>>();
 };
 
-/// A filter of platform::FileDialog as Qt writes it: "Text(*.txt;*.csv)|*.txt;*.csv" gives "Text (*.txt *.csv)".
+/// A filter of reporting::FileDialog as Qt writes it: "Text(*.txt;*.csv)|*.txt;*.csv" gives "Text (*.txt *.csv)".
 QString qt_name_filter(std::string_view filter);
 
 }  // namespace kestrel

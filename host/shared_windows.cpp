@@ -43,17 +43,17 @@ struct SharedWindows::Forms {
 };
 
 /// The host's interaction, with the help window of this extension.
-class SharedWindows::HostInteraction final : public platform::Interaction {
+class SharedWindows::HostInteraction final : public reporting::Interaction {
   public:
-    HostInteraction(platform::Interaction& host, SharedWindows& windows) : m_host(host), m_windows(windows) {}
+    HostInteraction(reporting::Interaction& host, SharedWindows& windows) : m_host(host), m_windows(windows) {}
 
-    platform::Answer message_box(const platform::MessageBox& box) override { return m_host.message_box(box); }
-    std::string input_box(const platform::InputBox& box) override { return m_host.input_box(box); }
-    std::optional<std::string> file_dialog(const platform::FileDialog& dialog) override {
+    reporting::Answer message_box(const reporting::MessageBox& box) override { return m_host.message_box(box); }
+    std::string input_box(const reporting::InputBox& box) override { return m_host.input_box(box); }
+    std::optional<std::string> file_dialog(const reporting::FileDialog& dialog) override {
         return m_host.file_dialog(dialog);
     }
     void show_call_stack(std::string_view text) override { m_host.show_call_stack(text); }
-    std::unique_ptr<platform::WaitingWindow> waiting_window(std::string_view text) override {
+    std::unique_ptr<reporting::WaitingWindow> waiting_window(std::string_view text) override {
         return m_host.waiting_window(text);
     }
     void show_help() override { m_windows.show_help(); }
@@ -61,9 +61,9 @@ class SharedWindows::HostInteraction final : public platform::Interaction {
     void beep() override { m_host.beep(); }
 
   private:
-    platform::Interaction& m_host;
+    reporting::Interaction& m_host;
     SharedWindows& m_windows;
-    platform::ScopedInteraction m_scope{*this};
+    reporting::ScopedInteraction m_scope{*this};
 };
 
 SharedWindows::SharedWindows(std::string extension_folder)

@@ -10,8 +10,8 @@
 #include "base/conversions.h"
 #include "base/errors.h"
 #include "base/files.h"
-#include "host/error_report.h"
 #include "parameters/run_output.h"
+#include "reporting/error_report.h"
 
 namespace kestrel::basISModelUtil {
 

@@ -7,9 +7,9 @@
 
 #include "base/errors.h"
 #include "base/files.h"
-#include "host/error_report.h"
 #include "parameters/parameter_file_texts.h"
-#include "platform/contracts/interaction.h"
+#include "reporting/error_report.h"
+#include "reporting/interaction.h"
 
 namespace kestrel {
 
@@ -105,7 +105,7 @@ void clsReadParams::ReadParameters(const std::string& PathName, const std::strin
 
     const std::string path = m_path_name + "/temp/" + m_file_name;
     if (!base::file_exists(path)) {
-        platform::interaction().message_box(parameter_file_texts::missing_file(m_path_name, m_file_name));
+        reporting::interaction().message_box(parameter_file_texts::missing_file(m_path_name, m_file_name));
         return;
     }
     base::TextReader reader(path);

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/contracts/interaction.h"
+#include "reporting/interaction.h"
 
 /// \file
 /// What the parameter form and the density dialog refuse: ordered rules over what their controls hold.
@@ -26,7 +26,7 @@ enum class DensityControl { cboPDenTheme, cboPDenFld, txtHigh, txtLow };
 
 struct DensityRefusal {
     DensityControl control;
-    platform::MessageBox box;
+    reporting::MessageBox box;
 };
 
 /// The first rule that the dialog breaks. \throws RuntimeError 6 when a bound is beyond a double.
@@ -75,7 +75,7 @@ enum class FormControl {
 
 struct FormRefusal {
     FormControl control;
-    platform::MessageBox box;
+    reporting::MessageBox box;
 };
 
 /// The first rule that the form breaks. \throws RuntimeError as above.

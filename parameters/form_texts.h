@@ -4,17 +4,17 @@
 
 #include <string>
 
-#include "platform/contracts/interaction.h"
+#include "reporting/interaction.h"
 
 /// \file
 /// What the parameter form and the population density dialog say to the user.
 namespace kestrel::form_texts {
 
-using platform::Buttons;
-using platform::FileDialog;
-using platform::Icon;
-using platform::InputBox;
-using platform::MessageBox;
+using reporting::Buttons;
+using reporting::FileDialog;
+using reporting::Icon;
+using reporting::InputBox;
+using reporting::MessageBox;
 
 // Opening.
 

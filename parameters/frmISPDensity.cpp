@@ -7,15 +7,15 @@
 #include <QVBoxLayout>
 
 #include "base/errors.h"
-#include "host/error_report.h"
 #include "parameters/name_list.h"
 #include "parameters/named_control.h"
 #include "parameters/parameter_controls.h"
-#include "platform/contracts/interaction.h"
+#include "reporting/error_report.h"
+#include "reporting/interaction.h"
 
 namespace kestrel {
 
-using platform::interaction;
+using reporting::interaction;
 
 namespace {
 

@@ -10,16 +10,16 @@
 #include "base/files.h"
 #include "coefficients/basUtil.h"
 #include "coefficients/combo_boxes.h"
-#include "host/error_report.h"
 #include "parameters/basISModelUtil.h"
 #include "parameters/form_texts.h"
 #include "parameters/parameter_controls.h"
+#include "reporting/error_report.h"
 
 namespace kestrel {
 
 using basISModelUtil::CheckLayers;
 using basISModelUtil::LayerKind;
-using platform::interaction;
+using reporting::interaction;
 
 namespace {
 constexpr const char* kModule = "ISParams";

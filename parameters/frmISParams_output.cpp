@@ -5,16 +5,16 @@
 #include <QScopedValueRollback>
 
 #include "base/files.h"
-#include "host/error_report.h"
 #include "parameters/basISModelUtil.h"
 #include "parameters/form_texts.h"
 #include "parameters/frmISParams.h"
+#include "reporting/error_report.h"
 
 /// \file
 /// The parameter form's output: what leaving the box of its name does.
 namespace kestrel {
 
-using platform::interaction;
+using reporting::interaction;
 
 namespace {
 

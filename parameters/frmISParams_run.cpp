@@ -8,17 +8,17 @@
 #include "base/files.h"
 #include "engine/basUtil.h"
 #include "engine/clsISExecuteModel.h"
-#include "host/error_report.h"
 #include "parameters/basISModelUtil.h"
 #include "parameters/form_texts.h"
 #include "parameters/frmISParams.h"
 #include "platform/output_files.h"
+#include "reporting/error_report.h"
 
 /// \file
 /// The parameter form's run: what is checked first, what is written, and what stands when the run has ended.
 namespace kestrel {
 
-using platform::interaction;
+using reporting::interaction;
 
 namespace {
 
@@ -38,7 +38,7 @@ class RunWatch final : public platform::Application {
                                                                const std::string& name) override {
         return m_app.make_feature_layer(path, name);
     }
-    platform::Interaction& interaction() override { return m_app.interaction(); }
+    reporting::Interaction& interaction() override { return m_app.interaction(); }
     base::Progress& progress() override { return m_app.progress(); }
     void run_ended(platform::RunResult result) override {
         m_finished = result.finished;

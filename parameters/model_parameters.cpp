@@ -9,9 +9,9 @@
 #include "coefficients/clsISModelProperties.h"
 #include "coefficients/clsLCClass.h"
 #include "coefficients/clsLCClasses.h"
-#include "host/error_report.h"
 #include "parameters/parameter_file_texts.h"
-#include "platform/contracts/interaction.h"
+#include "reporting/error_report.h"
+#include "reporting/interaction.h"
 
 namespace kestrel {
 
@@ -72,7 +72,7 @@ bool write_model_parameters(const std::string& folder, const std::string& file_n
                             const clsISModelProperties& store, const std::string& set_name,
                             const std::string& view_name) try {
     if (!base::folder_exists(folder)) {
-        platform::interaction().message_box(parameter_file_texts::missing_folder(folder));
+        reporting::interaction().message_box(parameter_file_texts::missing_folder(folder));
         return false;
     }
     TextWriter file(folder + "/" + file_name);

@@ -7,7 +7,7 @@
 #include "coefficients/basISModelPropsUtil.h"
 #include "coefficients/clsISLCDef.h"
 #include "coefficients/clsLCClass.h"
-#include "host/error_report.h"
+#include "reporting/error_report.h"
 
 namespace kestrel::basISModelUtil {
 

@@ -7,9 +7,9 @@
 #include <QShortcut>
 #include <QTextCursor>
 
-#include "host/error_report.h"
 #include "records/find_words.h"
 #include "records/viewer_texts.h"
+#include "reporting/error_report.h"
 
 namespace kestrel {
 

@@ -14,9 +14,9 @@
 
 #include "base/errors.h"
 #include "base/files.h"
-#include "host/error_report.h"
 #include "records/record_files.h"
 #include "records/viewer_texts.h"
+#include "reporting/error_report.h"
 
 namespace kestrel {
 
@@ -147,7 +147,7 @@ void frmISTParams::activate_now() {
 void frmISTParams::Form_Activate() try {
     const std::vector<FoundLayer> before = std::exchange(m_layers, scan_ParamLayers());
     if (m_layers.empty()) {
-        platform::interaction().message_box(viewer_texts::no_files(m_file_type));
+        reporting::interaction().message_box(viewer_texts::no_files(m_file_type));
         if (isVisible()) {
             close();
         }

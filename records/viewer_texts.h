@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "platform/contracts/interaction.h"
+#include "reporting/interaction.h"
 
 /// \file
 /// What the viewer of run reports and metadata says.
@@ -14,7 +14,7 @@ inline bool is_report(const std::string& file_type) {
     return file_type == "prm";
 }
 
-inline platform::MessageBox no_files(const std::string& file_type) {
+inline reporting::MessageBox no_files(const std::string& file_type) {
     if (is_report(file_type)) {
         return {"There are no layers with an associated \"Parameters\" file.", "No Parameter Files"};
     }

@@ -16,20 +16,20 @@ namespace {
 
 /// Tells what the routines say on standard error. Their input box, which asks for a name until it is a new one, gets
 /// the name of the command line once and is then cancelled.
-class CommandInteraction final : public platform::Interaction {
+class CommandInteraction final : public reporting::Interaction {
   public:
     explicit CommandInteraction(std::string name) : m_name(std::move(name)) {}
 
     /// Boxes about coefficients ask nothing, whatever their buttons: they are only closed.
-    platform::Answer message_box(const platform::MessageBox& box) override {
-        return m_console.message_box({box.text, box.title, box.icon, platform::Buttons::ok});
+    reporting::Answer message_box(const reporting::MessageBox& box) override {
+        return m_console.message_box({box.text, box.title, box.icon, reporting::Buttons::ok});
     }
-    std::string input_box(const platform::InputBox&) override { return std::exchange(m_name, {}); }
-    std::optional<std::string> file_dialog(const platform::FileDialog& dialog) override {
+    std::string input_box(const reporting::InputBox&) override { return std::exchange(m_name, {}); }
+    std::optional<std::string> file_dialog(const reporting::FileDialog& dialog) override {
         return m_console.file_dialog(dialog);
     }
     void show_call_stack(std::string_view text) override { m_console.show_call_stack(text); }
-    std::unique_ptr<platform::WaitingWindow> waiting_window(std::string_view text) override {
+    std::unique_ptr<reporting::WaitingWindow> waiting_window(std::string_view text) override {
         return m_console.waiting_window(text);
     }
     void show_help() override { m_console.show_help(); }
@@ -52,7 +52,7 @@ CLI::App* add_coefficients_subcommand(CLI::App& parent, const CoefficientsSubcom
     added->callback([options, act = subcommand.act, &action] {
         action = [options, act] {
             CommandInteraction interaction(options->name);
-            const platform::ScopedInteraction scope(interaction);
+            const reporting::ScopedInteraction scope(interaction);
             return act(*options);
         };
     });

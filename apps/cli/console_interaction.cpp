@@ -4,19 +4,19 @@
 
 namespace kestrel::cli {
 
-using platform::Answer;
-using platform::Buttons;
-using platform::Icon;
+using reporting::Answer;
+using reporting::Buttons;
+using reporting::Icon;
 
 namespace {
 
 /// Not every box with a Cancel button asks something: a critical one with OK and Cancel is only closed.
-bool asks(const platform::MessageBox& box) {
+bool asks(const reporting::MessageBox& box) {
     return box.buttons == Buttons::yes_no || box.buttons == Buttons::yes_no_cancel ||
            (box.buttons == Buttons::ok_cancel && box.icon != Icon::critical);
 }
 
-Answer answer_to(const platform::MessageBox& box, bool yes) {
+Answer answer_to(const reporting::MessageBox& box, bool yes) {
     switch (box.buttons) {
         case Buttons::yes_no:
         case Buttons::yes_no_cancel:
@@ -43,7 +43,7 @@ std::string_view text_of(Answer answer) {
     return "Cancel";
 }
 
-class ConsoleWaitingWindow final : public platform::WaitingWindow {
+class ConsoleWaitingWindow final : public reporting::WaitingWindow {
   public:
     explicit ConsoleWaitingWindow(ConsoleProgress& progress) : m_progress(progress) {}
     ~ConsoleWaitingWindow() override { m_progress.clear_line(); }
@@ -73,7 +73,7 @@ void ConsoleInteraction::write(std::string_view text) {
     m_stream << with_line_feeds(text) << std::endl;
 }
 
-Answer ConsoleInteraction::message_box(const platform::MessageBox& box) {
+Answer ConsoleInteraction::message_box(const reporting::MessageBox& box) {
     m_messages.push_back(with_line_feeds((box.title.empty() ? "Kestrel" : box.title) + ": " + box.text));
     write(m_messages.back());
     const Answer answer = answer_to(box, m_options.yes);
@@ -88,7 +88,7 @@ void ConsoleInteraction::show_call_stack(std::string_view text) {
     write(text);
 }
 
-std::unique_ptr<platform::WaitingWindow> ConsoleInteraction::waiting_window(std::string_view) {
+std::unique_ptr<reporting::WaitingWindow> ConsoleInteraction::waiting_window(std::string_view) {
     return std::make_unique<ConsoleWaitingWindow>(m_progress);
 }
 

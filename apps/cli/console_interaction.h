@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "apps/cli/console_progress.h"
-#include "platform/contracts/interaction.h"
+#include "reporting/interaction.h"
 
 namespace kestrel::cli {
 
@@ -20,18 +20,18 @@ struct ConsoleOptions {
 };
 
 /// Speaks with the user through a stream of text, without ever waiting for an answer.
-class ConsoleInteraction final : public platform::Interaction {
+class ConsoleInteraction final : public reporting::Interaction {
   public:
     /// \param progress its line is taken away before something is written.
     ConsoleInteraction(std::ostream& stream, ConsoleProgress& progress, ConsoleOptions options)
         : m_stream(stream), m_progress(progress), m_options(options) {}
 
     /// Writes "title: text". A question also says how it was answered, since nobody can answer it.
-    platform::Answer message_box(const platform::MessageBox& box) override;
-    std::string input_box(const platform::InputBox&) override { return {}; }
-    std::optional<std::string> file_dialog(const platform::FileDialog&) override { return std::nullopt; }
+    reporting::Answer message_box(const reporting::MessageBox& box) override;
+    std::string input_box(const reporting::InputBox&) override { return {}; }
+    std::optional<std::string> file_dialog(const reporting::FileDialog&) override { return std::nullopt; }
     void show_call_stack(std::string_view text) override;
-    std::unique_ptr<platform::WaitingWindow> waiting_window(std::string_view text) override;
+    std::unique_ptr<reporting::WaitingWindow> waiting_window(std::string_view text) override;
     void show_help() override;
     /// Writes a notice once, however often it is given.
     void notice(std::string_view text) override;

@@ -147,7 +147,7 @@ void add_demo_command(CLI::App& app, Action& action) {
         action = [options] {
             ConsoleProgress progress(std::cerr, false);
             ConsoleInteraction console(std::cerr, progress, {});
-            const platform::ScopedInteraction scope(console);
+            const reporting::ScopedInteraction scope(console);
             DemoSize size = demo_size_from(options->size).value_or(DemoSize{});
             size.seed = options->seed;
             return make_demo(options->folder, size, std::cout);

@@ -44,7 +44,7 @@ void check_output(const RunOutput& output, const RunRequest& request, const RunI
 }
 
 /// A run that ended early may have kept nothing.
-void tell_kept(const std::string& folder, platform::Interaction& console) {
+void tell_kept(const std::string& folder, reporting::Interaction& console) {
     std::error_code not_empty;
     if (!folder.empty() && !std::filesystem::remove(folder, not_empty)) {
         console.notice("The working data of the run are kept in '" + folder + "'.");
@@ -110,7 +110,7 @@ int tell_result(const RunRequest& request, const Ending& ending, std::ostream& o
 int run(const RunRequest& request, std::ostream& out, std::ostream& err, bool on_terminal) {
     ConsoleProgress progress(err, on_terminal && !request.quiet);
     ConsoleInteraction console(err, progress, {request.yes, request.quiet});
-    const platform::ScopedInteraction scope(console);
+    const reporting::ScopedInteraction scope(console);
     try {
         const Ending ending = execute(request, progress);
         progress.clear_line();

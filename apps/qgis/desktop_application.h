@@ -19,7 +19,7 @@ class DesktopApplication final : public platform::Application {
   public:
     /// What the windows of QGIS do for it.
     struct Desktop {
-        platform::Interaction& interaction;
+        reporting::Interaction& interaction;
         /// The progress of the run in hand.
         std::function<base::Progress&()> progress;
         /// Draws the canvas anew.
@@ -38,7 +38,7 @@ class DesktopApplication final : public platform::Application {
     platform::IExtensionConfig* find_extension(std::string_view class_id) override;
     std::shared_ptr<platform::FeatureLayer> make_feature_layer(const std::string& path,
                                                                const std::string& name) override;
-    platform::Interaction& interaction() override { return m_desktop.interaction; }
+    reporting::Interaction& interaction() override { return m_desktop.interaction; }
     base::Progress& progress() override { return m_desktop.progress(); }
     void run_ended(platform::RunResult result) override;
 

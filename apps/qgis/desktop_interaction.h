@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "host/qt_interaction.h"
-#include "platform/contracts/interaction.h"
 #include "platform/run_result.h"
+#include "reporting/interaction.h"
 
 class QgisInterface;
 
@@ -15,18 +15,18 @@ namespace kestrel::qgis {
 
 /// How QGIS speaks with its user: boxes are those of Qt, warnings and the ends of runs stand in the message bar, and
 /// their details in the log.
-class DesktopInteraction final : public platform::Interaction {
+class DesktopInteraction final : public reporting::Interaction {
   public:
     explicit DesktopInteraction(QgisInterface& iface);
 
-    platform::Answer message_box(const platform::MessageBox& box) override { return m_boxes.message_box(box); }
-    std::string input_box(const platform::InputBox& box) override { return m_boxes.input_box(box); }
-    std::optional<std::string> file_dialog(const platform::FileDialog& dialog) override {
+    reporting::Answer message_box(const reporting::MessageBox& box) override { return m_boxes.message_box(box); }
+    std::string input_box(const reporting::InputBox& box) override { return m_boxes.input_box(box); }
+    std::optional<std::string> file_dialog(const reporting::FileDialog& dialog) override {
         return m_boxes.file_dialog(dialog);
     }
     void show_call_stack(std::string_view text) override;
     /// While the window is up, the status bar shows the progress, too, and the map is not drawn: its files may change.
-    std::unique_ptr<platform::WaitingWindow> waiting_window(std::string_view text) override {
+    std::unique_ptr<reporting::WaitingWindow> waiting_window(std::string_view text) override {
         return m_boxes.waiting_window(text);
     }
     void show_help() override { m_boxes.show_help(); }

@@ -6,8 +6,8 @@
 
 namespace kestrel::qgis {
 
-using platform::Answer;
-using platform::Buttons;
+using reporting::Answer;
+using reporting::Buttons;
 
 namespace {
 
@@ -18,7 +18,7 @@ QString qt_text(std::string_view text) {
 }
 
 /// Nobody sees it: the algorithm's own progress is there all the time.
-class NoWindow final : public platform::WaitingWindow {
+class NoWindow final : public reporting::WaitingWindow {
   public:
     bool report(double, std::string_view) override { return true; }
     bool cancelled() const override { return false; }
@@ -39,7 +39,7 @@ bool FeedbackProgress::cancelled() const {
     return m_feedback.isCanceled();
 }
 
-Answer FeedbackInteraction::message_box(const platform::MessageBox& box) {
+Answer FeedbackInteraction::message_box(const reporting::MessageBox& box) {
     m_last_message = box.text;
     if (m_feedback != nullptr) {
         m_feedback->pushWarning(qt_text(box.title.empty() ? box.text : box.title + ": " + box.text));
@@ -63,7 +63,7 @@ void FeedbackInteraction::show_call_stack(std::string_view text) {
     }
 }
 
-std::unique_ptr<platform::WaitingWindow> FeedbackInteraction::waiting_window(std::string_view) {
+std::unique_ptr<reporting::WaitingWindow> FeedbackInteraction::waiting_window(std::string_view) {
     return std::make_unique<NoWindow>();
 }
 

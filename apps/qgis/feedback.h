@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "platform/contracts/interaction.h"
+#include "reporting/interaction.h"
 
 class QgsProcessingFeedback;
 
@@ -23,16 +23,16 @@ class FeedbackProgress final : public base::Progress {
 };
 
 /// Speaks to whoever watches a Processing algorithm, and is never answered: no window opens.
-class FeedbackInteraction final : public platform::Interaction {
+class FeedbackInteraction final : public reporting::Interaction {
   public:
     /// \param feedback nothing: nobody watches.
     explicit FeedbackInteraction(QgsProcessingFeedback* feedback) : m_feedback(feedback) {}
 
-    platform::Answer message_box(const platform::MessageBox& box) override;
-    std::string input_box(const platform::InputBox&) override { return {}; }
-    std::optional<std::string> file_dialog(const platform::FileDialog&) override { return std::nullopt; }
+    reporting::Answer message_box(const reporting::MessageBox& box) override;
+    std::string input_box(const reporting::InputBox&) override { return {}; }
+    std::optional<std::string> file_dialog(const reporting::FileDialog&) override { return std::nullopt; }
     void show_call_stack(std::string_view text) override;
-    std::unique_ptr<platform::WaitingWindow> waiting_window(std::string_view text) override;
+    std::unique_ptr<reporting::WaitingWindow> waiting_window(std::string_view text) override;
     void show_help() override {}
     void notice(std::string_view text) override;
     void beep() override {}
@@ -43,7 +43,7 @@ class FeedbackInteraction final : public platform::Interaction {
   private:
     QgsProcessingFeedback* m_feedback;
     std::string m_last_message;
-    platform::ScopedInteraction m_scope{*this};
+    reporting::ScopedInteraction m_scope{*this};
 };
 
 }  // namespace kestrel::qgis

@@ -90,7 +90,7 @@ struct KestrelPlugin::Running {
     Running& operator=(const Running&) = delete;
 
     DesktopInteraction interaction;
-    platform::ScopedInteraction scope{interaction};
+    reporting::ScopedInteraction scope{interaction};
     RasterAnalysis raster_analysis;
     DesktopApplication application;
     ExtensionList extensions;

@@ -8,9 +8,9 @@
 
 #include "base/progress.h"
 #include "platform/contracts/extension.h"
-#include "platform/contracts/interaction.h"
 #include "platform/contracts/map.h"
 #include "platform/run_result.h"
+#include "reporting/interaction.h"
 
 namespace kestrel::platform {
 
@@ -36,7 +36,7 @@ class Application {
     virtual std::shared_ptr<FeatureLayer> make_feature_layer(const std::string& path, const std::string& name) = 0;
 
     /// How the host speaks with its user. An extension makes it its own thread's interaction when it starts up.
-    virtual Interaction& interaction() = 0;
+    virtual reporting::Interaction& interaction() = 0;
 
     /// The progress of the run in hand. Where a waiting window of interaction() is up, it is that one.
     virtual base::Progress& progress() = 0;

@@ -31,7 +31,7 @@ class HeadlessApplication final : public Application {
     IExtensionConfig* find_extension(std::string_view class_id) override;
     std::shared_ptr<FeatureLayer> make_feature_layer(const std::string& path, const std::string& name) override;
     /// The calling thread's own, which whoever runs the engine has set.
-    Interaction& interaction() override { return platform::interaction(); }
+    reporting::Interaction& interaction() override { return reporting::interaction(); }
     base::Progress& progress() override { return m_progress; }
     void run_ended(RunResult result) override { m_result = std::move(result); }
 

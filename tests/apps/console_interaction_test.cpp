@@ -9,10 +9,10 @@
 namespace kestrel::cli {
 namespace {
 
-using platform::Answer;
-using platform::Buttons;
-using platform::Icon;
-using platform::MessageBox;
+using reporting::Answer;
+using reporting::Buttons;
+using reporting::Icon;
+using reporting::MessageBox;
 
 struct Console {
     explicit Console(ConsoleOptions options = {}) : interaction(stream, progress, options) {}

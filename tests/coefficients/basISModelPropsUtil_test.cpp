@@ -20,9 +20,9 @@ namespace {
 
 using basISModelPropsUtil::find_set;
 using basISModelPropsUtil::MergeCoeffsFromFile;
-using platform::Buttons;
-using platform::Icon;
-using platform::MessageBox;
+using reporting::Buttons;
+using reporting::Icon;
+using reporting::MessageBox;
 using test::add_set;
 using test::land_class;
 using test::outline;
@@ -195,7 +195,7 @@ TEST_F(MergeTest, FileWithAValueThatIsNoNumberIsReportedByTheLoadAndThenRefused)
 }
 
 TEST_F(MergeTest, AnswerToTheMessageChangesNothing) {
-    for (const platform::Answer answer : {platform::Answer::ok, platform::Answer::cancel}) {
+    for (const reporting::Answer answer : {reporting::Answer::ok, reporting::Answer::cancel}) {
         m_user.answers.push_back(answer);
         EXPECT_FALSE(merge(m_folder / "none.xml"));
     }

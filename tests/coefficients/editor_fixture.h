@@ -70,10 +70,10 @@ class EditorTest : public testing::Test {
         key(Qt::Key_F2);
     }
 
-    platform::MessageBox save_failure() const {
+    reporting::MessageBox save_failure() const {
         return {
             "Failed To Save XML - verify the permissions to write to file '" + m_folder.path() + "\\etc\\isprops.xml'.",
-            "", platform::Icon::critical, platform::Buttons::ok_cancel};
+            "", reporting::Icon::critical, reporting::Buttons::ok_cancel};
     }
     /// Makes every save fail while it lives.
     std::unique_ptr<base::FolderLock> no_saving() const { return std::make_unique<base::FolderLock>(m_folder.path()); }
@@ -83,8 +83,8 @@ class EditorTest : public testing::Test {
     std::unique_ptr<frmISModelProps> m_form;
 };
 
-inline const platform::MessageBox kQuitPrompt = {
+inline const reporting::MessageBox kQuitPrompt = {
     "Changes to the coefficient set have not been saved. \r\n Click 'Yes' to save changes, 'No' to quit, or 'Cancel' to return.",
-    "", platform::Icon::none, platform::Buttons::yes_no_cancel};
+    "", reporting::Icon::none, reporting::Buttons::yes_no_cancel};
 
 }  // namespace kestrel::test

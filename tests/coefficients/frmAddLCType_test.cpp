@@ -10,9 +10,9 @@
 namespace kestrel::test {
 namespace {
 
-using platform::Buttons;
-using platform::Icon;
-using platform::MessageBox;
+using reporting::Buttons;
+using reporting::Icon;
+using reporting::MessageBox;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;

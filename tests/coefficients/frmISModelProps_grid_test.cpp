@@ -198,7 +198,7 @@ TEST_F(GridTest, EnterOnTheGridPressesNoButton) {
 
 TEST_F(GridTest, EnterAndEscapeOnAGridWithoutRowsDoNothing) {
     while (grid().rows() > 0) {
-        m_user.answers = {platform::Answer::yes};
+        m_user.answers = {reporting::Answer::yes};
         action("MnuFGridDelRow").trigger();
     }
     m_user.boxes.clear();

@@ -10,8 +10,8 @@
 namespace kestrel::test {
 namespace {
 
-using platform::Answer;
-using platform::Icon;
+using reporting::Answer;
+using reporting::Icon;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;

@@ -15,11 +15,11 @@
 namespace kestrel::test {
 namespace {
 
-using platform::Answer;
-using platform::Buttons;
-using platform::FileDialog;
-using platform::Icon;
-using platform::MessageBox;
+using reporting::Answer;
+using reporting::Buttons;
+using reporting::FileDialog;
+using reporting::Icon;
+using reporting::MessageBox;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;

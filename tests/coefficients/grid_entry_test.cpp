@@ -17,9 +17,9 @@ void PrintTo(const GridCell& cell, std::ostream* stream) {
 
 namespace {
 
-using platform::Buttons;
-using platform::Icon;
-using platform::MessageBox;
+using reporting::Buttons;
+using reporting::Icon;
+using reporting::MessageBox;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

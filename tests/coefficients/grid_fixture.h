@@ -8,12 +8,12 @@ namespace kestrel::test {
 
 using GridCell = basISModelPropsUtil::GridCell;
 
-inline const platform::MessageBox kNoInteger = {"Invalid value entered - Class Value must be an integer.", "",
-                                                platform::Icon::exclamation, platform::Buttons::ok};
-inline const platform::MessageBox kNotNumeric = {"Invalid value entered - Coefficients must be numeric.", "",
-                                                 platform::Icon::exclamation, platform::Buttons::ok};
-inline const platform::MessageBox kOutOfRange = {"Invalid value entered - Coefficients must be between 0-100.", "",
-                                                 platform::Icon::exclamation, platform::Buttons::ok};
+inline const reporting::MessageBox kNoInteger = {"Invalid value entered - Class Value must be an integer.", "",
+                                                 reporting::Icon::exclamation, reporting::Buttons::ok};
+inline const reporting::MessageBox kNotNumeric = {"Invalid value entered - Coefficients must be numeric.", "",
+                                                  reporting::Icon::exclamation, reporting::Buttons::ok};
+inline const reporting::MessageBox kOutOfRange = {"Invalid value entered - Coefficients must be between 0-100.", "",
+                                                  reporting::Icon::exclamation, reporting::Buttons::ok};
 
 /// On the set "Town": rows "1,Roof,90,80,70", "2,Park,10,5,1" and "3,Pond,0,0,0".
 class GridTest : public EditorTest {

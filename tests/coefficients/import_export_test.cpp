@@ -21,9 +21,9 @@ namespace {
 
 using basISModelPropsUtil::ExportCoeffsToFile;
 using basISModelPropsUtil::ImportCoeffsFromFile;
-using platform::Buttons;
-using platform::Icon;
-using platform::MessageBox;
+using reporting::Buttons;
+using reporting::Icon;
+using reporting::MessageBox;
 using test::add_set;
 using test::land_class;
 using test::outline;
@@ -347,7 +347,7 @@ TEST_F(ImportTest, SetStaysInMemoryAndInTheListWhenTheStoreCannotBeWritten) {
 
 TEST_F(ImportTest, AnswerToTheSaveFailureChangesNothing) {
     base::remove_folder(m_folder / "etc");
-    for (const platform::Answer answer : {platform::Answer::ok, platform::Answer::cancel}) {
+    for (const reporting::Answer answer : {reporting::Answer::ok, reporting::Answer::cancel}) {
         m_user.answers.push_back(answer);
         EXPECT_FALSE(import("New " + std::to_string(m_props.ISLCDefs.Count())));
     }

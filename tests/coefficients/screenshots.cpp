@@ -96,7 +96,7 @@ int main(int argc, char** argv) {
     kestrel::test::use_picture_style();
     g_folder = argv[2];
     kestrel::QtInteraction user;
-    const kestrel::platform::ScopedInteraction scope(user);
+    const kestrel::reporting::ScopedInteraction scope(user);
     const std::string folder =
         kestrel::base::make_unique_folder(kestrel::base::temporary_folder(), "kestrel-screenshots-");
     kestrel::base::create_folder(folder + "/etc");

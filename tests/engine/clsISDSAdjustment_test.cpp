@@ -12,12 +12,12 @@
 namespace kestrel {
 namespace {
 
-using platform::Answer;
-using platform::Buttons;
-using platform::Icon;
-using platform::MessageBox;
 using platform::Table;
 using platform::Value;
+using reporting::Answer;
+using reporting::Buttons;
+using reporting::Icon;
+using reporting::MessageBox;
 using test::Box;
 using test::Shape;
 using ::testing::ElementsAre;

@@ -18,8 +18,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using platform::Icon;
-using platform::MessageBox;
+using reporting::Icon;
+using reporting::MessageBox;
 using test::Box;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -226,7 +226,7 @@ class BlindApplication final : public platform::Application {
         }
         return nullptr;
     }
-    platform::Interaction& interaction() override { return m_host.interaction(); }
+    reporting::Interaction& interaction() override { return m_host.interaction(); }
     base::Progress& progress() override { return m_host.progress(); }
     void run_ended(platform::RunResult result) override { m_host.run_ended(std::move(result)); }
 

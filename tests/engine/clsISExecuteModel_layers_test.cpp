@@ -11,9 +11,9 @@
 namespace kestrel {
 namespace {
 
-using platform::Icon;
-using platform::MessageBox;
 using platform::Value;
+using reporting::Icon;
+using reporting::MessageBox;
 using test::Box;
 using test::Shape;
 using ::testing::ElementsAre;

@@ -13,10 +13,10 @@
 namespace kestrel {
 namespace {
 
-using platform::Icon;
-using platform::MessageBox;
 using platform::Table;
 using platform::Value;
+using reporting::Icon;
+using reporting::MessageBox;
 using test::Box;
 using test::Shape;
 using ::testing::ElementsAre;

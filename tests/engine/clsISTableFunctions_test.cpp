@@ -14,8 +14,8 @@ namespace {
 
 using platform::Field;
 using platform::FieldType;
-using platform::MessageBox;
 using platform::Table;
+using reporting::MessageBox;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 

@@ -15,8 +15,8 @@
 #include <QTimer>
 
 #include "base/errors.h"
-#include "host/error_report.h"
 #include "host/qt_interaction.h"
+#include "reporting/error_report.h"
 
 namespace kestrel {
 namespace {
@@ -103,7 +103,7 @@ void isWriteMetadata() try { throw base::RuntimeError(70, "Permission denied <b>
 TEST(CallStack, OfAnErrorIsShownInTheWindow) {
     reset_reporting_flag();
     QtInteraction user;
-    const platform::ScopedInteraction scope(user);
+    const reporting::ScopedInteraction scope(user);
     QString shown;
     QTimer::singleShot(0, [&shown] {
         QWidget* const window = QApplication::activeModalWidget();

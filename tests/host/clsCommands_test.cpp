@@ -20,7 +20,7 @@ using platform::kExtensionDisabled;
 using platform::kExtensionEnabled;
 using platform::kKestrelExtension;
 using platform::kRasterAnalysisExtension;
-using platform::MessageBox;
+using reporting::MessageBox;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -160,7 +160,7 @@ TEST_F(clsCommandsTest, DisabledSpatialAnalystKeepsAllSixFromTheirWindows) {
         click(sub_type);
         EXPECT_THAT(m_said.boxes,
                     ElementsAre(MessageBox{"Spatial Analyst Extension required to run Impervious Surface Analysis.", "",
-                                           platform::Icon::exclamation, platform::Buttons::ok}));
+                                           reporting::Icon::exclamation, reporting::Buttons::ok}));
     }
     EXPECT_THAT(m_opened, IsEmpty());
 }

@@ -33,7 +33,7 @@ class IdleApplication final : public platform::Application {
     std::shared_ptr<platform::FeatureLayer> make_feature_layer(const std::string&, const std::string&) override {
         return nullptr;
     }
-    platform::Interaction& interaction() override { throw base::RuntimeError(5, "not asked"); }
+    reporting::Interaction& interaction() override { throw base::RuntimeError(5, "not asked"); }
     base::Progress& progress() override { throw base::RuntimeError(5, "not asked"); }
     void run_ended(platform::RunResult) override {}
 };

@@ -20,7 +20,7 @@ namespace {
 using platform::HostedItem;
 using platform::kExtensionDisabled;
 using platform::kExtensionEnabled;
-using platform::MessageBox;
+using reporting::MessageBox;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -70,7 +70,7 @@ TEST(ExtensionLibrary, WithSpatialAnalystOffAboutShowsTheMessageInsteadOfItsWind
     EXPECT_THAT(host.windows(), IsEmpty());
     EXPECT_THAT(host.said.boxes,
                 ElementsAre(MessageBox{"Spatial Analyst Extension required to run Impervious Surface Analysis.", "",
-                                       platform::Icon::exclamation, platform::Buttons::ok}));
+                                       reporting::Icon::exclamation, reporting::Buttons::ok}));
 }
 
 TEST(ExtensionLibrary, WithoutSpatialAnalystEveryClickIsReportedAndOpensNothing) {
@@ -145,7 +145,7 @@ void change_coefficients(test::TestHost& host) {
 
 const MessageBox kUnsaved{
     "Changes to the coefficient set have not been saved. \r\n Click 'Yes' to save changes, or 'No' to give them up.",
-    "", platform::Icon::none, platform::Buttons::yes_no};
+    "", reporting::Icon::none, reporting::Buttons::yes_no};
 
 std::string store_of(test::TestHost& host) {
     return base::read_file(host.extension_folder() + "/etc/isprops.xml");
@@ -155,7 +155,7 @@ TEST(ExtensionLibrary, ShutDownAsksForChangesOfCoefficientsThatAreNotSaved) {
     test::TestHost host;
     const std::string before = store_of(host);
     change_coefficients(host);
-    host.said.answers = {platform::Answer::yes};
+    host.said.answers = {reporting::Answer::yes};
     host.shut_down();
     EXPECT_THAT(host.said.boxes, ElementsAre(kUnsaved));
     EXPECT_NE(store_of(host), before);

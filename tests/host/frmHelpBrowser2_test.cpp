@@ -23,7 +23,7 @@
 namespace kestrel {
 namespace {
 
-using platform::MessageBox;
+using reporting::MessageBox;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -85,7 +85,7 @@ TEST_F(frmHelpBrowser2Test, MissingHelpFileIsToldAndTheFormShowsNothing) {
     open();
     EXPECT_THAT(m_said.boxes, ElementsAre(MessageBox{
                                   "The Kestrel help file (" + m_folder.path() + "/help/is_index.html) does not exist.",
-                                  "", platform::Icon::none, platform::Buttons::ok}));
+                                  "", reporting::Icon::none, reporting::Buttons::ok}));
     EXPECT_TRUE(m_form.isVisible());
     EXPECT_EQ(shown(), "");
     EXPECT_EQ(m_form.windowTitle(), "Kestrel Help");
@@ -143,7 +143,7 @@ TEST_F(frmHelpBrowser2Test, LinkToAMissingPageIsToldAndThePageStays) {
     click_text("Gone");
     EXPECT_THAT(m_said.boxes,
                 ElementsAre(MessageBox{"The Kestrel help file (" + m_folder.path() + "/help/gone.html) does not exist.",
-                                       "", platform::Icon::none, platform::Buttons::ok}));
+                                       "", reporting::Icon::none, reporting::Buttons::ok}));
     EXPECT_EQ(file(), "is_index.html");
     EXPECT_EQ(shown(), "Gone");
     EXPECT_EQ(m_form.windowTitle(), "Contents - Kestrel Help");

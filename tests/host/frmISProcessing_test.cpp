@@ -247,7 +247,7 @@ TEST(ProcessingWindow, AMessageDuringTheRunCanBeAnswered) {
         ++answered;
         QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
     });
-    EXPECT_EQ(user.message_box({"NODATA"}), platform::Answer::ok);
+    EXPECT_EQ(user.message_box({"NODATA"}), reporting::Answer::ok);
     EXPECT_EQ(answered, 1);
     EXPECT_EQ(host.clicks, 0);
     EXPECT_TRUE(waiting->report(0.1, ""));

@@ -18,10 +18,10 @@
 namespace kestrel {
 namespace {
 
-using platform::Answer;
-using platform::Buttons;
-using platform::Icon;
-using platform::MessageBox;
+using reporting::Answer;
+using reporting::Buttons;
+using reporting::Icon;
+using reporting::MessageBox;
 using testing::ElementsAre;
 
 /// Acts on the next modal window, which the caller then opens.

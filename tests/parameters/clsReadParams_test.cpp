@@ -27,9 +27,9 @@ class ReadParamsPeer {
 namespace kestrel {
 namespace {
 
-using platform::Buttons;
-using platform::Icon;
-using platform::MessageBox;
+using reporting::Buttons;
+using reporting::Icon;
+using reporting::MessageBox;
 using test::ReadParamsPeer;
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -11,8 +11,8 @@
 namespace kestrel {
 namespace {
 
-using platform::Icon;
-using platform::MessageBox;
+using reporting::Icon;
+using reporting::MessageBox;
 
 constexpr const char* kNumeric = "Numeric value must be entered in field.";
 

@@ -11,13 +11,13 @@
 namespace kestrel::test {
 namespace {
 
-using platform::FileDialog;
-using platform::Icon;
+using reporting::FileDialog;
+using reporting::Icon;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-platform::MessageBox moved_to(const std::string& folder) {
+reporting::MessageBox moved_to(const std::string& folder) {
     return {"Either no path was specified or the path does not exist. \rThe output layer will be created in " + folder +
                 ".",
             "Output Location", Icon::information};
@@ -140,24 +140,24 @@ TEST_F(OutputBoxTest, WithoutAChosenNameBrowseSetsKestrel) {
 }
 
 TEST_F(OutputBoxTest, AnErrorIsReportedAndTheFormStaysOpen) {
-    struct FailingBox final : platform::Interaction {
+    struct FailingBox final : reporting::Interaction {
         explicit FailingBox(ScriptedInteraction& rest) : said(rest) {}
-        platform::Answer message_box(const platform::MessageBox&) override {
+        reporting::Answer message_box(const reporting::MessageBox&) override {
             throw base::RuntimeError(base::kOutOfMemory, "no memory");
         }
-        std::string input_box(const platform::InputBox& box) override { return said.input_box(box); }
+        std::string input_box(const reporting::InputBox& box) override { return said.input_box(box); }
         std::optional<std::string> file_dialog(const FileDialog&) override {
             throw base::RuntimeError(base::kOutOfMemory, "no memory");
         }
         void show_call_stack(std::string_view text) override { said.show_call_stack(text); }
-        std::unique_ptr<platform::WaitingWindow> waiting_window(std::string_view text) override {
+        std::unique_ptr<reporting::WaitingWindow> waiting_window(std::string_view text) override {
             return said.waiting_window(text);
         }
         void show_help() override { throw base::RuntimeError(base::kOutOfMemory, "no memory"); }
         void notice(std::string_view text) override { said.notice(text); }
         void beep() override {}
         ScriptedInteraction& said;
-        platform::ScopedInteraction scope{*this};
+        reporting::ScopedInteraction scope{*this};
     } failing(m_world.said);
     type_output("roads");
     tab();

@@ -12,7 +12,7 @@
 namespace kestrel::test {
 namespace {
 
-using platform::Icon;
+using reporting::Icon;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -39,15 +39,15 @@ class RunTest : public ParamsTest {
 
 TEST_F(RunTest, WithoutANameNothingIsChecked) {
     click("cmdISRun");
-    EXPECT_THAT(boxes(), ElementsAre(platform::MessageBox{"Please specify an output name.", "Shapefile Name",
-                                                          Icon::information}));
+    EXPECT_THAT(boxes(), ElementsAre(reporting::MessageBox{"Please specify an output name.", "Shapefile Name",
+                                                           Icon::information}));
 }
 
 TEST_F(RunTest, AFolderAloneIsNoShapefileName) {
     fill();
     type_output(m_world.output.path() + "/");
     click("cmdISRun");
-    EXPECT_THAT(boxes(), ElementsAre(platform::MessageBox{"Please enter a shapefile name.", "Shapefile Name?"}));
+    EXPECT_THAT(boxes(), ElementsAre(reporting::MessageBox{"Please enter a shapefile name.", "Shapefile Name?"}));
     EXPECT_EQ(output().text().toStdString(), out(".shp")) << "nothing is refreshed";
 }
 

@@ -12,7 +12,7 @@
 namespace kestrel::test {
 namespace {
 
-using platform::Icon;
+using reporting::Icon;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -74,7 +74,7 @@ TEST_F(ScenariosTest, WithoutACoefficientSetTheAddButtonRefuses) {
     add(1);
     EXPECT_THAT(
         boxes(),
-        ElementsAre(platform::MessageBox{
+        ElementsAre(reporting::MessageBox{
             "No Land Cover Type defined, please select from the dropdown list before adding Development Scenarios"}));
     EXPECT_EQ(focused(), "cboLCType");
     EXPECT_FALSE(list("cboDSTheme(0)").isVisible());

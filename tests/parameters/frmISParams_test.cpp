@@ -13,8 +13,8 @@
 namespace kestrel::test {
 namespace {
 
-using platform::Buttons;
-using platform::Icon;
+using reporting::Buttons;
+using reporting::Icon;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -100,7 +100,7 @@ TEST_F(ParamsTest, AStoreThatDoesNotLoadIsToldAndTheFormStaysClosed) {
     base::remove_file(m_world.extension / "etc/isprops.xml");
     m_form->show();
     EXPECT_FALSE(m_form->isVisible());
-    EXPECT_THAT(boxes(), ElementsAre(platform::MessageBox{
+    EXPECT_THAT(boxes(), ElementsAre(reporting::MessageBox{
                              "Failed To Load XML - verify the file 'isprops.xml' is located in the " +
                                  m_world.extension.path() + "\\etc folder.",
                              "", Icon::critical, Buttons::ok_cancel}));

@@ -16,7 +16,7 @@ namespace {
 
 using base::read_file;
 using base::split_lines;
-using platform::MessageBox;
+using reporting::MessageBox;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -213,7 +213,7 @@ TEST_F(WriteModelParameters, MissingWorkingFolderIsToldInAPlainBoxAndNothingIsWr
     EXPECT_FALSE(write_model_parameters(folder, "model_params.txt", choices_with_option(1), m_store, "C-CAP", ""));
     EXPECT_THAT(m_user.boxes,
                 ElementsAre(MessageBox{"Working directory (" + folder + ") defined in ArcView project does not exist.",
-                                       "", platform::Icon::none, platform::Buttons::ok}));
+                                       "", reporting::Icon::none, reporting::Buttons::ok}));
     EXPECT_THAT(m_user.call_stacks, IsEmpty());
     EXPECT_FALSE(base::folder_exists(folder));
 }

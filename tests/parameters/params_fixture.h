@@ -41,7 +41,7 @@ class ActingHost final : public platform::Application {
                                                                const std::string& name) override {
         return m_world.application.make_feature_layer(path, name);
     }
-    platform::Interaction& interaction() override { return m_world.said; }
+    reporting::Interaction& interaction() override { return m_world.said; }
     base::Progress& progress() override { return run_progress; }
     void run_ended(platform::RunResult result) override { results.push_back(std::move(result)); }
 
@@ -96,7 +96,7 @@ class ParamsTest : public testing::Test {
     std::string parameter_file() const;
     std::string out(const std::string& name) const { return m_world.output / name; }
     std::vector<std::string> layers() { return m_world.layer_names(); }
-    std::vector<platform::MessageBox>& boxes() { return m_world.said.boxes; }
+    std::vector<reporting::MessageBox>& boxes() { return m_world.said.boxes; }
     platform::HeadlessMap& map() { return m_world.application.map(); }
 
     SmallWorld m_world;
@@ -104,8 +104,8 @@ class ParamsTest : public testing::Test {
     std::unique_ptr<frmISParams> m_form;
 };
 
-inline platform::MessageBox warning(const std::string& text) {
-    return {text, "", platform::Icon::exclamation};
+inline reporting::MessageBox warning(const std::string& text) {
+    return {text, "", reporting::Icon::exclamation};
 }
 
 }  // namespace kestrel::test

@@ -120,7 +120,7 @@ int main(int argc, char** argv) {
     kestrel::test::use_picture_style();
     g_folder = argv[2];
     kestrel::QtInteraction user;
-    const kestrel::platform::ScopedInteraction scope(user);
+    const kestrel::reporting::ScopedInteraction scope(user);
     const std::string demo = argv[1];
     kestrel::base::create_folder(demo + "/etc");
     kestrel::base::copy_file(demo + "/isprops.xml", demo + "/etc/isprops.xml");

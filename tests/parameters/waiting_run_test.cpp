@@ -39,7 +39,7 @@ class WaitingRunTest : public ParamsTest {
     }
 
     QtInteraction m_user;
-    platform::ScopedInteraction m_scope{m_user};
+    reporting::ScopedInteraction m_scope{m_user};
     DesktopHost m_desktop{m_world.application, m_user};
 };
 

@@ -17,9 +17,9 @@ TEST_F(RealRunThatFails, ForAClassWithoutCoefficientsNamesItAndLeavesNoOutput) {
     RunSettings settings;
     settings.set = "NLCD without crops";
     const WholeRun run(settings);
-    const platform::MessageBox invalid{
+    const reporting::MessageBox invalid{
         "No coefficients defined in the selected Coefficient Set for the land cover class 82!", "Invalid Coefficient",
-        platform::Icon::critical};
+        reporting::Icon::critical};
     EXPECT_THAT(run.boxes, ElementsAre(invalid));
     EXPECT_FALSE(run.result.finished);
     EXPECT_THAT(run.output_files(), IsEmpty());
@@ -46,7 +46,7 @@ TEST_F(RealRunThatFails, ForADensityLayerInASystemOfAnotherNameTellsTheDensityEr
     settings.option = kByDensity;
     settings.density = real_file("blockgroups_wgs84.gpkg");
     const WholeRun run(settings);
-    const platform::MessageBox density_error{
+    const reporting::MessageBox density_error{
         "Error calculting the Population Density:\r  1) Check that the Analysis Layer and the Population Density Layer overlap.\r  2) Check that the Analysis Layer and the Population Density Layer are in the same projection.",  // sic
         "Population Density Calculation Error"};
     EXPECT_THAT(run.boxes, ElementsAre(density_error));

@@ -32,7 +32,7 @@ TEST_F(RealRunWithScenarios, PolygonsInAnotherSystemOfTheSameProjectionAreProjec
     const RunSettings settings = with({resort(22)});
     expect_run_as_counted(settings);
     EXPECT_THAT(WholeRun(settings).boxes,
-                ::testing::Not(::testing::Contains(::testing::Field(&platform::MessageBox::title, "Projection"))));
+                ::testing::Not(::testing::Contains(::testing::Field(&reporting::MessageBox::title, "Projection"))));
 }
 
 TEST_F(RealRunWithScenarios, TwoThatOverlapAreAppliedInOrder) {
@@ -103,8 +103,9 @@ TEST_F(RealRunWithScenarios, OneBesideAllSelectedZonesIsToldAndSkipped) {
     RunSettings settings = with({town_plan(23)});
     settings.selected = {23};  // far from the town
     const WholeRun run(settings);
-    const platform::MessageBox no_overlay{"The Analysis Layer and the Development Scenario (town_plan) do not overlap.",
-                                          "No Overlay", platform::Icon::information};
+    const reporting::MessageBox no_overlay{
+        "The Analysis Layer and the Development Scenario (town_plan) do not overlap.", "No Overlay",
+        reporting::Icon::information};
     EXPECT_THAT(run.boxes, ::testing::Contains(no_overlay));
     ASSERT_TRUE(run.result.finished);
     expect_same_rows(read_output(run.output()), expected_output(settings));
@@ -112,9 +113,9 @@ TEST_F(RealRunWithScenarios, OneBesideAllSelectedZonesIsToldAndSkipped) {
 
 TEST_F(RealRunWithScenarios, ATargetClassWithoutCoefficientsEndsTheRun) {
     const WholeRun run(with({town_plan(77)}));
-    const platform::MessageBox invalid{
+    const reporting::MessageBox invalid{
         "No coefficients defined in the selected Coefficient Set for the land cover class 77!", "Invalid Coefficient",
-        platform::Icon::critical};
+        reporting::Icon::critical};
     EXPECT_THAT(run.boxes, ::testing::ElementsAre(invalid));
     EXPECT_FALSE(run.result.finished);
     EXPECT_THAT(run.output_files(), ::testing::IsEmpty());

@@ -90,9 +90,9 @@ TEST_F(RealSpecialZones, ALoneNodataCellAcrossABorderMarksBothSides) {
 
 TEST_F(RealSpecialZones, OnesThatTouchNodataAreToldOnce) {
     const WholeRun run(RunSettings{});
-    const platform::MessageBox nodata{
+    const reporting::MessageBox nodata{
         "Some of the (selected) polygons in the Analysis Layer \roverlapped NODATA cells in the Land Cover Layer.  The \rarea calculations for these polygons excludes the area \rof the NODATA cells.  These polygons may be identified \rby a 'N' in the 'Complete' field of the newly created \rImpervious Surface theme.",
-        "NODATA Cells!", platform::Icon::information};
+        "NODATA Cells!", reporting::Icon::information};
     EXPECT_THAT(run.boxes, ::testing::ElementsAre(nodata));
 }
 
@@ -118,9 +118,9 @@ TEST_F(RealSpecialZones, AHoleBelongsToNobodyOrToThePartThatFillsIt) {
 
 TEST_F(RealSpecialZones, NoneWithACellEndsTheRunWithTheMessageOfNoOverlap) {
     const WholeRun run = run_of({25, 26});
-    const platform::MessageBox none{
+    const reporting::MessageBox none{
         "None of the selected features within sheds\r intersect with the Land Cover layer nlcd2011",
-        "Error: Area Calculation", platform::Icon::critical};
+        "Error: Area Calculation", reporting::Icon::critical};
     EXPECT_THAT(run.boxes, ::testing::ElementsAre(none));
     EXPECT_FALSE(run.result.finished);
     EXPECT_THAT(run.output_files(), ::testing::IsEmpty());

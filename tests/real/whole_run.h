@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/contracts/interaction.h"
 #include "platform/run_result.h"
+#include "reporting/interaction.h"
 #include "tests/real/run_settings.h"
 #include "tests/support/test_files.h"
 
@@ -23,7 +23,7 @@ class WholeRun {
     std::vector<std::string> output_files() const { return names_in(m_folder / "out"); }
     std::vector<std::string> temporary_files() const { return names_in(m_folder / "ext/temp"); }
 
-    std::vector<platform::MessageBox> boxes;
+    std::vector<reporting::MessageBox> boxes;
     std::vector<std::string> call_stacks;
     platform::RunResult result;
 

@@ -23,7 +23,7 @@ namespace kestrel::test {
 namespace {
 
 using platform::HeadlessFeatureLayer;
-using platform::MessageBox;
+using reporting::MessageBox;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -31,9 +31,9 @@ using testing::SizeIs;
 using testing::StartsWith;
 
 const MessageBox kNoParameters = {"There are no layers with an associated \"Parameters\" file.", "No Parameter Files",
-                                  platform::Icon::none, platform::Buttons::ok};
+                                  reporting::Icon::none, reporting::Buttons::ok};
 const MessageBox kNoMetadata = {"There are no layers with an associated \"Metadata\" file.", "No Metadata Files",
-                                platform::Icon::none, platform::Buttons::ok};
+                                reporting::Icon::none, reporting::Buttons::ok};
 
 /// A layer whose source cannot be asked for.
 class BrokenLayer final : public platform::FeatureLayer {

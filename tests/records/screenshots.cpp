@@ -31,7 +31,7 @@ int main(int argc, char** argv) {
     }
     kestrel::test::use_picture_style();
     kestrel::QtInteraction user;
-    const kestrel::platform::ScopedInteraction scope(user);
+    const kestrel::reporting::ScopedInteraction scope(user);
     const std::string output = argv[1];
     const std::string folder = argv[2];
 

@@ -26,7 +26,7 @@ class DesktopHost final : public platform::Application {
                                                                const std::string& name) override {
         return m_rest.make_feature_layer(path, name);
     }
-    platform::Interaction& interaction() override { return m_user; }
+    reporting::Interaction& interaction() override { return m_user; }
     base::Progress& progress() override { return m_user.progress(); }
     void run_ended(platform::RunResult result) override { results.push_back(std::move(result)); }
 

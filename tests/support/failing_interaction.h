@@ -5,20 +5,20 @@
 #include <string>
 #include <vector>
 
-#include "platform/contracts/interaction.h"
+#include "reporting/interaction.h"
 #include "tests/support/failure.h"
 
 namespace kestrel::test {
 
 /// A user with whom nothing goes well: whatever is asked or shown fails. Reports of errors are kept.
-class FailingInteraction : public platform::Interaction {
+class FailingInteraction : public reporting::Interaction {
   public:
-    platform::Answer message_box(const platform::MessageBox&) override {
+    reporting::Answer message_box(const reporting::MessageBox&) override {
         if (boxes_fail) fail_denied();
-        return platform::Answer::ok;
+        return reporting::Answer::ok;
     }
-    std::string input_box(const platform::InputBox&) override { fail_denied(); }
-    std::optional<std::string> file_dialog(const platform::FileDialog&) override { fail_denied(); }
+    std::string input_box(const reporting::InputBox&) override { fail_denied(); }
+    std::optional<std::string> file_dialog(const reporting::FileDialog&) override { fail_denied(); }
     void show_call_stack(std::string_view text) override {
         call_stacks.emplace_back(text);
         if (reports_that_fail > 0) {
@@ -26,7 +26,7 @@ class FailingInteraction : public platform::Interaction {
             fail_denied();
         }
     }
-    std::unique_ptr<platform::WaitingWindow> waiting_window(std::string_view) override { fail_denied(); }
+    std::unique_ptr<reporting::WaitingWindow> waiting_window(std::string_view) override { fail_denied(); }
     void show_help() override { fail_denied(); }
     void notice(std::string_view) override {
         if (notices_fail) fail_denied();
@@ -40,7 +40,7 @@ class FailingInteraction : public platform::Interaction {
     int reports_that_fail = 0;
 
   private:
-    platform::ScopedInteraction m_scope{*this};
+    reporting::ScopedInteraction m_scope{*this};
 };
 
 }  // namespace kestrel::test

@@ -18,18 +18,18 @@ T take_front(std::deque<T>& script, T otherwise) {
     return result;
 }
 
-platform::Answer negative(platform::Buttons buttons) {
+reporting::Answer negative(reporting::Buttons buttons) {
     switch (buttons) {
-        case platform::Buttons::ok:
-            return platform::Answer::ok;
-        case platform::Buttons::yes_no:
-            return platform::Answer::no;
+        case reporting::Buttons::ok:
+            return reporting::Answer::ok;
+        case reporting::Buttons::yes_no:
+            return reporting::Answer::no;
         default:
-            return platform::Answer::cancel;
+            return reporting::Answer::cancel;
     }
 }
 
-class SilentWindow final : public platform::WaitingWindow {
+class SilentWindow final : public reporting::WaitingWindow {
   public:
     bool report(double, std::string_view) override { return true; }
     bool cancelled() const override { return false; }
@@ -37,22 +37,22 @@ class SilentWindow final : public platform::WaitingWindow {
 
 }  // namespace
 
-platform::Answer ScriptedInteraction::message_box(const platform::MessageBox& box) {
+reporting::Answer ScriptedInteraction::message_box(const reporting::MessageBox& box) {
     boxes.push_back(box);
     return take_front(answers, negative(box.buttons));
 }
 
-std::string ScriptedInteraction::input_box(const platform::InputBox& box) {
+std::string ScriptedInteraction::input_box(const reporting::InputBox& box) {
     input_boxes.push_back(box);
     return take_front(inputs, std::string());
 }
 
-std::optional<std::string> ScriptedInteraction::file_dialog(const platform::FileDialog& dialog) {
+std::optional<std::string> ScriptedInteraction::file_dialog(const reporting::FileDialog& dialog) {
     file_dialogs.push_back(dialog);
     return take_front(chosen_files, std::optional<std::string>());
 }
 
-std::unique_ptr<platform::WaitingWindow> ScriptedInteraction::waiting_window(std::string_view text) {
+std::unique_ptr<reporting::WaitingWindow> ScriptedInteraction::waiting_window(std::string_view text) {
     waiting_texts.emplace_back(text);
     return std::make_unique<SilentWindow>();
 }
@@ -61,7 +61,7 @@ std::unique_ptr<platform::WaitingWindow> ScriptedInteraction::waiting_window(std
 
 namespace kestrel::platform {
 
-void PrintTo(const MessageBox& box, std::ostream* stream) {
+void PrintTo(const reporting::MessageBox& box, std::ostream* stream) {
     *stream << "{text \"" << box.text << "\", title \"" << box.title << "\", icon " << static_cast<int>(box.icon)
             << ", buttons " << static_cast<int>(box.buttons) << "}";
 }

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/error_report.h"
+#include "reporting/error_report.h"
 
 #include <gtest/gtest.h>
 
@@ -145,9 +145,9 @@ TEST_P(ErrorReportInABox, BeepsAndShowsTheCallStackInAMessageBox) {
     ASSERT_EQ(user.boxes.size(), 1U);
     EXPECT_EQ(
         user.boxes.front(),
-        (platform::MessageBox{
+        (reporting::MessageBox{
             "An error has occured in the application.   Record the call stack sequence\r\nand the description of the error.\r\n\r\nError Call Stack Sequence \r\n\touter clsOuter Line : 7\r\n\r\nError Number \r\n\t70\r\nDescription\r\n\tPermission denied\r\n\r\n",
-            "Unexpected Program Error", platform::Icon::exclamation, platform::Buttons::ok}));
+            "Unexpected Program Error", reporting::Icon::exclamation, reporting::Buttons::ok}));
     EXPECT_EQ(user.beeps, 1);
     EXPECT_TRUE(user.call_stacks.empty());
 }
@@ -155,9 +155,9 @@ TEST_P(ErrorReportInABox, BeepsAndShowsTheCallStackInAMessageBox) {
 TEST_P(ErrorReportInABox, BeepsBeforeTheBoxOpens) {
     class Listener final : public test::FailingInteraction {
       public:
-        platform::Answer message_box(const platform::MessageBox&) override {
+        reporting::Answer message_box(const reporting::MessageBox&) override {
             heard += "box";
-            return platform::Answer::ok;
+            return reporting::Answer::ok;
         }
         void beep() override { heard += "beep "; }
         std::string heard;

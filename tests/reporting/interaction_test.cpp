@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/contracts/interaction.h"
+#include "reporting/interaction.h"
 
 #include "tests/support/error_of.h"
 #include "tests/support/scripted_interaction.h"
@@ -10,7 +10,7 @@
 #include <memory>
 #include <thread>
 
-namespace kestrel::platform {
+namespace kestrel::reporting {
 
 namespace {
 
@@ -65,4 +65,4 @@ TEST(ScriptedInteraction, AnswersFromTheScriptThenInTheNegative) {
 
 }  // namespace
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::reporting

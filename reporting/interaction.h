@@ -14,7 +14,7 @@
 ///
 /// No other code opens a message box, an input box, a file dialog or a window of text, so a test sees every message
 /// with its text, title, icon and buttons, in order, and the command can answer without a screen.
-namespace kestrel::platform {
+namespace kestrel::reporting {
 
 enum class Icon { none, critical, question, exclamation, information };
 enum class Buttons { ok, ok_cancel, yes_no, yes_no_cancel };
@@ -97,4 +97,4 @@ class ScopedInteraction {
     ScopedInteraction* m_outer;
 };
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::reporting

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/contracts/interaction.h"
+#include "reporting/interaction.h"
 
 #include "base/errors.h"
 
-namespace kestrel::platform {
+namespace kestrel::reporting {
 
 namespace {
 thread_local ScopedInteraction* t_innermost = nullptr;
@@ -32,4 +32,4 @@ ScopedInteraction::~ScopedInteraction() {
     }
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::reporting

@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/error_report.h"
+#include "reporting/error_report.h"
 
 #include <fmt/format.h>
 
 #include <new>
 
 #include "base/errors.h"
-#include "platform/contracts/interaction.h"
+#include "reporting/interaction.h"
 
 namespace kestrel {
 
@@ -22,12 +22,12 @@ std::string detail_block(std::int32_t number, std::string_view description) {
 }
 
 void show_in_message_box(std::string_view entry, std::string_view description) {
-    platform::interaction().beep();
-    platform::interaction().message_box(
+    reporting::interaction().beep();
+    reporting::interaction().message_box(
         {fmt::format(
              "An error has occured in the application.   Record the call stack sequence\r\nand the description of the error.\r\n\r\nError Call Stack Sequence \r\n\t{}\r\n{}",  // sic
              entry, description),
-         "Unexpected Program Error", platform::Icon::exclamation, platform::Buttons::ok});
+         "Unexpected Program Error", reporting::Icon::exclamation, reporting::Buttons::ok});
 }
 
 /// What is in flight, with number and description, whatever its type.
@@ -60,7 +60,7 @@ void ErrorReport(Show show, std::string_view entry, std::int32_t number, std::st
     }
     t_reporting = false;
     if (mode == kReportInCallStackWindow) {
-        platform::interaction().show_call_stack(
+        reporting::interaction().show_call_stack(
             fmt::format("Record Call Stack Sequence - Bottom line is error line.\r\n\r\n\t{}\r\n{}", entry, text));
         return;
     }
