@@ -9,13 +9,13 @@
 #include <utility>
 
 #include "platform/cell_runs.h"
-#include "platform/edge_cancelling.h"
 #include "platform/edge_sweep.h"
-#include "platform/geometry.h"
 #include "platform/piece_counter.h"
 #include "platform/piece_spans.h"
-#include "platform/polygon_check.h"
 #include "platform/row_spans.h"
+#include "polygons/edge_cancelling.h"
+#include "polygons/geometry.h"
+#include "polygons/polygon_check.h"
 #include "tests/support/exact_reference.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include "base/errors.h"
 #include "base/files.h"
 #include "engine/engine_texts.h"
-#include "platform/geometry.h"
+#include "polygons/geometry.h"
 #include "reporting/error_report.h"
 
 namespace kestrel::basUtil {
@@ -81,7 +81,7 @@ class PieceWriter {
           m_fields(std::move(fields)),
           m_writer(path, storable(m_fields), reference) {}
 
-    void write(std::size_t input, std::size_t overlay, const platform::PolygonSet& piece) {
+    void write(std::size_t input, std::size_t overlay, const polygons::PolygonSet& piece) {
         std::vector<Value> values;
         for (const IntersectedField& field : m_fields) {
             const auto position = static_cast<std::size_t>(field.position);
@@ -248,13 +248,13 @@ std::unique_ptr<FeatureClass> Intersect(const FeatureClass* input, const Feature
     }
     PolygonFeatures pieces_of = input->read_polygons(names_of(input->fields()));
     PolygonFeatures cut_by = overlay->read_polygons(names_of(overlay->fields()));
-    platform::repair(pieces_of.polygons);
-    platform::repair(cut_by.polygons);
+    polygons::repair(pieces_of.polygons);
+    polygons::repair(cut_by.polygons);
     const std::string path = base::join_path(working_folder, name + ".shp");
     PieceWriter writer(path, pieces_of, cut_by, intersected_fields(input->fields(), overlay->fields()),
                        input->spatial_reference());
-    platform::intersect(pieces_of.polygons, cut_by.polygons,
-                        [&](std::size_t i, std::size_t o, const platform::PolygonSet& piece) {
+    polygons::intersect(pieces_of.polygons, cut_by.polygons,
+                        [&](std::size_t i, std::size_t o, const polygons::PolygonSet& piece) {
                             writer.write(i, o, piece);
                             return true;
                         });

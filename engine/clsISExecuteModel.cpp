@@ -20,9 +20,9 @@
 #include "engine/engine_texts.h"
 #include "engine/model_run.h"
 #include "engine/run_records.h"
-#include "platform/geometry.h"
 #include "platform/layer_file.h"
 #include "platform/output_files.h"
+#include "polygons/geometry.h"
 #include "records/metadata.h"
 #include "records/run_report.h"
 #include "reporting/error_report.h"
@@ -225,7 +225,7 @@ bool clsISExecuteModel::DissolveAnalysisLayer(const std::string& shpPath, const 
     run.result.layer_name = LayerName;
     base::PartOfProgress progress(run.app.progress(), kDissolveBegins, kDissolveEnds);
     run.output.polygons =
-        platform::dissolve(run.analysis.polygons, run.groups.group_of(), run.groups.count(), progress, run.threads);
+        polygons::dissolve(run.analysis.polygons, run.groups.group_of(), run.groups.count(), progress, run.threads);
     if (run.cancelled()) {
         return false;
     }

@@ -150,7 +150,7 @@ void clsISGetLCArea::ConvertShapeToRaster(const AreaTheme& AnalysisTheme, const 
     const RunZones& zones = *AnalysisTheme.zones;
     platform::TabulationInput input{.zones = zones.zones.get()};
     input.overlay = zones.density.get();
-    for (const platform::SharedPolygons& scenario : zones.scenarios) {
+    for (const polygons::SharedPolygons& scenario : zones.scenarios) {
         input.scenarios.push_back(scenario.get());
     }
     base::PartOfProgress progress(m_application->progress(), kPassBegins, kPassEnds);

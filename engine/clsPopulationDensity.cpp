@@ -8,7 +8,7 @@
 #include "base/errors.h"
 #include "engine/basUtil.h"
 #include "engine/engine_texts.h"
-#include "platform/overlap.h"
+#include "polygons/overlap.h"
 #include "reporting/error_report.h"
 #include "reporting/interaction.h"
 
@@ -62,7 +62,7 @@ bool clsPopulationDensity::DensityCalculation(base::Progress& progress, int thre
     // In an intersection a field whose name both layers have would be called by that name and "_1"; either way it is
     // the density layer's own.
     m_intersection.density = read_polygon_layer(density, m_density_layer, m_density_field, progress, threads);
-    if (progress.cancelled() || !platform::overlap(*m_analysis.polygons, *m_intersection.density.polygons)) {
+    if (progress.cancelled() || !polygons::overlap(*m_analysis.polygons, *m_intersection.density.polygons)) {
         return false;
     }
     for (const Value& value : m_intersection.density.values) {

@@ -84,7 +84,7 @@ void OutputLayer::write(const std::string& path, base::Progress& progress) const
             !progress.report(static_cast<double>(i) / static_cast<double>(count), "Writing the output")) {
             break;
         }
-        const platform::DissolvedPolygons::Feature feature = polygons.feature(i);
+        const polygons::DissolvedPolygons::Feature feature = polygons.feature(i);
         writer.insert(feature.set, feature.position, values(i));
     }
     writer.close();

@@ -10,9 +10,9 @@
 #include "base/progress.h"
 #include "engine/zone_keys.h"
 #include "platform/class_breaks.h"
-#include "platform/dissolved_polygons.h"
 #include "platform/field.h"
 #include "platform/spatial_reference.h"
+#include "polygons/dissolved_polygons.h"
 
 namespace kestrel {
 
@@ -21,7 +21,7 @@ struct OutputLayer {
     /// Positions of the fields, counting the object id as 0 and the shape as 1.
     static constexpr std::size_t kFirstField = 2;
 
-    platform::DissolvedPolygons polygons;
+    polygons::DissolvedPolygons polygons;
     platform::SpatialReference reference;
     const ZoneGroups* groups = nullptr;
     /// The analysis field first, then what AddNewFields() adds.

@@ -7,15 +7,15 @@
 #include "base/errors.h"
 #include "base/part_of_progress.h"
 #include "engine/engine_texts.h"
-#include "platform/geometry.h"
+#include "polygons/geometry.h"
 #include "reporting/interaction.h"
 
 namespace kestrel {
 
 using platform::FeatureClass;
-using platform::PolygonSet;
-using platform::SharedPolygons;
 using platform::SpatialReference;
+using polygons::PolygonSet;
+using polygons::SharedPolygons;
 
 namespace {
 
@@ -45,7 +45,7 @@ PolygonLayer read_polygon_layer(const FeatureClass& source, const std::string& l
         layer.values = std::move(features.columns.front());
     }
     base::PartOfProgress checking(progress, kRead, 1);
-    const std::size_t repaired = progress.cancelled() ? 0 : platform::repair(features.polygons, checking, threads);
+    const std::size_t repaired = progress.cancelled() ? 0 : polygons::repair(features.polygons, checking, threads);
     if (repaired > 0) {
         reporting::interaction().notice(engine_texts::repaired_polygons(repaired, layer_name));
     }

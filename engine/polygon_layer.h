@@ -12,8 +12,8 @@
 #include "platform/contracts/layer.h"
 #include "platform/feature_class.h"
 #include "platform/field.h"
-#include "platform/polygons.h"
 #include "platform/spatial_reference.h"
+#include "polygons/polygons.h"
 
 namespace kestrel {
 
@@ -22,7 +22,7 @@ struct PolygonLayer {
     /// The name that the user knows.
     std::string name;
     platform::SpatialReference reference;
-    platform::SharedPolygons polygons;
+    polygons::SharedPolygons polygons;
     /// The field that was asked for, as the source defines it; without a name when none was.
     platform::Field field;
     /// Its value for every feature; empty when no field was asked for.
@@ -41,7 +41,7 @@ PolygonLayer read_polygon_layer(const platform::FeatureClass& source, const std:
 /// The polygons of `layer` in the coordinate system `target`: its own ones where nothing has to be projected. A
 /// coordinate system that is missing on one side is taken as the other's, which draws a notice. \param target_name what
 /// the notice calls the other side.
-platform::SharedPolygons polygons_in(const PolygonLayer& layer, const platform::SpatialReference& target,
+polygons::SharedPolygons polygons_in(const PolygonLayer& layer, const platform::SpatialReference& target,
                                      const std::string& target_name);
 
 }  // namespace kestrel

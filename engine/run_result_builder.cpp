@@ -6,15 +6,15 @@
 #include "engine/basUtil.h"
 #include "engine/engine_texts.h"
 #include "engine/model_run.h"
-#include "platform/geometry.h"
 #include "platform/shapefile_writer.h"
+#include "polygons/geometry.h"
 
 namespace kestrel {
 
-using platform::Envelope;
 using platform::RunResult;
 using platform::ZoneCounts;
 using platform::ZoneResult;
+using polygons::Envelope;
 
 namespace {
 
@@ -68,8 +68,8 @@ void keep_scenario(const ModelRun& run, std::uint32_t position, const std::strin
     const std::vector<platform::Field> fields{
         basUtil::CreateFields("analyfld", "analyfld", platform::FieldType::text, 254, 0, 0)};
     platform::ShapefileWriter writer(path, fields, run.raster->spatial_reference());
-    platform::intersect(*run.zones->zones, *run.zones->scenarios[position],
-                        [&](std::size_t zone, std::size_t, const platform::PolygonSet& piece) {
+    polygons::intersect(*run.zones->zones, *run.zones->scenarios[position],
+                        [&](std::size_t zone, std::size_t, const polygons::PolygonSet& piece) {
                             const platform::Value key = run.groups.text(run.groups.group_of()[zone]);
                             writer.insert(piece, 0, std::span(&key, 1));
                             return true;

@@ -5,17 +5,17 @@
 #include <vector>
 
 #include "engine/zone_keys.h"
-#include "platform/polygons.h"
+#include "polygons/polygons.h"
 
 namespace kestrel {
 
 /// Everything that one pass over the land cover looks at, in the land cover's coordinate system.
 struct RunZones {
-    platform::SharedPolygons zones;
+    polygons::SharedPolygons zones;
     /// The population density polygons; nothing without the per-zone option.
-    platform::SharedPolygons density;
+    polygons::SharedPolygons density;
     /// The development scenarios that can be laid over the zones.
-    std::vector<platform::SharedPolygons> scenarios;
+    std::vector<polygons::SharedPolygons> scenarios;
     ZoneKeys keys;
 };
 

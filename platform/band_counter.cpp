@@ -26,7 +26,7 @@ LayerSweeps sweeps_of(const RasterDataset& raster, const TabulationInput& input,
                       base::Progress& progress) {
     const double each = 1.0 / static_cast<double>(input.scenarios.size() + 2);
     double begin = 0;
-    const auto sweep_of = [&](const PolygonSet& polygons) {
+    const auto sweep_of = [&](const polygons::PolygonSet& polygons) {
         base::PartOfProgress part(progress, begin, begin + each);
         begin += each;
         return EdgeSweep(polygons, raster.grid(), raster.tile_lines().rows, threads, part);
@@ -35,7 +35,7 @@ LayerSweeps sweeps_of(const RasterDataset& raster, const TabulationInput& input,
     if (input.overlay != nullptr) {
         layers.overlay.emplace(sweep_of(*input.overlay));
     }
-    for (const PolygonSet* scenario : input.scenarios) {
+    for (const polygons::PolygonSet* scenario : input.scenarios) {
         layers.scenarios.push_back(sweep_of(*scenario));
     }
     return layers;
@@ -51,7 +51,7 @@ TabulationPlan::TabulationPlan(const RasterDataset& raster, const TabulationInpu
         end_column = grid.columns;  // every cell is looked at
         return;
     }
-    const Envelope box = input.zones->envelope();
+    const polygons::Envelope box = input.zones->envelope();
     if (!box.empty()) {
         // One more on each side may be touched.
         const double west = std::floor((box.min_x - grid.x0) / grid.dx) - 2;

@@ -12,7 +12,7 @@
 #include "base/errors.h"
 #include "base/parallel.h"
 #include "base/part_of_progress.h"
-#include "platform/geometry.h"
+#include "polygons/geometry.h"
 
 namespace kestrel::platform {
 
@@ -38,7 +38,7 @@ constexpr const char* kText = "Counting land cover";
 constexpr double kCountingShare = 0.5;
 
 /// Where to cut the features into parts of some ten thousand points: the first of each part, and their number.
-std::vector<std::size_t> feature_lines(const PolygonSet& polygons) {
+std::vector<std::size_t> feature_lines(const polygons::PolygonSet& polygons) {
     constexpr std::size_t kPointsPerPart = 50'000;
     std::vector<std::size_t> lines{0};
     std::size_t points = 0;
@@ -77,7 +77,7 @@ int ceil_within(double position, int lowest, int highest) {
 
 }  // namespace
 
-EdgeSweep::EdgeSweep(const PolygonSet& polygons, const Grid& grid, int rows_per_band)
+EdgeSweep::EdgeSweep(const polygons::PolygonSet& polygons, const Grid& grid, int rows_per_band)
     : m_polygons(polygons), m_grid(grid), m_band_lines(equal_bands(grid.rows, rows_per_band)) {
     base::NoProgress nobody;
     set_tolerances();
@@ -85,7 +85,7 @@ EdgeSweep::EdgeSweep(const PolygonSet& polygons, const Grid& grid, int rows_per_
     deal_out_edges(1, nobody);
 }
 
-EdgeSweep::EdgeSweep(const PolygonSet& polygons, const Grid& grid, std::vector<int> band_lines, int threads,
+EdgeSweep::EdgeSweep(const polygons::PolygonSet& polygons, const Grid& grid, std::vector<int> band_lines, int threads,
                      base::Progress& progress)
     : m_polygons(polygons), m_grid(grid), m_band_lines(std::move(band_lines)) {
     set_tolerances();
@@ -96,7 +96,7 @@ EdgeSweep::EdgeSweep(const PolygonSet& polygons, const Grid& grid, std::vector<i
 void EdgeSweep::set_tolerances() {
     m_rows_per_unit = 1 / m_grid.dy;
     m_columns_per_unit = 1 / m_grid.dx;
-    Envelope box = m_polygons.envelope();
+    polygons::Envelope box = m_polygons.envelope();
     box.include(m_grid.extent());
     m_row_tolerance = position_tolerance(box.min_y, box.max_y, m_grid.y0, m_grid.dy);
     m_column_tolerance = position_tolerance(box.min_x, box.max_x, m_grid.x0, m_grid.dx);
@@ -153,10 +153,10 @@ void EdgeSweep::deal_out_edges(int threads, base::Progress& progress) {
 /// Calls take(edge, rows) for every edge of some features that reaches the grid's rows.
 template <typename Take>
 void EdgeSweep::for_each_edge(std::size_t first_feature, std::size_t end_feature, Take take) const {
-    const std::span<const Point> all = m_polygons.points();
+    const std::span<const polygons::Point> all = m_polygons.points();
     for (std::size_t feature = first_feature; feature < end_feature; ++feature) {
         for (std::size_t r = m_polygons.first_ring_of(feature); r < m_polygons.first_ring_of(feature + 1); ++r) {
-            const std::span<const Point> ring = m_polygons.ring(r);
+            const std::span<const polygons::Point> ring = m_polygons.ring(r);
             const auto first = static_cast<std::size_t>(ring.data() - all.data());
             for (std::size_t i = 0; i + 1 < ring.size(); ++i) {
                 const CellRange rows = rows_touched(ring[i], ring[i + 1]);
@@ -169,7 +169,7 @@ void EdgeSweep::for_each_edge(std::size_t first_feature, std::size_t end_feature
 }
 
 /// The rows whose closed strip the edge may meet: never too few, rarely one too many.
-EdgeSweep::CellRange EdgeSweep::rows_touched(Point a, Point b) const noexcept {
+EdgeSweep::CellRange EdgeSweep::rows_touched(polygons::Point a, polygons::Point b) const noexcept {
     const double from = (a.y - m_grid.y0) * m_rows_per_unit;
     const double to = (b.y - m_grid.y0) * m_rows_per_unit;
     const double lowest = std::min(from, to) - m_row_tolerance;
@@ -181,9 +181,9 @@ EdgeSweep::CellRange EdgeSweep::rows_touched(Point a, Point b) const noexcept {
 }
 
 EdgeSweep::UpwardEdge EdgeSweep::upward(const Edge& edge) const noexcept {
-    const std::span<const Point> points = m_polygons.points();
-    const Point a = points[edge.first_point];
-    const Point b = points[edge.first_point + 1];
+    const std::span<const polygons::Point> points = m_polygons.points();
+    const polygons::Point a = points[edge.first_point];
+    const polygons::Point b = points[edge.first_point + 1];
     const bool rises = a.y != b.y ? a.y < b.y : a.x <= b.x;
     return rises ? UpwardEdge{a, b} : UpwardEdge{b, a};
 }
@@ -265,7 +265,7 @@ int EdgeSweep::column_of_crossing(const UpwardEdge& edge, double slope, double y
     if (std::abs(nearest - position) > m_column_tolerance || nearest < 0 || nearest >= m_grid.columns) {
         return column;
     }
-    const bool centre_is_west = orientation(edge.low, edge.high, {m_grid.centre_x(nearest), y}) > 0;
+    const bool centre_is_west = polygons::orientation(edge.low, edge.high, {m_grid.centre_x(nearest), y}) > 0;
     return centre_is_west ? nearest + 1 : nearest;
 }
 
@@ -350,7 +350,7 @@ bool EdgeSweep::touches(const UpwardEdge& edge, int row, const std::vector<RowSp
     const CellRange columns = columns_touched(west, east);
     for (; run != nodata.end() && run->begin <= columns.last; ++run) {
         for (int column = std::max(run->begin, columns.first); column < run->end && column <= columns.last; ++column) {
-            const Envelope square{m_grid.line_x(column), south, m_grid.line_x(column + 1), north};
+            const polygons::Envelope square{m_grid.line_x(column), south, m_grid.line_x(column + 1), north};
             if (segment_touches(edge.low, edge.high, square)) {
                 return true;
             }
@@ -359,17 +359,18 @@ bool EdgeSweep::touches(const UpwardEdge& edge, int row, const std::vector<RowSp
     return false;
 }
 
-bool segment_touches(Point a, Point b, const Envelope& rectangle) {
-    Envelope box;
+bool segment_touches(polygons::Point a, polygons::Point b, const polygons::Envelope& rectangle) {
+    polygons::Envelope box;
     box.add(a);
     box.add(b);
     if (!box.touches(rectangle)) {
         return false;
     }
     // Boxes that meet are apart only when all corners lie strictly on one side of the segment's line.
-    const int corners[] = {
-        orientation(a, b, {rectangle.min_x, rectangle.min_y}), orientation(a, b, {rectangle.max_x, rectangle.min_y}),
-        orientation(a, b, {rectangle.max_x, rectangle.max_y}), orientation(a, b, {rectangle.min_x, rectangle.max_y})};
+    const int corners[] = {polygons::orientation(a, b, {rectangle.min_x, rectangle.min_y}),
+                           polygons::orientation(a, b, {rectangle.max_x, rectangle.min_y}),
+                           polygons::orientation(a, b, {rectangle.max_x, rectangle.max_y}),
+                           polygons::orientation(a, b, {rectangle.min_x, rectangle.max_y})};
     const bool all_left = std::all_of(std::begin(corners), std::end(corners), [](int side) { return side > 0; });
     const bool all_right = std::all_of(std::begin(corners), std::end(corners), [](int side) { return side < 0; });
     return !all_left && !all_right;

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "base/progress.h"
-#include "platform/polygons.h"
 #include "platform/raster.h"
 #include "platform/row_spans.h"
+#include "polygons/polygons.h"
 
 namespace kestrel::platform {
 
@@ -27,10 +27,10 @@ class EdgeSweep {
     /// \param band_lines rows at which bands begin, ascending from 0, and the grid's number of rows.
     /// \param threads that may be used, as thread_count() gives it. The result does not depend on it.
     /// \param progress hears the share that is done. When it answers stop, the sweep must not be used.
-    EdgeSweep(const PolygonSet& polygons, const Grid& grid, std::vector<int> band_lines, int threads,
+    EdgeSweep(const polygons::PolygonSet& polygons, const Grid& grid, std::vector<int> band_lines, int threads,
               base::Progress& progress);
     /// Bands of equal height, the last may be lower; on one thread.
-    EdgeSweep(const PolygonSet& polygons, const Grid& grid, int rows_per_band);
+    EdgeSweep(const polygons::PolygonSet& polygons, const Grid& grid, int rows_per_band);
 
     int band_count() const noexcept { return static_cast<int>(m_band_begin.size()) - 1; }
     /// Whether no edge reaches the band; then no polygon has a cell in it.
@@ -63,8 +63,8 @@ class EdgeSweep {
     };
     /// An edge with its ends in ascending order of y, so that polygons on both sides of it compute the same numbers.
     struct UpwardEdge {
-        Point low;
-        Point high;
+        polygons::Point low;
+        polygons::Point high;
     };
     /// Rows or columns, both ends included.
     struct CellRange {
@@ -79,7 +79,7 @@ class EdgeSweep {
     template <typename Take>
     void for_each_edge(std::size_t first_feature, std::size_t end_feature, Take take) const;
     UpwardEdge upward(const Edge& edge) const noexcept;
-    CellRange rows_touched(Point a, Point b) const noexcept;
+    CellRange rows_touched(polygons::Point a, polygons::Point b) const noexcept;
     CellRange columns_touched(double west, double east) const noexcept;
     void add_crossings(const Edge& edge, int band, Scratch& scratch) const;
     int column_of_crossing(const UpwardEdge& edge, double slope, double y) const;
@@ -87,7 +87,7 @@ class EdgeSweep {
     int band_of(int row) const noexcept { return m_band_of_row[index(row)]; }
     bool touches(const UpwardEdge& edge, int row, const std::vector<RowSpan>& nodata) const;
 
-    const PolygonSet& m_polygons;
+    const polygons::PolygonSet& m_polygons;
     Grid m_grid;
     std::vector<int> m_band_lines;
     std::vector<int> m_band_of_row;
@@ -101,6 +101,6 @@ class EdgeSweep {
 };
 
 /// Whether the segment from `a` to `b` shares a point with the closed rectangle; decided exactly.
-bool segment_touches(Point a, Point b, const Envelope& rectangle);
+bool segment_touches(polygons::Point a, polygons::Point b, const polygons::Envelope& rectangle);
 
 }  // namespace kestrel::platform

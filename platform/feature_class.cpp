@@ -145,8 +145,8 @@ std::int64_t FeatureClass::feature_count() const {
     return count;
 }
 
-Envelope FeatureClass::extent() const {
-    Envelope result;
+polygons::Envelope FeatureClass::extent() const {
+    polygons::Envelope result;
     if (feature_count() == 0) {
         return result;  // drivers give a point at the origin, or fail
     }

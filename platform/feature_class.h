@@ -12,8 +12,8 @@
 
 #include "base/progress.h"
 #include "platform/field.h"
-#include "platform/polygons.h"
 #include "platform/spatial_reference.h"
+#include "polygons/polygons.h"
 
 namespace kestrel::platform {
 
@@ -38,7 +38,7 @@ struct FeatureSource {
 /// Polygons with the attributes that were asked for: position i of every member belongs to feature i.
 struct PolygonFeatures {
     std::vector<std::int64_t> ids;
-    PolygonSet polygons;
+    polygons::PolygonSet polygons;
     /// One column of values for each field asked for, in that order.
     std::vector<std::vector<Value>> columns;
 };
@@ -67,7 +67,7 @@ class FeatureClass {
     /// Features that pass the subset filter.
     std::int64_t feature_count() const;
     /// Of the whole layer, but empty when no feature passes the subset filter.
-    Envelope extent() const;
+    polygons::Envelope extent() const;
 
     /// Ids of the features that pass `where` (OGR SQL) as well as the subset, ascending.
     /// \throws RuntimeError (library failure) when the expression is wrong.

@@ -23,14 +23,14 @@ std::size_t closed_point_count(const OGRLinearRing& ring) {
     return static_cast<std::size_t>(count) + (closed ? 0U : 1U);
 }
 
-bool finite(Point p) {
+bool finite(polygons::Point p) {
     return std::isfinite(p.x) && std::isfinite(p.y);
 }
 
 /// Takes over the polygons of one geometry.
 class PolygonTaker {
   public:
-    explicit PolygonTaker(PolygonSet& set) : m_set(set) {}
+    explicit PolygonTaker(polygons::PolygonSet& set) : m_set(set) {}
 
     void take(const OGRGeometry& geometry) {
         const OGRwkbGeometryType type = wkbFlatten(geometry.getGeometryType());
@@ -69,24 +69,24 @@ class PolygonTaker {
             return;
         }
         m_set.begin_ring();
-        const std::span<Point> points = m_set.add_points(count);
-        ring.getPoints(&points[0].x, sizeof(Point), &points[0].y, sizeof(Point));
+        const std::span<polygons::Point> points = m_set.add_points(count);
+        ring.getPoints(&points[0].x, sizeof(polygons::Point), &points[0].y, sizeof(polygons::Point));
         points.back() = points.front();
         m_finite = m_finite && std::all_of(points.begin(), points.end(), finite);
     }
 
-    PolygonSet& m_set;
+    polygons::PolygonSet& m_set;
     bool m_any = false;
     bool m_finite = true;
 };
 
-void set_points(OGRLinearRing& ring, std::span<const Point> points) {
+void set_points(OGRLinearRing& ring, std::span<const polygons::Point> points) {
     std::vector<OGRRawPoint> raw(points.size());
-    std::transform(points.begin(), points.end(), raw.begin(), [](Point p) { return OGRRawPoint(p.x, p.y); });
+    std::transform(points.begin(), points.end(), raw.begin(), [](polygons::Point p) { return OGRRawPoint(p.x, p.y); });
     ring.setPoints(static_cast<int>(raw.size()), raw.data());
 }
 
-std::unique_ptr<OGRPolygon> polygon_of(const PolygonSet& set, std::size_t polygon) {
+std::unique_ptr<OGRPolygon> polygon_of(const polygons::PolygonSet& set, std::size_t polygon) {
     auto result = std::make_unique<OGRPolygon>();
     for (std::size_t r = set.first_ring(polygon); r < set.first_ring(polygon + 1); ++r) {
         auto ring = std::make_unique<OGRLinearRing>();
@@ -98,7 +98,7 @@ std::unique_ptr<OGRPolygon> polygon_of(const PolygonSet& set, std::size_t polygo
 
 }  // namespace
 
-AppendResult append_feature(PolygonSet& set, const OGRGeometry* geometry) {
+AppendResult append_feature(polygons::PolygonSet& set, const OGRGeometry* geometry) {
     set.begin_feature();
     if (geometry == nullptr || geometry->IsEmpty() != 0) {
         return AppendResult::appended;
@@ -113,7 +113,7 @@ AppendResult append_feature(PolygonSet& set, const OGRGeometry* geometry) {
     return taker.result();
 }
 
-std::unique_ptr<OGRGeometry> geometry_of(const PolygonSet& set, std::size_t feature) {
+std::unique_ptr<OGRGeometry> geometry_of(const polygons::PolygonSet& set, std::size_t feature) {
     const std::size_t first = set.first_polygon(feature);
     const std::size_t end = set.first_polygon(feature + 1);
     if (first == end) {

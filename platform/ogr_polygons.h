@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <memory>
 
-#include "platform/polygons.h"
+#include "polygons/polygons.h"
 
 class OGRGeometry;
 
@@ -19,9 +19,9 @@ enum class AppendResult { appended, no_polygon, not_finite };
 /// empty or missing geometry gives a feature without polygons. Open rings are closed; rings of fewer than four points
 /// are left out, with a shell its holes.
 /// \return whether it was appended; otherwise the set is of no use.
-AppendResult append_feature(PolygonSet& set, const OGRGeometry* geometry);
+AppendResult append_feature(polygons::PolygonSet& set, const OGRGeometry* geometry);
 
 /// Feature `feature` of `set` as a polygon or multipolygon; nothing for one without polygons.
-std::unique_ptr<OGRGeometry> geometry_of(const PolygonSet& set, std::size_t feature);
+std::unique_ptr<OGRGeometry> geometry_of(const polygons::PolygonSet& set, std::size_t feature);
 
 }  // namespace kestrel::platform

@@ -138,7 +138,7 @@ PolygonFeatures empty_whole(const FeatureSource& source, const FieldChoice& choi
     if (is_shapefile) {
         std::error_code unknown;
         const std::uintmax_t bytes = std::filesystem::file_size(source.file(), unknown);
-        whole.polygons.reserve_points(unknown ? 0 : bytes / sizeof(Point));
+        whole.polygons.reserve_points(unknown ? 0 : bytes / sizeof(polygons::Point));
     }
     return whole;
 }

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/polygons.h"
 #include "platform/spatial_reference.h"
+#include "polygons/polygons.h"
 
 namespace kestrel::platform {
 
@@ -34,8 +34,8 @@ struct Grid {
     double centre_y(int row) const noexcept { return y0 + (row + 0.5) * dy; }
     /// Area of a cell in square map units.
     double cell_area() const noexcept { return dx * (dy < 0 ? -dy : dy); }
-    Envelope extent() const noexcept {
-        Envelope result;
+    polygons::Envelope extent() const noexcept {
+        polygons::Envelope result;
         result.add({line_x(0), line_y(0)});
         result.add({line_x(columns), line_y(rows)});
         return result;

@@ -21,13 +21,13 @@ constexpr std::int64_t kHeader = 100;
 
 }  // namespace
 
-std::int64_t shape_size(const PolygonSet& polygons, std::size_t feature) noexcept {
+std::int64_t shape_size(const polygons::PolygonSet& polygons, std::size_t feature) noexcept {
     constexpr std::size_t kRecordHeader = 8;
     constexpr std::size_t kNullShape = 4;
     constexpr std::size_t kFixedPart = 44;
     std::size_t size = kRecordHeader + (polygons.empty(feature) ? kNullShape : kFixedPart);
     for (std::size_t r = polygons.first_ring_of(feature); r < polygons.first_ring_of(feature + 1); ++r) {
-        size += sizeof(std::int32_t) + sizeof(Point) * polygons.ring(r).size();
+        size += sizeof(std::int32_t) + sizeof(polygons::Point) * polygons.ring(r).size();
     }
     return static_cast<std::int64_t>(size);
 }
@@ -41,23 +41,23 @@ struct ShapeRecords::State {
     std::vector<double> x;
     std::vector<double> y;
 
-    void add_ring(std::span<const Point> ring, bool clockwise);
-    SHPObject object(const PolygonSet& polygons, std::size_t feature);
+    void add_ring(std::span<const polygons::Point> ring, bool clockwise);
+    SHPObject object(const polygons::PolygonSet& polygons, std::size_t feature);
     void flush();
 };
 
-void ShapeRecords::State::add_ring(std::span<const Point> ring, bool clockwise) {
+void ShapeRecords::State::add_ring(std::span<const polygons::Point> ring, bool clockwise) {
     starts.push_back(static_cast<int>(x.size()));
     kinds.push_back(SHPP_RING);
-    const bool as_it_is = (twice_signed_area(ring) < 0) == clockwise;
+    const bool as_it_is = (polygons::twice_signed_area(ring) < 0) == clockwise;
     for (std::size_t i = 0; i < ring.size(); ++i) {
-        const Point point = ring[as_it_is ? i : ring.size() - 1 - i];
+        const polygons::Point point = ring[as_it_is ? i : ring.size() - 1 - i];
         x.push_back(point.x);
         y.push_back(point.y);
     }
 }
 
-SHPObject ShapeRecords::State::object(const PolygonSet& polygons, std::size_t feature) {
+SHPObject ShapeRecords::State::object(const polygons::PolygonSet& polygons, std::size_t feature) {
     starts.clear();
     kinds.clear();
     x.clear();
@@ -77,7 +77,7 @@ SHPObject ShapeRecords::State::object(const PolygonSet& polygons, std::size_t fe
     shape.padfX = x.data();
     shape.padfY = y.data();
     if (!polygons.empty(feature)) {
-        const Envelope extent = polygons.envelope(feature);
+        const polygons::Envelope extent = polygons.envelope(feature);
         shape.dfXMin = extent.min_x;
         shape.dfYMin = extent.min_y;
         shape.dfXMax = extent.max_x;
@@ -106,7 +106,7 @@ ShapeRecords::ShapeRecords(const std::string& stem) : m_state(std::make_unique<S
 
 ShapeRecords::~ShapeRecords() = default;
 
-void ShapeRecords::append(const PolygonSet& polygons, std::size_t feature) {
+void ShapeRecords::append(const polygons::PolygonSet& polygons, std::size_t feature) {
     SHPObject shape = m_state->object(polygons, feature);
     forget_file_failure();
     const bool written = SHPWriteObject(m_state->handle.get(), -1, &shape) >= 0;

@@ -6,12 +6,12 @@
 #include <memory>
 #include <string>
 
-#include "platform/polygons.h"
+#include "polygons/polygons.h"
 
 namespace kestrel::platform {
 
 /// Bytes that a feature takes in a .shp.
-std::int64_t shape_size(const PolygonSet& polygons, std::size_t feature) noexcept;
+std::int64_t shape_size(const polygons::PolygonSet& polygons, std::size_t feature) noexcept;
 
 /// The .shp and .shx of a shapefile of polygons, written record by record.
 ///
@@ -25,7 +25,7 @@ class ShapeRecords {
 
     /// Appends a feature; an empty one becomes a null shape. The .shp must not pass 2 GB by it.
     /// \throws RuntimeError 61 when the device is full, or the system's error.
-    void append(const PolygonSet& polygons, std::size_t feature);
+    void append(const polygons::PolygonSet& polygons, std::size_t feature);
     /// Size of the .shp with all that was appended.
     std::int64_t size() const noexcept { return m_size; }
     /// Writes what is buffered and states size and extent in the headers. \throws RuntimeError as append() does.

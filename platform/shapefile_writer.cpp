@@ -277,7 +277,7 @@ ShapefileWriter::~ShapefileWriter() {
     }
 }
 
-void ShapefileWriter::insert(const PolygonSet& polygons, std::size_t feature, std::span<const Value> values) {
+void ShapefileWriter::insert(const polygons::PolygonSet& polygons, std::size_t feature, std::span<const Value> values) {
     State& state = *m_state;
     if (!state.open || values.size() != state.fields.size()) {
         throw base::RuntimeError(base::kInvalidProcedureCall,

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "platform/field.h"
-#include "platform/polygons.h"
 #include "platform/spatial_reference.h"
+#include "polygons/polygons.h"
 
 namespace kestrel::platform {
 
@@ -34,7 +34,7 @@ class ShapefileWriter {
     /// \param values one for each field; NULL stays NULL.
     /// \throws RuntimeError 13 when a value does not suit its field's type, 6 when a number is too large for its field,
     ///         61 when the device is full or a file would pass 2 GB, library failure otherwise.
-    void insert(const PolygonSet& polygons, std::size_t feature, std::span<const Value> values);
+    void insert(const polygons::PolygonSet& polygons, std::size_t feature, std::span<const Value> values);
     /// Hands the buffered features to the files. \throws RuntimeError as insert() does.
     void flush();
     /// How often flush() was called.

@@ -263,12 +263,12 @@ struct Chunk {
     std::vector<double> y;
     std::vector<int> done;
 
-    void load(std::span<const Point> points) {
+    void load(std::span<const polygons::Point> points) {
         x.resize(points.size());
         y.resize(points.size());
         done.assign(points.size(), 0);
-        std::transform(points.begin(), points.end(), x.begin(), [](Point p) { return p.x; });
-        std::transform(points.begin(), points.end(), y.begin(), [](Point p) { return p.y; });
+        std::transform(points.begin(), points.end(), x.begin(), [](polygons::Point p) { return p.x; });
+        std::transform(points.begin(), points.end(), y.begin(), [](polygons::Point p) { return p.y; });
     }
 
     void transform(OGRCoordinateTransformation& transformation) {
@@ -280,13 +280,13 @@ struct Chunk {
 
 }  // namespace
 
-void project(PolygonSet& polygons, const SpatialReference& from, const SpatialReference& to) {
+void project(polygons::PolygonSet& polygons, const SpatialReference& from, const SpatialReference& to) {
     if (!from.known() || !to.known()) {
         throw base::RuntimeError(base::kInvalidProcedureCall,
                                  "Coordinates without a coordinate system cannot be projected");
     }
     const Transformation way = transformation(from, to);
-    std::vector<Point> projected(polygons.points().begin(), polygons.points().end());
+    std::vector<polygons::Point> projected(polygons.points().begin(), polygons.points().end());
     Chunk chunk;
     for (std::size_t first = 0; first < projected.size(); first += kPointsAtOnce) {
         const auto points = std::span(projected).subspan(first, std::min(kPointsAtOnce, projected.size() - first));

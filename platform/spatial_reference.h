@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/polygons.h"
+#include "polygons/polygons.h"
 
 namespace kestrel::platform {
 
@@ -57,6 +57,6 @@ class SpatialReference {
 /// Vertices that are equal before are equal after.
 /// \throws RuntimeError (library failure) when the systems cannot be connected or a vertex cannot be projected; the
 ///         description names the vertex. Then the polygons are as they were.
-void project(PolygonSet& polygons, const SpatialReference& from, const SpatialReference& to);
+void project(polygons::PolygonSet& polygons, const SpatialReference& from, const SpatialReference& to);
 
 }  // namespace kestrel::platform

@@ -5,21 +5,21 @@
 #include <vector>
 
 #include "base/progress.h"
-#include "platform/polygons.h"
 #include "platform/raster.h"
 #include "platform/zone_counts.h"
+#include "polygons/polygons.h"
 
 namespace kestrel::platform {
 
 /// What lies over the raster. All coordinates are in the raster's coordinate system.
 struct TabulationInput {
     /// The zones; required. Where they overlap, the later one owns the cell.
-    const PolygonSet* zones = nullptr;
+    const polygons::PolygonSet* zones = nullptr;
     /// Polygons that split the zones into pieces (later ones own the cell); may be missing. With an overlay, cells
     /// outside of it are counted with kNoOverlay.
-    const PolygonSet* overlay = nullptr;
+    const polygons::PolygonSet* overlay = nullptr;
     /// Scenarios, each a set of polygons; a cell belongs to a scenario when any of its polygons holds the centre.
-    std::vector<const PolygonSet*> scenarios{};
+    std::vector<const polygons::PolygonSet*> scenarios{};
 };
 
 /// Counts, in one pass over the raster, the cells of every class in every piece of every zone.

@@ -44,7 +44,7 @@ void write_description(TextWriter& file, const RunRecord& record, const Contact&
     write_lines(file, {"  Status:", "    Progress: Complete", "    Maintenance_and_Update_Frequency: None planned"});
 }
 
-void write_spatial_domain(TextWriter& file, const platform::Envelope& extent) {
+void write_spatial_domain(TextWriter& file, const polygons::Envelope& extent) {
     const auto bound = [&extent](double value) { return extent.empty() ? kEnterValue : base::text_of(value); };
     write_lines(file, {"  Spatial_Domain:", "    Bounding_Coordinates:"});
     file.write_line("      West_Bounding_Coordinate: " + bound(extent.min_x));

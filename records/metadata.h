@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/polygons.h"
+#include "polygons/polygons.h"
 #include "records/contact.h"
 #include "records/run_record.h"
 
@@ -14,7 +14,7 @@ namespace kestrel {
 /// What the metadata says of the output layer itself.
 struct OutputRecord {
     /// Bounding rectangle of the output, in the layer's own units.
-    platform::Envelope extent;
+    polygons::Envelope extent;
     /// Whether the map's distance units are decimal degrees.
     bool decimal_degrees = false;
     /// Names of the output's fields by position: object id at 0, shape at 1, the analysis field at 2, total area at 3,

@@ -23,9 +23,9 @@ namespace kestrel::cli {
 using platform::Field;
 using platform::FieldType;
 using platform::Grid;
-using platform::Point;
-using platform::PolygonSet;
 using platform::Value;
+using polygons::Point;
+using polygons::PolygonSet;
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/polygons.h"
 #include "platform/raster_writer.h"
+#include "polygons/polygons.h"
 
 namespace kestrel::cli {
 
@@ -27,7 +27,7 @@ class DemoLand {
     /// How much of a town a place is: 1 in the middle of the largest, near 0 far from all.
     double urbanity(double x, double y) const;
     /// Middle of the largest town.
-    platform::Point centre() const { return {m_towns.front().x, m_towns.front().y}; }
+    polygons::Point centre() const { return {m_towns.front().x, m_towns.front().y}; }
 
   private:
     struct Town {

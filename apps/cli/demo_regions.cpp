@@ -144,10 +144,10 @@ void make_regions_whole(RegionLattice& lattice) {
     }
 }
 
-platform::PolygonSet region_polygons(const RegionLattice& lattice,
-                                     const std::function<platform::Point(int column, int row)>& place,
+polygons::PolygonSet region_polygons(const RegionLattice& lattice,
+                                     const std::function<polygons::Point(int column, int row)>& place,
                                      std::vector<std::int32_t>& labels) {
-    platform::PolygonSet polygons;
+    polygons::PolygonSet polygons;
     for (auto& [label, border] : borders_of(lattice)) {
         labels.push_back(label);
         polygons.begin_feature();

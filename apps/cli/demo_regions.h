@@ -6,7 +6,7 @@
 #include <functional>
 #include <vector>
 
-#include "platform/polygons.h"
+#include "polygons/polygons.h"
 
 /// \file
 /// A country divided into regions with irregular borders, which neighbours share point by point.
@@ -37,8 +37,8 @@ void make_regions_whole(RegionLattice& lattice);
 /// One feature a region that has squares, ascending by label; the lattice is whole.
 /// \param place where a corner of the lattice lies in the map; asked once for each use, so it must answer alike.
 /// \param labels receives the label of each feature.
-platform::PolygonSet region_polygons(const RegionLattice& lattice,
-                                     const std::function<platform::Point(int column, int row)>& place,
+polygons::PolygonSet region_polygons(const RegionLattice& lattice,
+                                     const std::function<polygons::Point(int column, int row)>& place,
                                      std::vector<std::int32_t>& labels);
 
 }  // namespace kestrel::cli

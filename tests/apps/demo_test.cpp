@@ -20,8 +20,8 @@ namespace kestrel::cli {
 namespace {
 
 using platform::FeatureClass;
-using platform::Point;
 using platform::PolygonFeatures;
+using polygons::Point;
 
 constexpr DemoSize kSize{.columns = 300, .rows = 240, .seed = 7};
 
@@ -38,7 +38,7 @@ PolygonFeatures polygons_in(const std::string& path, const std::vector<std::stri
 
 /// How often each piece of border, without regard to its direction, belongs to a polygon.
 std::map<std::pair<std::pair<double, double>, std::pair<double, double>>, int> border_pieces(
-    const platform::PolygonSet& polygons) {
+    const polygons::PolygonSet& polygons) {
     std::map<std::pair<std::pair<double, double>, std::pair<double, double>>, int> pieces;
     for (std::size_t ring = 0; ring < polygons.ring_count(); ++ring) {
         const auto points = polygons.ring(ring);
@@ -192,7 +192,7 @@ TEST(DemoBlocks, LeaveNoGapAndDoNotOverlap) {
         area += blocks.polygons.area(i);
     }
     // The border alone belongs to one block only: what it encloses is the area of all.
-    platform::Envelope envelope = blocks.polygons.envelope();
+    polygons::Envelope envelope = blocks.polygons.envelope();
     const double whole = (envelope.max_x - envelope.min_x) * (envelope.max_y - envelope.min_y);
     EXPECT_NEAR(area / whole, 1, 0.02);
     for (const auto& [piece, count] : border_pieces(blocks.polygons)) {
@@ -215,7 +215,7 @@ TEST(DemoRegions, SquaresThatMeetInACornerAreJoined) {
     make_regions_whole(lattice);
     std::vector<std::int32_t> labels;
     const auto place = [](int column, int row) { return Point{double(column), double(-row)}; };
-    const platform::PolygonSet polygons = region_polygons(lattice, place, labels);
+    const polygons::PolygonSet polygons = region_polygons(lattice, place, labels);
     double area = 0;
     for (std::size_t i = 0; i < polygons.feature_count(); ++i) {
         area += polygons.area(i);
@@ -235,7 +235,7 @@ TEST(DemoRegions, ARegionAroundAnotherHasAHole) {
     make_regions_whole(lattice);
     std::vector<std::int32_t> labels;
     const auto place = [](int column, int row) { return Point{double(column), double(-row)}; };
-    const platform::PolygonSet polygons = region_polygons(lattice, place, labels);
+    const polygons::PolygonSet polygons = region_polygons(lattice, place, labels);
     EXPECT_EQ(labels, (std::vector<std::int32_t>{5, 9}));
     EXPECT_EQ(polygons.polygon_count(), 2U);
     EXPECT_EQ(polygons.ring_count(), 3U);

@@ -40,7 +40,7 @@ void write_land_cover(const std::string& path) {
 
 void write_squares(const std::string& path, const SquareLayer& layer) {
     platform::ShapefileWriter writer(path, layer.fields, SpatialReference::from("EPSG:5070"));
-    platform::PolygonSet polygons;
+    polygons::PolygonSet polygons;
     for (const SquareLayer::Row& row : layer.rows) {
         const double left = kLeft + 30 * row.left;
         const double right = kLeft + 30 * row.right;
@@ -49,8 +49,8 @@ void write_squares(const std::string& path, const SquareLayer& layer) {
         polygons.begin_feature();
         polygons.begin_polygon();
         polygons.begin_ring();
-        for (const platform::Point corner :
-             {platform::Point{left, top}, {right, top}, {right, bottom}, {left, bottom}, {left, top}}) {
+        for (const polygons::Point corner :
+             {polygons::Point{left, top}, {right, top}, {right, bottom}, {left, bottom}, {left, top}}) {
             polygons.add(corner);
         }
         writer.insert(polygons, polygons.feature_count() - 1, row.values);

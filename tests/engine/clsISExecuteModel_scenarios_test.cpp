@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "engine/clsISExecuteModel.h"
-#include "platform/geometry.h"
 #include "platform/shapefile_writer.h"
+#include "polygons/geometry.h"
 #include "tests/support/small_world.h"
 
 namespace kestrel {
@@ -161,7 +161,7 @@ TEST_F(Scenarios, AnotherSystemOfTheSameProjectionIsProjected) {
     // In NAD27 the same numbers lie some 200 metres to the south of where they lie in NAD83.
     const auto nad83 = SpatialReference::from("EPSG:26912");
     const auto nad27 = SpatialReference::from("EPSG:26712");
-    platform::PolygonSet polygons = test::polygons_of({{{Box{0.1, 0.1, 1.9, 0.9}}}});
+    polygons::PolygonSet polygons = test::polygons_of({{{Box{0.1, 0.1, 1.9, 0.9}}}});
     platform::project(polygons, nad83, nad27);
     const std::string path = world.folder / "mall.shp";
     const std::vector<platform::Field> fields{test::integer_field("N")};

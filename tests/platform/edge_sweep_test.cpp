@@ -30,7 +30,8 @@ Grid small_grid(bool south_up) {
 }
 
 /// The cells of every feature, as spans of all bands say.
-std::vector<std::vector<std::uint8_t>> swept_cells(const PolygonSet& polygons, const Grid& grid, int rows_per_band) {
+std::vector<std::vector<std::uint8_t>> swept_cells(const polygons::PolygonSet& polygons, const Grid& grid,
+                                                   int rows_per_band) {
     const EdgeSweep sweep(polygons, grid, rows_per_band);
     const auto columns = static_cast<std::size_t>(grid.columns);
     const std::size_t cells = columns * static_cast<std::size_t>(grid.rows);
@@ -59,7 +60,7 @@ TEST(EdgeSweep, SpansHoldExactlyTheCellsWhoseCentresLieInside) {
     std::mt19937 random(1);
     for (int i = 0; i < kCases; ++i) {
         const Grid grid = small_grid(i % 2 == 1);
-        const PolygonSet polygons = awkward_polygons(random, grid, 6);
+        const polygons::PolygonSet polygons = awkward_polygons(random, grid, 6);
         const auto inside = swept_cells(polygons, grid, 1 + i % 7);
         for (std::size_t feature = 0; feature < polygons.feature_count(); ++feature) {
             for (int row = 0; row < grid.rows; ++row) {
@@ -77,7 +78,7 @@ TEST(EdgeSweep, PolygonsThatShareBordersOwnEveryCellOnce) {
     std::mt19937 random(2);
     for (int i = 0; i < 300; ++i) {
         const Grid grid = small_grid(i % 2 == 1);
-        const PolygonSet polygons = test::coverage(random, grid, 2 + i % 5, 2 + i % 4);
+        const polygons::PolygonSet polygons = test::coverage(random, grid, 2 + i % 5, 2 + i % 4);
         const auto inside = swept_cells(polygons, grid, 4);
         for (std::size_t cell = 0; cell < inside.front().size(); ++cell) {
             int owners = 0;
@@ -91,13 +92,14 @@ TEST(EdgeSweep, PolygonsThatShareBordersOwnEveryCellOnce) {
 
 TEST(EdgeSweep, ACentreOnABorderBelongsToTheEastAndToTheNorth) {
     const Grid grid{.x0 = 0, .y0 = 4, .dx = 1, .dy = -1, .columns = 4, .rows = 4};
-    PolygonSet polygons;
-    for (const Point low : {Point{0.5, 0.5}, Point{1.5, 0.5}, Point{0.5, 1.5}}) {
+    polygons::PolygonSet polygons;
+    for (const polygons::Point low :
+         {polygons::Point{0.5, 0.5}, polygons::Point{1.5, 0.5}, polygons::Point{0.5, 1.5}}) {
         polygons.begin_feature();
         polygons.begin_polygon();
         polygons.begin_ring();
-        for (const Point p :
-             {low, Point{low.x + 1, low.y}, Point{low.x + 1, low.y + 1}, Point{low.x, low.y + 1}, low}) {
+        for (const polygons::Point p : {low, polygons::Point{low.x + 1, low.y}, polygons::Point{low.x + 1, low.y + 1},
+                                        polygons::Point{low.x, low.y + 1}, low}) {
             polygons.add(p);
         }
     }
@@ -115,7 +117,7 @@ TEST(EdgeSweep, MarksExactlyTheFeaturesWhoseBorderMeetsANodataSquare) {
     std::mt19937 random(3);
     for (int i = 0; i < kCases; ++i) {
         const Grid grid = small_grid(i % 2 == 1);
-        const PolygonSet polygons = awkward_polygons(random, grid, 6);
+        const polygons::PolygonSet polygons = awkward_polygons(random, grid, 6);
         const EdgeSweep sweep(polygons, grid, 1 + i % 5);
         // One NODATA cell alone, or a run of two.
         const int row = std::uniform_int_distribution<int>(0, grid.rows - 1)(random);
@@ -147,7 +149,7 @@ TEST(EdgeSweep, MarksExactlyTheFeaturesWhoseBorderMeetsANodataSquare) {
 }
 
 TEST(EdgeSweep, SegmentsTouchingARectangleAtACornerOrAlongASideCount) {
-    const Envelope square{1, 1, 2, 2};
+    const polygons::Envelope square{1, 1, 2, 2};
     EXPECT_TRUE(segment_touches({0, 2}, {2, 0}, square));  // through the corner (1, 1)
     EXPECT_TRUE(segment_touches({2, 0}, {2, 5}, square));  // along the east side
     EXPECT_TRUE(segment_touches({1.2, 1.2}, {1.3, 1.3}, square));
@@ -159,21 +161,21 @@ TEST(EdgeSweep, SegmentsTouchingARectangleAtACornerOrAlongASideCount) {
 }
 
 /// Stars of many points that overlap: more than are dealt out as one piece of work.
-PolygonSet stars(const Grid& grid, int count, int points) {
-    PolygonSet polygons;
+polygons::PolygonSet stars(const Grid& grid, int count, int points) {
+    polygons::PolygonSet polygons;
     std::mt19937 random(8);
     std::uniform_real_distribution<double> share(0, 1);
     for (int i = 0; i < count; ++i) {
-        const Point centre{grid.x0 + grid.columns * grid.dx * share(random),
-                           grid.y0 + grid.rows * grid.dy * share(random)};
+        const polygons::Point centre{grid.x0 + grid.columns * grid.dx * share(random),
+                                     grid.y0 + grid.rows * grid.dy * share(random)};
         polygons.begin_feature();
         polygons.begin_polygon();
         polygons.begin_ring();
-        Point first;
+        polygons::Point first;
         for (int p = 0; p < points; ++p) {
             const double angle = 2 * std::numbers::pi * p / points;
             const double radius = 4 + 3 * share(random);
-            const Point at{centre.x + radius * std::cos(angle), centre.y + radius * std::sin(angle)};
+            const polygons::Point at{centre.x + radius * std::cos(angle), centre.y + radius * std::sin(angle)};
             first = p == 0 ? at : first;
             polygons.add(at);
         }
@@ -184,7 +186,7 @@ PolygonSet stars(const Grid& grid, int count, int points) {
 
 TEST(EdgeSweep, IsTheSameWithAnyNumberOfThreads) {
     const Grid grid = small_grid(false);
-    const PolygonSet polygons = stars(grid, 97, 3000);
+    const polygons::PolygonSet polygons = stars(grid, 97, 3000);
     const std::vector<int> lines{0, 5, 6, 12, grid.rows};
     const auto rows_of = [&](int threads) {
         base::NoProgress nobody;
@@ -219,7 +221,7 @@ TEST(EdgeSweep, IsTheSameWithAnyNumberOfThreads) {
 
 TEST(EdgeSweep, StopsWhenToldSo) {
     const Grid grid = small_grid(false);
-    const PolygonSet polygons = stars(grid, 97, 3000);
+    const polygons::PolygonSet polygons = stars(grid, 97, 3000);
     test::ListeningProgress stop(1);
     const EdgeSweep sweep(polygons, grid, {0, grid.rows}, 2, stop);
     EXPECT_EQ(stop.fractions, std::vector<double>{0}) << "it does not ask again";
@@ -227,11 +229,12 @@ TEST(EdgeSweep, StopsWhenToldSo) {
 
 TEST(EdgeSweep, BandsThatNoEdgeReachesAreEmpty) {
     const Grid grid{.x0 = 0, .y0 = 100, .dx = 1, .dy = -1, .columns = 10, .rows = 100};
-    PolygonSet polygons;
+    polygons::PolygonSet polygons;
     polygons.begin_feature();
     polygons.begin_polygon();
     polygons.begin_ring();
-    for (const Point p : {Point{2, 52}, Point{8, 52}, Point{8, 58}, Point{2, 52}}) {
+    for (const polygons::Point p :
+         {polygons::Point{2, 52}, polygons::Point{8, 52}, polygons::Point{8, 58}, polygons::Point{2, 52}}) {
         polygons.add(p);
     }
     const EdgeSweep sweep(polygons, grid, 10);
@@ -244,15 +247,15 @@ TEST(EdgeSweep, BandsThatNoEdgeReachesAreEmpty) {
 TEST(EdgeSweep, LongEdgesAtHugeCoordinatesStayExact) {
     // Edges through cell centres of a grid whose lines are no round binary numbers.
     const Grid grid{.x0 = 5000000.1, .y0 = 4000000.7, .dx = 31.5303, .dy = -31.5247, .columns = 40, .rows = 40};
-    PolygonSet polygons;
+    polygons::PolygonSet polygons;
     polygons.begin_feature();
     polygons.begin_polygon();
     polygons.begin_ring();
-    const Point a{grid.centre_x(3), grid.centre_y(30)};
-    const Point b{grid.centre_x(30), grid.centre_y(30)};
-    const Point c{grid.centre_x(30), grid.centre_y(3)};
-    const Point d{grid.centre_x(3), grid.centre_y(3)};
-    for (const Point p : {a, b, c, d, a}) {
+    const polygons::Point a{grid.centre_x(3), grid.centre_y(30)};
+    const polygons::Point b{grid.centre_x(30), grid.centre_y(30)};
+    const polygons::Point c{grid.centre_x(30), grid.centre_y(3)};
+    const polygons::Point d{grid.centre_x(3), grid.centre_y(3)};
+    for (const polygons::Point p : {a, b, c, d, a}) {
         polygons.add(p);
     }
     const auto inside = swept_cells(polygons, grid, 7);

@@ -55,18 +55,19 @@ FeatureClass of_geometries(const TemporaryFolder& folder, const std::vector<std:
     return FeatureClass::open({write_csv(folder, "String,Integer", lines)});
 }
 
-PolygonSet polygons_of(const std::vector<std::string>& geometries) {
+polygons::PolygonSet polygons_of(const std::vector<std::string>& geometries) {
     const TemporaryFolder folder;
     return of_geometries(folder, geometries).read_polygons({}).polygons;
 }
 
-PolygonSet squares(int count) {
-    PolygonSet set;
+polygons::PolygonSet squares(int count) {
+    polygons::PolygonSet set;
     for (int i = 0; i < count; ++i) {
         set.begin_feature();
         set.begin_polygon();
         set.begin_ring();
-        for (const Point p : {Point{0, 0}, Point{0, 1}, Point{1, 1}, Point{1, 0}, Point{0, 0}}) {
+        for (const polygons::Point p : {polygons::Point{0, 0}, polygons::Point{0, 1}, polygons::Point{1, 1},
+                                        polygons::Point{1, 0}, polygons::Point{0, 0}}) {
             set.add({p.x + 2 * i, p.y});
         }
     }
@@ -78,7 +79,7 @@ std::string write_squares(const std::string& path, int count) {
     const std::vector<Field> fields{
         {"N", "", FieldType::integer, 9}, {"EVEN", "", FieldType::integer, 1}, {"NAME", "", FieldType::text, 20}};
     ShapefileWriter writer(path, fields, SpatialReference::from("EPSG:26912"));
-    const PolygonSet set = squares(count);
+    const polygons::PolygonSet set = squares(count);
     for (int i = 0; i < count; ++i) {
         writer.insert(set, static_cast<std::size_t>(i),
                       std::vector<Value>{std::int64_t{i}, std::int64_t{i % 2 == 0}, "square " + std::to_string(i)});
@@ -276,8 +277,8 @@ TEST(FeatureClassRead, HolesPartsAndOrderOfRingsAreKept) {
     ASSERT_EQ(set.feature_count(), 2U);
     EXPECT_EQ(set.first_polygon(1), 2U);
     EXPECT_EQ(set.first_ring(1), 3U);
-    EXPECT_EQ(set.ring(1)[0], (Point{1, 1}));
-    EXPECT_EQ(set.ring(3)[1], (Point{21, 0}));
+    EXPECT_EQ(set.ring(1)[0], (polygons::Point{1, 1}));
+    EXPECT_EQ(set.ring(3)[1], (polygons::Point{21, 0}));
     EXPECT_EQ(set.area(0), 81 - 1 - 1 + 0.5);
     EXPECT_EQ(set.area(1), 4.0);
 }
@@ -538,8 +539,8 @@ TEST_F(FeatureClassRealData, GeoPackageFieldsAndFiltersWork) {
 TEST_F(FeatureClassRealData, ExtentHoldsAllPolygons) {
     for (const char* name : {"/sheds.shp", "/sheds.gpkg", "/blockgroups_wgs84.gpkg"}) {
         const auto layer = FeatureClass::open({m_folder + name});
-        Envelope extent = layer.extent();
-        const Envelope read = layer.read_polygons({}).polygons.envelope();
+        polygons::Envelope extent = layer.extent();
+        const polygons::Envelope read = layer.read_polygons({}).polygons.envelope();
         EXPECT_NEAR(extent.min_x, read.min_x, 1e-6) << name;
         EXPECT_NEAR(extent.max_y, read.max_y, 1e-6) << name;
     }

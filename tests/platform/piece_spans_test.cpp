@@ -20,9 +20,9 @@ constexpr std::int64_t kNoZone = -1;
 /// What lies over a raster: zones, perhaps an overlay, and scenarios.
 struct Scene {
     Grid grid;
-    PolygonSet zones;
-    std::optional<PolygonSet> overlay;
-    std::vector<PolygonSet> scenarios;
+    polygons::PolygonSet zones;
+    std::optional<polygons::PolygonSet> overlay;
+    std::vector<polygons::PolygonSet> scenarios;
     int rows_per_band = 4;
 
     LayerSweeps sweeps() const {
@@ -30,7 +30,7 @@ struct Scene {
         if (overlay) {
             layers.overlay.emplace(*overlay, grid, rows_per_band);
         }
-        for (const PolygonSet& scenario : scenarios) {
+        for (const polygons::PolygonSet& scenario : scenarios) {
             layers.scenarios.emplace_back(scenario, grid, rows_per_band);
         }
         return layers;

@@ -35,11 +35,12 @@ std::string write_layer(const std::string& path, int count) {
     ShapefileWriter writer(path, fields, SpatialReference::from("EPSG:26912"));
     std::mt19937 random(5);
     for (int i = 0; i < count; ++i) {
-        PolygonSet set;
+        polygons::PolygonSet set;
         set.begin_feature();
         const auto add_triangle = [&](double x, double y, double size) {
             set.begin_ring();
-            for (const Point p : {Point{x, y}, Point{x, y + size}, Point{x + size, y}, Point{x, y}}) {
+            for (const polygons::Point p : {polygons::Point{x, y}, polygons::Point{x, y + size},
+                                            polygons::Point{x + size, y}, polygons::Point{x, y}}) {
                 set.add(p);
             }
         };
@@ -162,7 +163,7 @@ TEST(PolygonReading, TheFirstBadFeatureIsToldWhateverTheThreads) {
             while (all.polygons.empty(feature)) {
                 ++feature;
             }
-            const Point first = all.polygons.ring(all.polygons.first_ring_of(feature))[1];
+            const polygons::Point first = all.polygons.ring(all.polygons.first_ring_of(feature))[1];
             const std::string point(reinterpret_cast<const char*>(&first), sizeof first);
             const std::size_t at = bytes.find(point);
             ASSERT_NE(at, std::string::npos);

@@ -26,17 +26,17 @@ std::string new_stem(const test::TemporaryFolder& folder) {
     return folder / "out";
 }
 
-void add_box(PolygonSet& set, double x, double y, double size, bool clockwise) {
+void add_box(polygons::PolygonSet& set, double x, double y, double size, bool clockwise) {
     set.begin_ring();
-    const Point corners[] = {{x, y}, {x + size, y}, {x + size, y + size}, {x, y + size}, {x, y}};
+    const polygons::Point corners[] = {{x, y}, {x + size, y}, {x + size, y + size}, {x, y + size}, {x, y}};
     for (int i = 0; i < 5; ++i) {
         set.add(corners[clockwise ? 4 - i : i]);
     }
 }
 
 /// Features of no to three squares beside one another, some with holes, running either way.
-PolygonSet random_features(std::mt19937& random, int count) {
-    PolygonSet set;
+polygons::PolygonSet random_features(std::mt19937& random, int count) {
+    polygons::PolygonSet set;
     for (int f = 0; f < count; ++f) {
         set.begin_feature();
         const auto parts = random() % 4;
@@ -53,9 +53,10 @@ PolygonSet random_features(std::mt19937& random, int count) {
     return set;
 }
 
-std::vector<Point> sorted(std::span<const Point> ring) {
-    std::vector<Point> points(ring.begin(), ring.end() - 1);
-    std::sort(points.begin(), points.end(), [](Point a, Point b) { return a.x != b.x ? a.x < b.x : a.y < b.y; });
+std::vector<polygons::Point> sorted(std::span<const polygons::Point> ring) {
+    std::vector<polygons::Point> points(ring.begin(), ring.end() - 1);
+    std::sort(points.begin(), points.end(),
+              [](polygons::Point a, polygons::Point b) { return a.x != b.x ? a.x < b.x : a.y < b.y; });
     return points;
 }
 
@@ -64,7 +65,7 @@ TEST(ShapeRecords, ReadBackAsTheyWereWhateverWayRingsRun) {
     for (int round = 0; round < 40; ++round) {
         const test::TemporaryFolder folder;
         const int count = static_cast<int>(random() % 60);
-        const PolygonSet set = random_features(random, count);
+        const polygons::PolygonSet set = random_features(random, count);
         ShapeRecords records(new_stem(folder));
         for (std::size_t f = 0; f < set.feature_count(); ++f) {
             records.append(set, f);
@@ -74,7 +75,7 @@ TEST(ShapeRecords, ReadBackAsTheyWereWhateverWayRingsRun) {
         }
         records.close();
         std::filesystem::remove(folder / "out.dbf");  // it has no records: the shapes alone are read
-        const PolygonSet read = FeatureClass::open({folder / "out.shp"}).read_polygons({}).polygons;
+        const polygons::PolygonSet read = FeatureClass::open({folder / "out.shp"}).read_polygons({}).polygons;
         ASSERT_EQ(read.feature_count(), set.feature_count());
         ASSERT_EQ(read.polygon_count(), set.polygon_count());
         ASSERT_EQ(read.ring_count(), set.ring_count());
@@ -94,7 +95,7 @@ TEST(ShapeRecords, ReadBackAsTheyWereWhateverWayRingsRun) {
 TEST(ShapeRecords, SizeIsWhatTheFileHas) {
     const test::TemporaryFolder folder;
     std::mt19937 random(4);
-    const PolygonSet set = random_features(random, 50);
+    const polygons::PolygonSet set = random_features(random, 50);
     ShapeRecords records(new_stem(folder));
     std::int64_t size = records.size();
     EXPECT_EQ(size, 100);
@@ -110,7 +111,7 @@ TEST(ShapeRecords, SizeIsWhatTheFileHas) {
 
 TEST(ShapeRecords, ShellsRunClockwiseAndHolesTheOtherWay) {
     const test::TemporaryFolder folder;
-    PolygonSet set;
+    polygons::PolygonSet set;
     set.begin_feature();
     set.begin_polygon();
     add_box(set, 0, 0, 10, false);
@@ -119,18 +120,18 @@ TEST(ShapeRecords, ShellsRunClockwiseAndHolesTheOtherWay) {
     records.append(set, 0);
     records.close();
     const std::string bytes = base::read_file(folder / "out.shp");
-    std::vector<Point> points(10);
+    std::vector<polygons::Point> points(10);
     const std::size_t start = 100 + 8 + 44 + 2 * 4;
     ASSERT_EQ(bytes.size(), start + 160);
     std::memcpy(points.data(), bytes.data() + start, 160);
-    EXPECT_LT(twice_signed_area(std::span(points).first(5)), 0);
-    EXPECT_GT(twice_signed_area(std::span(points).last(5)), 0);
+    EXPECT_LT(polygons::twice_signed_area(std::span(points).first(5)), 0);
+    EXPECT_GT(polygons::twice_signed_area(std::span(points).last(5)), 0);
 }
 
 TEST(ShapeRecords, FullDeviceIsToldOfWithItsReason) {
     const test::TemporaryFolder folder;
     std::mt19937 random(5);
-    const PolygonSet set = random_features(random, 400);
+    const polygons::PolygonSet set = random_features(random, 400);
     ShapeRecords records(new_stem(folder));
     for (std::size_t f = 0; f < set.feature_count(); ++f) {
         records.append(set, f);  // still in the buffer
@@ -144,7 +145,7 @@ TEST(ShapeRecords, FullDeviceIsToldOfWithItsReason) {
 TEST(ShapeRecords, BufferThatIsFullIsWrittenWhereTheDeviceIsNot) {
     const test::TemporaryFolder folder;
     std::mt19937 random(6);
-    const PolygonSet set = random_features(random, 3000);
+    const polygons::PolygonSet set = random_features(random, 3000);
     ShapeRecords records(new_stem(folder));
     const test::FileSizeLimit limit(4096);
     const base::RuntimeError error = test::error_of([&] {

@@ -29,16 +29,16 @@ using ::testing::HasSubstr;
 
 constexpr std::monostate kNull;
 
-void add_ring(PolygonSet& set, std::initializer_list<Point> points) {
+void add_ring(polygons::PolygonSet& set, std::initializer_list<polygons::Point> points) {
     set.begin_ring();
-    for (const Point p : points) {
+    for (const polygons::Point p : points) {
         set.add(p);
     }
 }
 
 /// One feature: a square of that size with its lower left corner at x, 0.
-PolygonSet square(double x = 0, double size = 1) {
-    PolygonSet set;
+polygons::PolygonSet square(double x = 0, double size = 1) {
+    polygons::PolygonSet set;
     set.begin_feature();
     set.begin_polygon();
     add_ring(set, {{x, 0}, {x, size}, {x + size, size}, {x + size, 0}, {x, 0}});
@@ -46,8 +46,8 @@ PolygonSet square(double x = 0, double size = 1) {
 }
 
 /// One feature with a ring of many points.
-PolygonSet circle(std::size_t points) {
-    PolygonSet set;
+polygons::PolygonSet circle(std::size_t points) {
+    polygons::PolygonSet set;
     set.begin_feature();
     set.begin_polygon();
     set.begin_ring();
@@ -150,7 +150,7 @@ TEST(ShapefileWriter, NoFeaturesMakeAShapefileOfNone) {
 
 TEST(ShapefileWriter, HolesAndPartsSurvive) {
     const TemporaryFolder folder;
-    PolygonSet set;
+    polygons::PolygonSet set;
     set.begin_feature();
     set.begin_polygon();
     add_ring(set, {{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}});
@@ -170,7 +170,7 @@ TEST(ShapefileWriter, HolesAndPartsSurvive) {
 
 TEST(ShapefileWriter, EmptyGeometryBecomesANullShape) {
     const TemporaryFolder folder;
-    PolygonSet set = square();
+    polygons::PolygonSet set = square();
     set.begin_feature();
     const std::vector<Field> fields{{"A", "", FieldType::integer, 4}};
     ShapefileWriter writer(folder / "out.shp", fields, {});
@@ -445,7 +445,7 @@ class SmallDevice {
 };
 
 /// Writes `count` features and gives the number of the first error, 0 for none.
-std::int32_t fill(const std::string& path, int count, const PolygonSet& polygons) {
+std::int32_t fill(const std::string& path, int count, const polygons::PolygonSet& polygons) {
     const std::vector<Field> fields{{"A", "", FieldType::integer, 9}, {"T", "", FieldType::text, 100}};
     return error_number([&] {
         ShapefileWriter writer(path, fields, SpatialReference::from("EPSG:26912"));

@@ -30,12 +30,12 @@ std::string home_made(const std::string& name, double central_meridian) {
            R"(],PARAMETER["Scale_Factor",0.99991],PARAMETER["Latitude_Of_Origin",11.0],UNIT["Meter",1.0]])";
 }
 
-PolygonSet polygon_of(std::initializer_list<Point> points) {
-    PolygonSet set;
+polygons::PolygonSet polygon_of(std::initializer_list<polygons::Point> points) {
+    polygons::PolygonSet set;
     set.begin_feature();
     set.begin_polygon();
     set.begin_ring();
-    for (const Point p : points) {
+    for (const polygons::Point p : points) {
         set.add(p);
     }
     return set;
@@ -230,7 +230,7 @@ TEST(SpatialReference, IsSharedByThreads) {
 }
 
 TEST(Project, TakesEastOrLongitudeAsX) {
-    PolygonSet set = polygon_of({{-111, 37}, {-110, 37}, {-110, 38}, {-111, 37}});
+    polygons::PolygonSet set = polygon_of({{-111, 37}, {-110, 37}, {-110, 38}, {-111, 37}});
     project(set, SpatialReference::from("EPSG:4269"), SpatialReference::from("EPSG:26912"));
     EXPECT_NEAR(set.points()[0].x, 500000, 1e-6) << "the central meridian of zone 12";
     EXPECT_NEAR(set.points()[0].y, 4094872.4, 0.1) << "0.9996 of the meridian's length";
@@ -242,8 +242,8 @@ TEST(Project, TakesEastAsXWhereTheCatalogueNamesNorthFirst) {
     struct Case {
         const char* geographic;
         const char* projected;
-        Point degrees;
-        Point metres;
+        polygons::Point degrees;
+        polygons::Point metres;
         double tolerance;
     };
     // On the central meridian, so that east is the false easting and no north can be mistaken for it.
@@ -253,7 +253,7 @@ TEST(Project, TakesEastAsXWhereTheCatalogueNamesNorthFirst) {
         SCOPED_TRACE(at.projected);
         const auto geographic = SpatialReference::from(at.geographic);
         const auto projected = SpatialReference::from(at.projected);
-        PolygonSet set = polygon_of({at.degrees});
+        polygons::PolygonSet set = polygon_of({at.degrees});
         project(set, geographic, projected);
         EXPECT_NEAR(set.points()[0].x, at.metres.x, 1e-6);
         EXPECT_NEAR(set.points()[0].y, at.metres.y, at.tolerance);
@@ -267,8 +267,9 @@ TEST(Project, OrderOfAxesInTheCatalogueAndInAPrjTextIsTheSame) {
     for (const char* code : {"EPSG:2193", "EPSG:31467", "EPSG:3035"}) {
         SCOPED_TRACE(code);
         const auto catalogue = SpatialReference::from(code);
-        const Point before = catalogue.name().starts_with("DHDN") ? Point{3512000, 5650000} : Point{1612000, 5450000};
-        PolygonSet set = polygon_of({before});
+        const polygons::Point before = catalogue.name().starts_with("DHDN") ? polygons::Point{3512000, 5650000}
+                                                                            : polygons::Point{1612000, 5450000};
+        polygons::PolygonSet set = polygon_of({before});
         project(set, catalogue, SpatialReference::from(catalogue.esri_wkt()));
         EXPECT_NEAR(set.points()[0].x, before.x, 1e-6);
         EXPECT_NEAR(set.points()[0].y, before.y, 1e-6);
@@ -276,7 +277,7 @@ TEST(Project, OrderOfAxesInTheCatalogueAndInAPrjTextIsTheSame) {
 }
 
 TEST(Project, ThereAndBackIsWithinAMicrometre) {
-    PolygonSet set;
+    polygons::PolygonSet set;
     set.begin_feature();
     set.begin_polygon();
     set.begin_ring();
@@ -285,7 +286,7 @@ TEST(Project, ThereAndBackIsWithinAMicrometre) {
         const int row = i / 1000;
         set.add({300000 + i % 1000 * 40.0, 4100000 + row * 40.0});
     }
-    const PolygonSet before = set;
+    const polygons::PolygonSet before = set;
     const auto utm = SpatialReference::from("EPSG:26912");
     const auto wgs84 = SpatialReference::from("EPSG:4326");
     project(set, utm, wgs84);
@@ -300,7 +301,7 @@ TEST(Project, ThereAndBackIsWithinAMicrometre) {
 }
 
 TEST(Project, VerticesThatAreEqualBeforeAreEqualAfter) {
-    PolygonSet set;
+    polygons::PolygonSet set;
     set.begin_feature();
     set.begin_polygon();
     set.begin_ring();
@@ -317,14 +318,14 @@ TEST(Project, VerticesThatAreEqualBeforeAreEqualAfter) {
 }
 
 TEST(Project, BetweenDatumsOfOneZoneMovesLittle) {
-    PolygonSet set = polygon_of({{320000, 4130000}, {321000, 4130000}, {321000, 4131000}, {320000, 4130000}});
+    polygons::PolygonSet set = polygon_of({{320000, 4130000}, {321000, 4130000}, {321000, 4131000}, {320000, 4130000}});
     project(set, SpatialReference::from("EPSG:32612"), SpatialReference::from("EPSG:26912"));
     EXPECT_NEAR(set.points()[0].x, 320000, 3);
     EXPECT_NEAR(set.points()[0].y, 4130000, 3);
 }
 
 TEST(Project, VertexThatCannotBeProjectedIsNamedAndNothingIsMoved) {
-    PolygonSet set = polygon_of({{-111, 37}, {-110, 37}, {-110, 95}, {-111, 37}});
+    polygons::PolygonSet set = polygon_of({{-111, 37}, {-110, 37}, {-110, 95}, {-111, 37}});
     try {
         project(set, SpatialReference::from("EPSG:4326"), SpatialReference::from("EPSG:26912"));
         FAIL() << "no error";
@@ -333,17 +334,17 @@ TEST(Project, VertexThatCannotBeProjectedIsNamedAndNothingIsMoved) {
         EXPECT_THAT(error.description(),
                     HasSubstr("The vertex (-110, 95) cannot be projected from WGS 84 to NAD83 / UTM zone 12N"));
     }
-    EXPECT_EQ(set.points()[0], (Point{-111, 37}));
+    EXPECT_EQ(set.points()[0], (polygons::Point{-111, 37}));
 }
 
 TEST(Project, NeedsBothSystems) {
-    PolygonSet set = polygon_of({{1, 1}, {2, 1}, {2, 2}, {1, 1}});
+    polygons::PolygonSet set = polygon_of({{1, 1}, {2, 1}, {2, 2}, {1, 1}});
     EXPECT_THROW(project(set, SpatialReference(), SpatialReference::from("EPSG:26912")), base::RuntimeError);
     EXPECT_THROW(project(set, SpatialReference::from("EPSG:26912"), SpatialReference()), base::RuntimeError);
 }
 
 TEST(Project, EmptySetStaysEmpty) {
-    PolygonSet set;
+    polygons::PolygonSet set;
     project(set, SpatialReference::from("EPSG:26912"), SpatialReference::from("EPSG:4326"));
     EXPECT_EQ(set.point_count(), 0U);
 }

@@ -26,10 +26,10 @@ constexpr double kNodata = 99;
 
 struct Scene {
     RasterFile raster;
-    PolygonSet zones;
-    PolygonSet overlay;
+    polygons::PolygonSet zones;
+    polygons::PolygonSet overlay;
     bool with_overlay = false;
-    std::vector<PolygonSet> scenarios;
+    std::vector<polygons::PolygonSet> scenarios;
 };
 
 int pick(std::mt19937& random, int lowest, int highest) {
@@ -77,7 +77,7 @@ Scene random_scene(std::mt19937& random, int number) {
 TabulationInput input_of(const Scene& scene) {
     TabulationInput input{.zones = &scene.zones};
     input.overlay = scene.with_overlay ? &scene.overlay : nullptr;
-    for (const PolygonSet& scenario : scene.scenarios) {
+    for (const polygons::PolygonSet& scenario : scene.scenarios) {
         input.scenarios.push_back(&scenario);
     }
     return input;
@@ -299,7 +299,8 @@ TEST_F(ZonalTabulation, NegativeAndLargeCodesAreClassesLikeOthers) {
     scene.zones.begin_feature();
     scene.zones.begin_polygon();
     scene.zones.begin_ring();
-    for (const Point p : {Point{0, 0}, Point{2, 0}, Point{2, 2}, Point{0, 2}, Point{0, 0}}) {
+    for (const polygons::Point p : {polygons::Point{0, 0}, polygons::Point{2, 0}, polygons::Point{2, 2},
+                                    polygons::Point{0, 2}, polygons::Point{0, 0}}) {
         scene.zones.add(p);
     }
     const ZoneCounts counts = tabulated(scene, scene.raster);
@@ -312,7 +313,7 @@ TEST_F(ZonalTabulation, NegativeAndLargeCodesAreClassesLikeOthers) {
 TEST_F(ZonalTabulation, ZonesOutsideOfTheRasterHaveNoRows) {
     std::mt19937 random(14);
     Scene scene = random_scene(random, 0);
-    for (Point& point : scene.zones.points()) {
+    for (polygons::Point& point : scene.zones.points()) {
         point.x += 1000;
     }
     scene.with_overlay = false;

@@ -9,8 +9,8 @@
 namespace kestrel::test {
 
 using platform::Grid;
-using platform::Point;
-using platform::PolygonSet;
+using polygons::Point;
+using polygons::PolygonSet;
 
 namespace {
 

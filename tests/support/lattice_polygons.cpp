@@ -8,8 +8,8 @@
 
 namespace kestrel::test {
 
-using platform::Point;
-using platform::PolygonSet;
+using polygons::Point;
+using polygons::PolygonSet;
 
 namespace {
 

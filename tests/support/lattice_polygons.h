@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-#include "platform/polygons.h"
+#include "polygons/polygons.h"
 
 /// \file
 /// Polygons on a lattice of few points, whose edges lie on one another, cross, touch and end on one another all the
@@ -16,30 +16,30 @@ namespace kestrel::test {
 
 /// Features of one to three polygons whose corners are whole numbers from 0 to `side`: boxes, triangles down to
 /// slivers, concave ones, some with holes that may touch the shell or with spikes of no width. Rings run either way.
-platform::PolygonSet lattice_polygons(std::mt19937& random, int side, int count);
+polygons::PolygonSet lattice_polygons(std::mt19937& random, int side, int count);
 
 /// Boxes between whole numbers from 0 to `side`, no wider and no higher than `most`.
-platform::PolygonSet lattice_boxes(std::mt19937& random, int side, int most, int count);
+polygons::PolygonSet lattice_boxes(std::mt19937& random, int side, int most, int count);
 
 /// A feature for each polygon, which is given as its rings, the shell first, not closed.
-platform::PolygonSet features(std::initializer_list<std::vector<std::vector<platform::Point>>> polygons);
+polygons::PolygonSet features(std::initializer_list<std::vector<std::vector<polygons::Point>>> polygons);
 
 /// The corners of a box.
-std::vector<platform::Point> box(double x, double y, double width, double height);
+std::vector<polygons::Point> box(double x, double y, double width, double height);
 
 /// Positions of all features.
-std::vector<std::size_t> all_of(const platform::PolygonSet& polygons);
+std::vector<std::size_t> all_of(const polygons::PolygonSet& polygons);
 
 /// How many polygons of the features hold the point, which lies on none of their edges.
-int polygons_over(const platform::PolygonSet& polygons, std::span<const std::size_t> members, platform::Point p);
+int polygons_over(const polygons::PolygonSet& polygons, std::span<const std::size_t> members, polygons::Point p);
 
 struct PointsBeside {
-    platform::Point left;
-    platform::Point right;
+    polygons::Point left;
+    polygons::Point right;
 };
 
 /// Points a hair to the left and to the right of the line from `from` to `to`. They are not beside its middle: there,
 /// lines of a lattice may cross it at a right angle, and a point on an edge is on neither side of it.
-PointsBeside points_beside(platform::Point from, platform::Point to, double hair);
+PointsBeside points_beside(polygons::Point from, polygons::Point to, double hair);
 
 }  // namespace kestrel::test

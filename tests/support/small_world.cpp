@@ -15,8 +15,8 @@ namespace kestrel::test {
 
 using platform::Field;
 using platform::FieldType;
-using platform::Point;
 using platform::SpatialReference;
+using polygons::Point;
 
 namespace {
 
@@ -63,8 +63,8 @@ Field real_field(const std::string& name) {
     return {.name = name, .type = FieldType::real, .length = 18, .precision = 18, .scale = 6};
 }
 
-platform::PolygonSet polygons_of(const std::vector<Shape>& shapes, double cell) {
-    platform::PolygonSet set;
+polygons::PolygonSet polygons_of(const std::vector<Shape>& shapes, double cell) {
+    polygons::PolygonSet set;
     for (const Shape& shape : shapes) {
         set.begin_feature();
         for (const Box& box : shape.boxes) {
@@ -112,7 +112,7 @@ void SmallWorld::layer(const std::string& name, const std::vector<Field>& fields
                        std::vector<std::int64_t> selected, const std::string& reference) {
     const std::string path = folder / (name + ".shp");
     platform::ShapefileWriter writer(path, fields, reference_of(reference));
-    const platform::PolygonSet polygons = polygons_of(shapes, cell);
+    const polygons::PolygonSet polygons = polygons_of(shapes, cell);
     for (std::size_t i = 0; i < shapes.size(); ++i) {
         writer.insert(polygons, i, shapes[i].values);
     }

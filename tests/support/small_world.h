@@ -10,7 +10,7 @@
 #include "engine/clsISExecuteModel.h"
 #include "platform/field.h"
 #include "platform/headless/headless_application.h"
-#include "platform/polygons.h"
+#include "polygons/polygons.h"
 #include "tests/support/raster_analysis.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
@@ -116,10 +116,10 @@ class SmallWorld {
 };
 
 /// The rectangles in map units, a feature for each shape.
-platform::PolygonSet polygons_of(const std::vector<Shape>& shapes, double cell = 100);
+polygons::PolygonSet polygons_of(const std::vector<Shape>& shapes, double cell = 100);
 /// The same, as a run holds them.
-inline platform::SharedPolygons shared_polygons_of(const std::vector<Shape>& shapes, double cell = 100) {
-    return std::make_shared<const platform::PolygonSet>(polygons_of(shapes, cell));
+inline polygons::SharedPolygons shared_polygons_of(const std::vector<Shape>& shapes, double cell = 100) {
+    return std::make_shared<const polygons::PolygonSet>(polygons_of(shapes, cell));
 }
 
 }  // namespace kestrel::test
