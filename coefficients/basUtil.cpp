@@ -25,9 +25,9 @@ std::string where_the_copy_is(const std::string& path) {
 }
 
 /// Nothing when the file is missing or not well-formed: that is an answer here and no error, so it is not reported.
-std::optional<platform::XmlDocument> load_document(const std::string& path) {
+std::optional<data::XmlDocument> load_document(const std::string& path) {
     try {
-        return platform::XmlDocument::load(path);
+        return data::XmlDocument::load(path);
     } catch (const base::RuntimeError& error) {
         reporting::interaction().notice(error.description() + "." + where_the_copy_is(path));
         return std::nullopt;
@@ -36,7 +36,7 @@ std::optional<platform::XmlDocument> load_document(const std::string& path) {
 
 bool loads(const std::string& path) {
     try {
-        clsISModelProperties().LoadNode(platform::XmlDocument::load(path).root());
+        clsISModelProperties().LoadNode(data::XmlDocument::load(path).root());
         return true;
     } catch (const base::RuntimeError&) {
         return false;  // what is wrong with the old store does not matter to one who replaces it
@@ -53,7 +53,7 @@ void keep_copy(const std::string& path) {
 }  // namespace
 
 bool GetISModelProperties(clsISModelProperties& props, const std::string& path) try {
-    const std::optional<platform::XmlDocument> document = load_document(path);
+    const std::optional<data::XmlDocument> document = load_document(path);
     if (!document) {
         return false;
     }

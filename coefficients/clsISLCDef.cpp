@@ -4,12 +4,12 @@
 
 namespace kestrel {
 
-void clsISLCDef::write_into(platform::XmlElement& element) const {
+void clsISLCDef::write_into(data::XmlElement& element) const {
     element.append("LCType", LCType);
     LCClasses.CreateNode(element);
 }
 
-void clsISLCDef::LoadNode(const platform::XmlElement& element) {
+void clsISLCDef::LoadNode(const data::XmlElement& element) {
     if (!element) {
         return;
     }

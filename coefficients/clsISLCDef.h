@@ -16,7 +16,7 @@ class clsISLCDef : public XmlRecord<clsISLCDef> {
 
     /// Fills the set from `element`; nothing is done when it is none. A missing name is an empty one; classes that are
     /// missing as a whole leave those of the set as they are. When it throws, nothing has changed.
-    void LoadNode(const platform::XmlElement& element);
+    void LoadNode(const data::XmlElement& element);
 
     /// The set's name.
     std::string LCType;
@@ -24,7 +24,7 @@ class clsISLCDef : public XmlRecord<clsISLCDef> {
 
   private:
     friend class XmlRecord<clsISLCDef>;
-    void write_into(platform::XmlElement& element) const;
+    void write_into(data::XmlElement& element) const;
 };
 
 }  // namespace kestrel

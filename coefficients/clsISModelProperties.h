@@ -16,13 +16,13 @@ class clsISModelProperties : public XmlRecord<clsISModelProperties> {
 
     /// Replaces the sets by those of `element`; they stay as they are when it is none, or has none. When it throws,
     /// nothing has changed.
-    void LoadNode(const platform::XmlElement& element) { ISLCDefs.LoadNode(element.child(clsISLCDefs::FNodeName())); }
+    void LoadNode(const data::XmlElement& element) { ISLCDefs.LoadNode(element.child(clsISLCDefs::FNodeName())); }
 
     clsISLCDefs ISLCDefs;
 
   private:
     friend class XmlRecord<clsISModelProperties>;
-    void write_into(platform::XmlElement& element) const { ISLCDefs.CreateNode(element); }
+    void write_into(data::XmlElement& element) const { ISLCDefs.CreateNode(element); }
 };
 
 }  // namespace kestrel

@@ -8,7 +8,7 @@ namespace kestrel {
 
 using base::text_of;
 
-void clsLCClass::write_into(platform::XmlElement& element) const {
+void clsLCClass::write_into(data::XmlElement& element) const {
     element.set_attribute("ID", text_of(ID));
     element.append("LCName", LCName);
     element.append("LCHigh", text_of(LCHigh));
@@ -16,7 +16,7 @@ void clsLCClass::write_into(platform::XmlElement& element) const {
     element.append("LCLow", text_of(LCLow));
 }
 
-void clsLCClass::LoadNode(const platform::XmlElement& element) {
+void clsLCClass::LoadNode(const data::XmlElement& element) {
     if (!element) {
         return;
     }

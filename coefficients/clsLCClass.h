@@ -17,7 +17,7 @@ class clsLCClass : public XmlRecord<clsLCClass> {
     /// Fills the class from `element`; nothing is done when it is none.
     /// \throws RuntimeError 13 when the class value or a coefficient is missing or no number, 6 when it is too large;
     ///         then nothing has changed. A missing name is an empty one.
-    void LoadNode(const platform::XmlElement& element);
+    void LoadNode(const data::XmlElement& element);
 
     /// The class value: the cell value in the land-cover layer.
     std::int32_t ID = 0;
@@ -29,7 +29,7 @@ class clsLCClass : public XmlRecord<clsLCClass> {
 
   private:
     friend class XmlRecord<clsLCClass>;
-    void write_into(platform::XmlElement& element) const;
+    void write_into(data::XmlElement& element) const;
 };
 
 }  // namespace kestrel

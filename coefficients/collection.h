@@ -42,12 +42,12 @@ class Collection : public XmlRecord<Self> {
 
     /// Replaces the members by those of `element`, in document order; nothing is done when it is none. When it throws,
     /// nothing has changed.
-    void LoadNode(const platform::XmlElement& element) {
+    void LoadNode(const data::XmlElement& element) {
         if (!element) {
             return;
         }
         std::vector<std::shared_ptr<Member>> loaded;
-        for (const platform::XmlElement& child : element.children(Member::FNodeName())) {
+        for (const data::XmlElement& child : element.children(Member::FNodeName())) {
             loaded.push_back(std::make_shared<Member>());
             loaded.back()->LoadNode(child);
         }
@@ -64,7 +64,7 @@ class Collection : public XmlRecord<Self> {
   private:
     friend class XmlRecord<Self>;
 
-    void write_into(platform::XmlElement& element) const {
+    void write_into(data::XmlElement& element) const {
         for (const std::shared_ptr<Member>& member : m_members) {
             member->CreateNode(element);
         }

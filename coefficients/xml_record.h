@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/xml.h"
+#include "data/xml.h"
 
 namespace kestrel {
 
@@ -17,9 +17,9 @@ template <typename Self>
 class XmlRecord {
   public:
     /// This object's element: the last child of `parent`, or the root of a new document when none is given.
-    platform::XmlElement CreateNode(platform::XmlElement parent = {}) const {
-        platform::XmlElement element =
-            parent ? parent.append(Self::FNodeName()) : platform::XmlDocument::with_root(Self::FNodeName()).root();
+    data::XmlElement CreateNode(data::XmlElement parent = {}) const {
+        data::XmlElement element =
+            parent ? parent.append(Self::FNodeName()) : data::XmlDocument::with_root(Self::FNodeName()).root();
         static_cast<const Self&>(*this).write_into(element);
         return element;
     }
@@ -27,10 +27,10 @@ class XmlRecord {
     std::string XML() const { return CreateNode().xml(); }
 
     /// Fills this object from an XML text, whatever the name of its root element. When it throws, nothing has changed.
-    void XML(std::string_view text) { static_cast<Self&>(*this).LoadNode(platform::XmlDocument::parse(text).root()); }
+    void XML(std::string_view text) { static_cast<Self&>(*this).LoadNode(data::XmlDocument::parse(text).root()); }
 
     /// Text of the first node that `path` (a child's name, or "@" and an attribute's) selects; empty when none is.
-    static std::string GetNodeText(const platform::XmlElement& element, std::string_view path) {
+    static std::string GetNodeText(const data::XmlElement& element, std::string_view path) {
         return element.node_text(path);
     }
 };

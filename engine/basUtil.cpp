@@ -15,12 +15,12 @@
 
 namespace kestrel::basUtil {
 
-using platform::FeatureClass;
-using platform::Field;
-using platform::FieldType;
+using data::FeatureClass;
+using data::Field;
+using data::FieldType;
+using data::PolygonFeatures;
+using data::Value;
 using platform::Layer;
-using platform::PolygonFeatures;
-using platform::Value;
 
 namespace {
 
@@ -75,7 +75,7 @@ std::vector<std::string> names_of(std::span<const Field> fields) {
 class PieceWriter {
   public:
     PieceWriter(const std::string& path, const PolygonFeatures& input, const PolygonFeatures& overlay,
-                std::vector<IntersectedField> fields, const platform::SpatialReference& reference)
+                std::vector<IntersectedField> fields, const data::SpatialReference& reference)
         : m_input(input),
           m_overlay(overlay),
           m_fields(std::move(fields)),
@@ -99,7 +99,7 @@ class PieceWriter {
     const PolygonFeatures& m_input;
     const PolygonFeatures& m_overlay;
     std::vector<IntersectedField> m_fields;
-    platform::ShapefileWriter m_writer;
+    data::ShapefileWriter m_writer;
 };
 
 }  // namespace
@@ -187,11 +187,11 @@ std::unique_ptr<FeatureClass> CreateShapefile(const std::string& analysisFieldNa
     const PolygonFeatures features = original.read_polygons(wanted, selected);
     if (!features.columns.empty() && fields.front().type == FieldType::text) {
         for (const Value& value : features.columns.front()) {
-            fields.front().length = std::max(fields.front().length, static_cast<int>(base::text_of(value).size()));
+            fields.front().length = std::max(fields.front().length, static_cast<int>(data::text_of(value).size()));
         }
     }
     const std::string path = base::join_path(working_folder, name + ".shp");
-    platform::ShapefileWriter writer(path, fields, original.spatial_reference());
+    data::ShapefileWriter writer(path, fields, original.spatial_reference());
     copy_features(features, writer);
     writer.close();
     return std::make_unique<FeatureClass>(FeatureClass::open({.path = path}));
@@ -199,7 +199,7 @@ std::unique_ptr<FeatureClass> CreateShapefile(const std::string& analysisFieldNa
     return reported<std::unique_ptr<FeatureClass>>({"CreateShapefile", kModule});
 }
 
-std::size_t copy_features(const PolygonFeatures& source, platform::ShapefileWriter& target) {
+std::size_t copy_features(const PolygonFeatures& source, data::ShapefileWriter& target) {
     std::size_t unflushed = 0;
     for (std::size_t i = 0; i < source.polygons.feature_count(); ++i) {
         target.insert(source.polygons, i, AddFields(source, i));

@@ -11,8 +11,8 @@
 
 namespace kestrel {
 
-using platform::Field;
-using platform::Table;
+using data::Field;
+using data::Table;
 
 namespace {
 
@@ -22,7 +22,7 @@ constexpr const char* kModule = "clsISDSAdjustment";
 int target_column(Table& table, const std::string& name) {
     const int position = table.find_field(name);
     return position >= 0 ? position
-                         : table.add_field(basUtil::CreateFields(name, name, platform::FieldType::real, 18, 18, 6));
+                         : table.add_field(basUtil::CreateFields(name, name, data::FieldType::real, 18, 18, 6));
 }
 
 }  // namespace

@@ -8,11 +8,11 @@
 #include <string>
 #include <unordered_map>
 
+#include "data/table.h"
 #include "engine/clsISGetLCArea.h"
 #include "engine/coefficient_lookup.h"
 #include "parameters/clsReadParams.h"
 #include "platform/contracts/layer.h"
-#include "platform/table.h"
 
 namespace kestrel {
 
@@ -51,17 +51,17 @@ class clsISDSAdjustment {
     /// \param dcID code of the class that the scenario changes to.
     /// \param ZoneName, aTemp, dsInt names of the scenario's working data.
     /// \return the adjusted table; the unchanged one when the scenario is left out; nothing when the run is to stop.
-    std::optional<platform::Table> isDSAdjustment(platform::Table pTable, const ScenarioTheme& DSTheme,
-                                                  const std::string& analysisFldName, const std::string& dcID,
-                                                  const std::string& ZoneName, const std::string& aTemp,
-                                                  const std::string& dsInt, const LandClassDictionary& dictClasses);
+    std::optional<data::Table> isDSAdjustment(data::Table pTable, const ScenarioTheme& DSTheme,
+                                              const std::string& analysisFldName, const std::string& dcID,
+                                              const std::string& ZoneName, const std::string& aTemp,
+                                              const std::string& dsInt, const LandClassDictionary& dictClasses);
 
   private:
     /// Area inside the scenario, by zone.
     using ScenarioAreas = std::unordered_map<std::string, double>;
 
-    static ScenarioAreas take_away(platform::Table& table, const platform::Table& inside);
-    bool give_to_target(platform::Table& table, const platform::Table& inside, const ScenarioAreas& areas,
+    static ScenarioAreas take_away(data::Table& table, const data::Table& inside);
+    bool give_to_target(data::Table& table, const data::Table& inside, const ScenarioAreas& areas,
                         const std::string& dcID, const LandClassDictionary& dictClasses) const;
 
     AdjustmentContext m_context;

@@ -14,14 +14,14 @@
 #include "base/errors.h"
 #include "base/files.h"
 #include "base/part_of_progress.h"
+#include "data/layer_file.h"
+#include "data/output_files.h"
 #include "engine/basUtil.h"
 #include "engine/clsISTableFunctions.h"
 #include "engine/clsPopulationDensity.h"
 #include "engine/engine_texts.h"
 #include "engine/model_run.h"
 #include "engine/run_records.h"
-#include "platform/layer_file.h"
-#include "platform/output_files.h"
 #include "polygons/geometry.h"
 #include "records/metadata.h"
 #include "records/run_report.h"
@@ -29,8 +29,8 @@
 
 namespace kestrel {
 
-using platform::Field;
-using platform::Table;
+using data::Field;
+using data::Table;
 
 namespace {
 
@@ -298,7 +298,7 @@ bool clsISExecuteModel::publish(const std::string& shpPath, const std::string& s
     if (!run.app.progress().report(kDissolveEnds, "Writing the output")) {
         return false;
     }
-    platform::StagedOutput stage(shpPath);
+    data::StagedOutput stage(shpPath);
     base::PartOfProgress writing(run.app.progress(), kDissolveEnds, kOutputWritten);
     run.output.write(stage.path(shpName), writing);
     if (run.cancelled()) {
@@ -323,18 +323,18 @@ bool clsISExecuteModel::publish(const std::string& shpPath, const std::string& s
 
 void clsISExecuteModel::isUpdateLegend(platform::FeatureLayer& outputLayer, const std::string& shpPath) try {
     ModelRun& run = *m_run;
-    const platform::ClassBreaksRenderer legend = output_legend();
+    const data::ClassBreaksRenderer legend = output_legend();
     outputLayer.set_renderer(legend);
     run.map().refresh();
     const std::string shapefile = run.result.files.front();
     const std::string layer_file = base::join_path(shpPath, outputLayer.name() + ".lyr");
-    platform::write_layer_file(layer_file, {.layer_name = outputLayer.name(),
-                                            .shapefile_name = base::file_name_of(shapefile),
-                                            .reference = run.output.reference,
-                                            .renderer = legend});
+    data::write_layer_file(layer_file, {.layer_name = outputLayer.name(),
+                                        .shapefile_name = base::file_name_of(shapefile),
+                                        .reference = run.output.reference,
+                                        .renderer = legend});
     run.result.files.push_back(layer_file);
     const std::string style_file = base::join_path(shpPath, base::base_name_of(shapefile) + ".qml");
-    platform::write_style_file(style_file, legend);
+    data::write_style_file(style_file, legend);
     run.result.files.push_back(style_file);
 } catch (...) {
     report_current({"isUpdateLegend", kModule});

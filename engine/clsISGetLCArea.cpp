@@ -19,7 +19,7 @@
 
 namespace kestrel {
 
-using platform::Table;
+using data::Table;
 
 namespace {
 
@@ -140,13 +140,13 @@ std::optional<Tabulation> clsISGetLCArea::TabulateAreas(const AreaTheme& Analysi
     return AnalysisTheme.scenario ? m_counts->inside(*AnalysisTheme.scenario) : m_counts->whole();
 }
 
-platform::RasterDataset clsISGetLCArea::OpenRasterDataset(const std::string& source) {
-    return platform::RasterDataset::open(source);
+data::RasterDataset clsISGetLCArea::OpenRasterDataset(const std::string& source) {
+    return data::RasterDataset::open(source);
 }
 
 /// Lays the polygons over the land cover's grid and counts, in the same pass: the grid of zones is never written out.
 void clsISGetLCArea::ConvertShapeToRaster(const AreaTheme& AnalysisTheme, const std::string& source) {
-    const platform::RasterDataset raster = OpenRasterDataset(source);
+    const data::RasterDataset raster = OpenRasterDataset(source);
     const RunZones& zones = *AnalysisTheme.zones;
     platform::TabulationInput input{.zones = zones.zones.get()};
     input.overlay = zones.density.get();

@@ -7,14 +7,14 @@
 #include <string>
 #include <vector>
 
+#include "data/raster.h"
+#include "data/table.h"
 #include "engine/coefficient_lookup.h"
 #include "engine/land_cover_counts.h"
 #include "engine/run_zones.h"
 #include "engine/tabulation.h"
 #include "parameters/clsReadParams.h"
 #include "platform/contracts/application.h"
-#include "platform/raster.h"
-#include "platform/table.h"
 
 namespace kestrel {
 
@@ -23,7 +23,7 @@ struct AreaTheme {
     /// The analysis layer's name, as the user knows it.
     std::string name;
     /// The fields of its table, among which a long zone field finds its short name.
-    std::vector<platform::Field> fields;
+    std::vector<data::Field> fields;
     const RunZones* zones = nullptr;
     /// Position among the scenarios of `zones`; nothing for the whole zones.
     std::optional<std::uint32_t> scenario{};
@@ -50,11 +50,11 @@ class clsISGetLCArea {
     /// \param tmpZone name of the zone grid.
     /// \param areaTemp name of the table.
     /// \return the area table; nothing after a failure that was told, or when the run was cancelled.
-    std::optional<platform::Table> isGetLCArea(const std::string& pWorkspace, const AreaTheme& AnalysisTheme,
-                                               const platform::RasterLayer& lcTheme, const std::string& ValueField,
-                                               const std::string& ZoneField, bool popDS, const std::string& LCUnits,
-                                               const LandClassDictionary& dictCL, const std::string& tmpZone,
-                                               const std::string& areaTemp);
+    std::optional<data::Table> isGetLCArea(const std::string& pWorkspace, const AreaTheme& AnalysisTheme,
+                                           const platform::RasterLayer& lcTheme, const std::string& ValueField,
+                                           const std::string& ZoneField, bool popDS, const std::string& LCUnits,
+                                           const LandClassDictionary& dictCL, const std::string& tmpZone,
+                                           const std::string& areaTemp);
 
     /// The counts of the run's pass; nothing before it was made.
     LandCoverCounts* counts() noexcept { return m_counts ? &*m_counts : nullptr; }
@@ -63,11 +63,11 @@ class clsISGetLCArea {
 
   private:
     bool SwitchOnRasterAnalysis();
-    platform::RasterDataset OpenRasterDataset(const std::string& source);
+    data::RasterDataset OpenRasterDataset(const std::string& source);
     void ConvertShapeToRaster(const AreaTheme& AnalysisTheme, const std::string& source);
     std::optional<Tabulation> TabulateAreas(const AreaTheme& AnalysisTheme, const platform::RasterLayer& lcTheme);
     bool CalculateAreas(const Tabulation& tabulation, double factor, const LandClassDictionary& dictCL,
-                        platform::Table& table);
+                        data::Table& table);
     std::string AnalysisFieldValues(const Tabulation& table, std::size_t id);
     void list_unknown_classes(const Tabulation& tabulation, const CoefficientLookup& lookup, const std::string& key);
 

@@ -15,9 +15,9 @@
 
 namespace kestrel {
 
-using platform::Field;
-using platform::FieldType;
-using platform::Table;
+using data::Field;
+using data::FieldType;
+using data::Table;
 
 namespace {
 

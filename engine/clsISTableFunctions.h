@@ -6,8 +6,8 @@
 #include <span>
 #include <string>
 
+#include "data/table.h"
 #include "engine/tabulation.h"
-#include "platform/table.h"
 
 namespace kestrel {
 
@@ -24,19 +24,19 @@ class clsISTableFunctions {
     /// \param pFieldName name of the key field; one that another column has gets "_1" behind it.
     /// \param pFieldCount fields to create: object id, zone field, and two for every class.
     /// \return nothing when the folder "temp" is missing, which is shown, or after a reported failure.
-    std::optional<platform::Table> createDBF(const std::string& strName, const std::string& pFieldName,
-                                             std::size_t pFieldCount, const Tabulation& tTable);
+    std::optional<data::Table> createDBF(const std::string& strName, const std::string& pFieldName,
+                                         std::size_t pFieldCount, const Tabulation& tTable);
 
     /// Sums the rows whose keys differ in their density digit only into one row under the key without "#" and digit.
     /// \param TableName the table to sum.
     /// \param FieldName name of the key field of the result.
     /// \param OldFldName name of the key field of `TableName`.
-    std::optional<platform::Table> SumTable(const platform::Table& TableName, const std::string& FieldName,
-                                            const std::string& OldFldName);
+    std::optional<data::Table> SumTable(const data::Table& TableName, const std::string& FieldName,
+                                        const std::string& OldFldName);
 
     /// A new, empty table with the fields of `source`, its key field named after `zone_field`.
-    std::optional<platform::Table> CopyTableFormat(const platform::Table& source, const std::string& name,
-                                                   const std::string& zone_field);
+    std::optional<data::Table> CopyTableFormat(const data::Table& source, const std::string& name,
+                                               const std::string& zone_field);
 
     /// Whether `text` equals an element of `list` from position 1 on; position 0 is never compared.
     bool bCheck(const std::string& text, std::span<const std::string> list);
@@ -46,8 +46,8 @@ class clsISTableFunctions {
 };
 
 /// Whether a column of an area table holds areas: its name begins with "area".
-bool is_area_column(const platform::Field& field);
+bool is_area_column(const data::Field& field);
 /// Whether it holds impervious areas: its name begins with "ISarea".
-bool is_impervious_column(const platform::Field& field);
+bool is_impervious_column(const data::Field& field);
 
 }  // namespace kestrel

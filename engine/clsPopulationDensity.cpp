@@ -14,9 +14,9 @@
 
 namespace kestrel {
 
-using platform::FeatureClass;
-using platform::Field;
-using platform::Value;
+using data::FeatureClass;
+using data::Field;
+using data::Value;
 
 namespace {
 
@@ -55,7 +55,7 @@ clsPopulationDensity::clsPopulationDensity(const platform::Map& pMap, const Poly
 
 bool clsPopulationDensity::DensityCalculation(base::Progress& progress, int threads) try {
     const FeatureClass density = density_source(m_map, m_density_layer);
-    const platform::SpatialReference& reference = density.spatial_reference();
+    const data::SpatialReference& reference = density.spatial_reference();
     if (reference.known() && m_analysis.reference.known() && !reference.same_name(m_analysis.reference)) {
         return false;
     }
@@ -66,11 +66,11 @@ bool clsPopulationDensity::DensityCalculation(base::Progress& progress, int thre
         return false;
     }
     for (const Value& value : m_intersection.density.values) {
-        m_intersection.class_digits.push_back(density_class(platform::number_of(value), m_high, m_low));
+        m_intersection.class_digits.push_back(density_class(data::number_of(value), m_high, m_low));
     }
     const std::string& name = m_analysis.field.name;
-    m_new_field = basUtil::CreateFields("new_" + name.substr(0, 6), "new_" + name.substr(0, 6),
-                                        platform::FieldType::text, m_analysis.field.length + 8, 0, 0);
+    m_new_field = basUtil::CreateFields("new_" + name.substr(0, 6), "new_" + name.substr(0, 6), data::FieldType::text,
+                                        m_analysis.field.length + 8, 0, 0);
     return true;
 } catch (...) {
     return reported<bool>({"DensityCalculation", kModule});

@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
+#include "data/feature_class.h"
+#include "data/field.h"
 #include "engine/polygon_layer.h"
 #include "platform/contracts/map.h"
-#include "platform/feature_class.h"
-#include "platform/field.h"
 
 namespace kestrel {
 
@@ -39,11 +39,11 @@ class clsPopulationDensity {
     bool DensityCalculation(base::Progress& progress, int threads);
 
     /// The 10-byte name of a long field name, by the rule of basUtil::SetFieldName().
-    std::string SetFieldName(const std::string& name, std::span<const platform::Field> table);
+    std::string SetFieldName(const std::string& name, std::span<const data::Field> table);
 
     // What DensityCalculation() made.
     const DensityIntersection& NewAnalysisTheme() const { return m_intersection; }
-    const platform::Field& NewAnalysisField() const { return m_new_field; }
+    const data::Field& NewAnalysisField() const { return m_new_field; }
     const std::string& NewAnalysisFieldName() const { return m_new_field.name; }
     const std::string& NewAliasName() const { return m_new_field.alias; }
     const std::string& OldAnalysisFldName() const { return m_analysis.field.name; }
@@ -56,7 +56,7 @@ class clsPopulationDensity {
     std::string m_high;
     std::string m_low;
     DensityIntersection m_intersection;
-    platform::Field m_new_field;
+    data::Field m_new_field;
 };
 
 /// Class digit of a density: 1 from `high` on, otherwise 2 above `low`, otherwise 3. High is tested first, so with

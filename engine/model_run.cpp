@@ -17,8 +17,8 @@
 namespace kestrel {
 
 using base::RuntimeError;
-using platform::SpatialReference;
-using platform::Value;
+using data::SpatialReference;
+using data::Value;
 
 namespace {
 
@@ -113,7 +113,7 @@ bool read_settings(ModelRun& run, const std::string& file_name) {
 bool read_analysis_layer(ModelRun& run) {
     run.analysis_layer = find_layer<platform::FeatureLayer>(run, run.analysis_theme, "polygon");
     run.land_cover = find_layer<platform::RasterLayer>(run, run.land_cover_theme, "raster");
-    const platform::FeatureClass source = run.analysis_layer->feature_class();
+    const data::FeatureClass source = run.analysis_layer->feature_class();
     run.analysis_fields = source.fields();
     const int position = source.find_field(run.analysis_field);
     if (position < 0) {
@@ -136,7 +136,7 @@ bool read_analysis_layer(ModelRun& run) {
     }
     // Whatever the working copy calls it: the user sees the field that was chosen.
     run.analysis.field = run.analysis_fields.at(static_cast<std::size_t>(position));
-    if (run.analysis.field.type == platform::FieldType::big_integer) {
+    if (run.analysis.field.type == data::FieldType::big_integer) {
         restore_integers(run.analysis.values);
     }
     run.groups = ZoneGroups(run.analysis.values);
@@ -146,7 +146,7 @@ bool read_analysis_layer(ModelRun& run) {
 
 void inspect_land_cover(ModelRun& run) {
     try {
-        run.raster = platform::RasterDataset::open(run.land_cover->source());
+        run.raster = data::RasterDataset::open(run.land_cover->source());
     } catch (const RuntimeError&) {
         return;  // the area stage fails on it in its turn, and tells
     }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "data/raster.h"
 #include "engine/clsISDSAdjustment.h"
 #include "engine/clsISGetLCArea.h"
 #include "engine/notice_recorder.h"
@@ -16,7 +17,6 @@
 #include "engine/zone_keys.h"
 #include "parameters/clsReadParams.h"
 #include "platform/contracts/application.h"
-#include "platform/raster.h"
 
 namespace kestrel {
 
@@ -60,12 +60,12 @@ struct ModelRun {
     std::shared_ptr<platform::FeatureLayer> analysis_layer;
     std::shared_ptr<platform::RasterLayer> land_cover;
     /// The land cover's data; nothing when it cannot be opened, which the area stage tells.
-    std::optional<platform::RasterDataset> raster;
+    std::optional<data::RasterDataset> raster;
     PolygonLayer analysis;
     /// The working copy of the selected analysis features; nothing when all are used.
-    std::optional<platform::FeatureClass> selected;
+    std::optional<data::FeatureClass> selected;
     /// All fields of the analysis layer, as its source defines them.
-    std::vector<platform::Field> analysis_fields;
+    std::vector<data::Field> analysis_fields;
     ZoneGroups groups;
     /// The field that holds the zone keys: the analysis field, or the one that the density stage makes of it.
     std::string zone_field;
@@ -75,7 +75,7 @@ struct ModelRun {
 
     // What is made.
     clsISGetLCArea areas;
-    std::optional<platform::Table> summary;
+    std::optional<data::Table> summary;
     OutputLayer output;
     std::shared_ptr<platform::FeatureLayer> output_layer;
     std::size_t incomplete = 0;

@@ -2,16 +2,16 @@
 // SPDX-License-Identifier: MIT
 #include "engine/output_layer.h"
 
+#include "data/shapefile_writer.h"
 #include "engine/basUtil.h"
-#include "platform/shapefile_writer.h"
 
 #include <algorithm>
 
 namespace kestrel {
 
-using platform::Field;
-using platform::FieldType;
-using platform::Value;
+using data::Field;
+using data::FieldType;
+using data::Value;
 
 namespace {
 
@@ -70,14 +70,14 @@ std::vector<Value> OutputLayer::values(std::size_t i) const {
 
 std::vector<std::string> OutputLayer::field_names() const {
     std::vector<std::string> names{"FID", "Shape"};
-    for (const platform::Field& field : fields) {
+    for (const data::Field& field : fields) {
         names.push_back(field.name);
     }
     return names;
 }
 
 void OutputLayer::write(const std::string& path, base::Progress& progress) const {
-    platform::ShapefileWriter writer(path, fields, reference);
+    data::ShapefileWriter writer(path, fields, reference);
     const std::size_t count = polygons.feature_count();
     for (std::size_t i = 0; i < count; ++i) {
         if (i % kFeaturesPerReport == 0 &&
@@ -90,7 +90,7 @@ void OutputLayer::write(const std::string& path, base::Progress& progress) const
     writer.close();
 }
 
-platform::ClassBreaksRenderer output_legend() {
+data::ClassBreaksRenderer output_legend() {
     return {
         .field = "pctIS",
         .classes = {{9.99, "< 10%", {170, 255, 0}}, {25, "10% - 25%", {255, 255, 190}}, {100, "> 25%", {255, 0, 0}}}};

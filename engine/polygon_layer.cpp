@@ -12,8 +12,8 @@
 
 namespace kestrel {
 
-using platform::FeatureClass;
-using platform::SpatialReference;
+using data::FeatureClass;
+using data::SpatialReference;
 using polygons::PolygonSet;
 using polygons::SharedPolygons;
 
@@ -40,7 +40,7 @@ PolygonLayer read_polygon_layer(const FeatureClass& source, const std::string& l
         wanted.push_back(field_name);
     }
     base::PartOfProgress reading(progress, 0, kRead);
-    platform::PolygonFeatures features = source.read_polygons(wanted, reading, threads);
+    data::PolygonFeatures features = source.read_polygons(wanted, reading, threads);
     if (!features.columns.empty()) {
         layer.values = std::move(features.columns.front());
     }

@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "base/progress.h"
+#include "data/feature_class.h"
+#include "data/field.h"
+#include "data/spatial_reference.h"
 #include "platform/contracts/layer.h"
-#include "platform/feature_class.h"
-#include "platform/field.h"
-#include "platform/spatial_reference.h"
 #include "polygons/polygons.h"
 
 namespace kestrel {
@@ -21,12 +21,12 @@ namespace kestrel {
 struct PolygonLayer {
     /// The name that the user knows.
     std::string name;
-    platform::SpatialReference reference;
+    data::SpatialReference reference;
     polygons::SharedPolygons polygons;
     /// The field that was asked for, as the source defines it; without a name when none was.
-    platform::Field field;
+    data::Field field;
     /// Its value for every feature; empty when no field was asked for.
-    std::vector<platform::Value> values;
+    std::vector<data::Value> values;
 };
 
 /// Reads all features of a feature class. Invalid polygons are repaired, which draws a notice with their count.
@@ -35,13 +35,13 @@ struct PolygonLayer {
 /// \param progress when it answers stop, the layer is incomplete and must not be used.
 /// \param threads that may be used; 0 for as many as there are cores.
 /// \throws RuntimeError when the class has no such field or cannot be read.
-PolygonLayer read_polygon_layer(const platform::FeatureClass& source, const std::string& layer_name,
+PolygonLayer read_polygon_layer(const data::FeatureClass& source, const std::string& layer_name,
                                 const std::string& field_name, base::Progress& progress, int threads);
 
 /// The polygons of `layer` in the coordinate system `target`: its own ones where nothing has to be projected. A
 /// coordinate system that is missing on one side is taken as the other's, which draws a notice. \param target_name what
 /// the notice calls the other side.
-polygons::SharedPolygons polygons_in(const PolygonLayer& layer, const platform::SpatialReference& target,
+polygons::SharedPolygons polygons_in(const PolygonLayer& layer, const data::SpatialReference& target,
                                      const std::string& target_name);
 
 }  // namespace kestrel

@@ -3,10 +3,10 @@
 #include <fmt/format.h>
 
 #include "base/files.h"
+#include "data/shapefile_writer.h"
 #include "engine/basUtil.h"
 #include "engine/engine_texts.h"
 #include "engine/model_run.h"
-#include "platform/shapefile_writer.h"
 #include "polygons/geometry.h"
 
 namespace kestrel {
@@ -51,7 +51,7 @@ void add_flags(const ModelRun& run, const ZoneCounts& counts, std::vector<ZoneRe
 }
 
 void add_legend(const ModelRun& run, RunResult& result) {
-    const platform::ClassBreaksRenderer legend = output_legend();
+    const data::ClassBreaksRenderer legend = output_legend();
     for (const auto& legend_class : legend.classes) {
         result.legend.push_back({legend_class.label, 0});
     }
@@ -65,12 +65,12 @@ void add_legend(const ModelRun& run, RunResult& result) {
 
 /// Writes where zones and a scenario meet, with the analysis value of each piece.
 void keep_scenario(const ModelRun& run, std::uint32_t position, const std::string& path) {
-    const std::vector<platform::Field> fields{
-        basUtil::CreateFields("analyfld", "analyfld", platform::FieldType::text, 254, 0, 0)};
-    platform::ShapefileWriter writer(path, fields, run.raster->spatial_reference());
+    const std::vector<data::Field> fields{
+        basUtil::CreateFields("analyfld", "analyfld", data::FieldType::text, 254, 0, 0)};
+    data::ShapefileWriter writer(path, fields, run.raster->spatial_reference());
     polygons::intersect(*run.zones->zones, *run.zones->scenarios[position],
                         [&](std::size_t zone, std::size_t, const polygons::PolygonSet& piece) {
-                            const platform::Value key = run.groups.text(run.groups.group_of()[zone]);
+                            const data::Value key = run.groups.text(run.groups.group_of()[zone]);
                             writer.insert(piece, 0, std::span(&key, 1));
                             return true;
                         });
@@ -103,11 +103,11 @@ void describe_result(ModelRun& run) {
 
 void keep_working_data(ModelRun& run, const std::string& folder) {
     base::create_folders(folder);
-    for (const platform::Table& table : run.result.zone_tables) {
-        platform::write_dbf(table, base::join_path(folder, table.name() + ".dbf"));
+    for (const data::Table& table : run.result.zone_tables) {
+        data::write_dbf(table, base::join_path(folder, table.name() + ".dbf"));
     }
     if (run.selected) {
-        for (const std::string& member : platform::shapefile_members(run.selected->source().path)) {
+        for (const std::string& member : data::shapefile_members(run.selected->source().path)) {
             base::copy_file(member, base::join_path(folder, base::file_name_of(member)));
         }
     }
@@ -122,8 +122,8 @@ void keep_working_data(ModelRun& run, const std::string& folder) {
     const auto density =
         std::dynamic_pointer_cast<platform::FeatureLayer>(basUtil::FindLayer(run.density_theme, run.map()));
     if (run.zones->density && density) {
-        const platform::FeatureClass zones = run.selected ? *run.selected : run.analysis_layer->feature_class();
-        const platform::FeatureClass cut_by = density->feature_class();
+        const data::FeatureClass zones = run.selected ? *run.selected : run.analysis_layer->feature_class();
+        const data::FeatureClass cut_by = density->feature_class();
         basUtil::Intersect(&zones, &cut_by, "popIntersect", folder);
     }
 }

@@ -8,7 +8,7 @@
 
 namespace kestrel {
 
-using platform::Value;
+using data::Value;
 
 namespace {
 
@@ -39,7 +39,7 @@ ZoneGroups::ZoneGroups(const std::vector<Value>& values) : m_group_of(values.siz
     for (std::size_t i = 0; i < order.size(); ++i) {
         if (i == 0 || before(values[order[i - 1]], values[order[i]])) {
             m_values.push_back(values[order[i]]);
-            m_texts.push_back(base::text_of(values[order[i]]));
+            m_texts.push_back(data::text_of(values[order[i]]));
         }
         m_group_of[order[i]] = static_cast<std::uint32_t>(m_values.size() - 1);
     }

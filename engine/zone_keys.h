@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/field.h"
+#include "data/field.h"
 #include "platform/zone_counts.h"
 
 namespace kestrel {
@@ -17,18 +17,18 @@ class ZoneGroups {
   public:
     ZoneGroups() = default;
     /// \param values of the analysis field, one for each feature.
-    explicit ZoneGroups(const std::vector<platform::Value>& values);
+    explicit ZoneGroups(const std::vector<data::Value>& values);
 
     std::size_t count() const noexcept { return m_values.size(); }
     /// The group of each feature.
     const std::vector<std::uint32_t>& group_of() const noexcept { return m_group_of; }
     /// The value of a group, and its text, which is the zone's key.
-    const platform::Value& value(std::size_t group) const { return m_values[group]; }
+    const data::Value& value(std::size_t group) const { return m_values[group]; }
     const std::string& text(std::size_t group) const { return m_texts[group]; }
 
   private:
     std::vector<std::uint32_t> m_group_of;
-    std::vector<platform::Value> m_values;
+    std::vector<data::Value> m_values;
     std::vector<std::string> m_texts;
 };
 

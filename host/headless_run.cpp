@@ -4,11 +4,11 @@
 
 #include "base/errors.h"
 #include "base/files.h"
+#include "data/output_files.h"
 #include "engine/clsISExecuteModel.h"
 #include "host/clsExtension.h"
 #include "host/raster_analysis.h"
 #include "platform/headless/headless_application.h"
-#include "platform/output_files.h"
 
 namespace kestrel {
 
@@ -60,7 +60,7 @@ HeadlessEnding execute(const HeadlessRun& run, const std::string& extension_fold
                                 run.set_name, "")) {
         return {};
     }
-    platform::SetAsideOutput older(output.path(), output.records());
+    data::SetAsideOutput older(output.path(), output.records());
     const std::string kept = kept_folder(run);
     clsISExecuteModel model({.threads = run.threads, .keep_temp_folder = kept});
     model.ExecuteModel(&application, extension_folder, kParameterFile, output.folder, output.file_name,

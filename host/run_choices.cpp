@@ -11,7 +11,7 @@
 
 namespace kestrel {
 
-std::string units_of(const platform::SpatialReference& reference) {
+std::string units_of(const data::SpatialReference& reference) {
     const double metres = reference.known() ? reference.metres_per_unit().value_or(0) : 0;
     if (std::abs(metres - 1) < 1e-9) {
         return "Meters";

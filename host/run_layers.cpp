@@ -49,7 +49,7 @@ std::string RunLayers::add_raster(const std::string& source, const std::string& 
     return given;
 }
 
-std::string RunLayers::add_features(const platform::FeatureSource& source, const platform::FeatureClass& opened,
+std::string RunLayers::add_features(const data::FeatureSource& source, const data::FeatureClass& opened,
                                     std::vector<std::int64_t> selected, const std::string& name) {
     std::string identity = "features\n" + real_path(source.path) + "\n" + opened.layer_name() + "\n" + source.subset;
     for (const std::int64_t id : selected) {
@@ -66,7 +66,7 @@ std::string RunLayers::add_features(const platform::FeatureSource& source, const
     const std::string given = distinct_name(layer_name_from(base.empty() ? opened.layer_name() : base));
     m_layers.push_back(std::make_shared<platform::HeadlessFeatureLayer>(given, source, std::move(selected)));
     m_identities.push_back(std::move(identity));
-    m_files.push_back(platform::FeatureSource{.path = source.path, .layer_name = opened.layer_name()}.file());
+    m_files.push_back(data::FeatureSource{.path = source.path, .layer_name = opened.layer_name()}.file());
     return given;
 }
 

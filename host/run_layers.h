@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/feature_class.h"
+#include "data/feature_class.h"
 #include "platform/headless/headless_map.h"
 
 namespace kestrel {
@@ -25,7 +25,7 @@ class RunLayers {
     /// \param source as given.
     /// \param opened the same, opened.
     /// \param selected ids of the selected features, ascending.
-    std::string add_features(const platform::FeatureSource& source, const platform::FeatureClass& opened,
+    std::string add_features(const data::FeatureSource& source, const data::FeatureClass& opened,
                              std::vector<std::int64_t> selected = {}, const std::string& name = {});
 
     /// In the order in which they were added.

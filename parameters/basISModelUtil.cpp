@@ -15,7 +15,7 @@
 
 namespace kestrel::basISModelUtil {
 
-using platform::FieldType;
+using data::FieldType;
 
 namespace {
 
@@ -24,9 +24,9 @@ constexpr const char* kModule = "basISModelUtil";
 bool suits(FieldType type, FieldMode mode) {
     switch (mode) {
         case kNumericFields:
-            return platform::integral(type) || type == FieldType::single || type == FieldType::real;
+            return data::integral(type) || type == FieldType::single || type == FieldType::real;
         case kAnalysisFields:
-            return platform::integral(type) || type == FieldType::text;
+            return data::integral(type) || type == FieldType::text;
         case kAllFields:
             break;
     }
@@ -105,7 +105,7 @@ int GetFThemes(const platform::FeatureLayer& layer, FieldMode mode) {
 
 std::vector<std::string> field_names(const platform::FeatureLayer& layer, FieldMode mode) {
     std::vector<std::string> names;
-    for (const platform::Field& field : layer.fields()) {
+    for (const data::Field& field : layer.fields()) {
         if (suits(field.type, mode)) {
             names.push_back(field.name);
         }

@@ -6,12 +6,12 @@
 
 #include "base/errors.h"
 #include "base/files.h"
+#include "data/output_files.h"
 #include "engine/basUtil.h"
 #include "engine/clsISExecuteModel.h"
 #include "parameters/basISModelUtil.h"
 #include "parameters/form_texts.h"
 #include "parameters/frmISParams.h"
-#include "platform/output_files.h"
 #include "reporting/error_report.h"
 
 /// \file
@@ -87,7 +87,7 @@ std::unique_ptr<base::FolderLock> locked(const std::string& folder) {
 /// Carries the run out, with nothing of the form: that may be destroyed meanwhile.
 void execute(platform::Application& app, const std::string& extension_folder, const RunOutput& output) {
     const bool replaces = !existing_files(output).empty();
-    platform::SetAsideOutput older(output.path(), output.records());
+    data::SetAsideOutput older(output.path(), output.records());
     RunWatch watch(app);
     clsISExecuteModel().ExecuteModel(&watch, extension_folder, kParameterFile, output.folder, output.file_name,
                                      output.layer_name);

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "base/files.h"
-#include "platform/shapefile_writer.h"
+#include "data/shapefile_writer.h"
 
 namespace kestrel {
 
@@ -51,7 +51,7 @@ std::vector<std::string> RunOutput::records() const {
 }
 
 std::vector<std::string> existing_files(const RunOutput& output) {
-    std::vector<std::string> files = platform::shapefile_members(output.path());
+    std::vector<std::string> files = data::shapefile_members(output.path());
     for (const std::string& record : output.records()) {
         if (base::file_exists(record)) {
             files.push_back(record);

@@ -16,13 +16,13 @@ namespace {
 constexpr std::size_t kHistogramWidth = 32;
 
 /// The value that marks NODATA in byte cells.
-std::optional<std::uint8_t> byte_nodata(const RasterDataset& raster) {
+std::optional<std::uint8_t> byte_nodata(const data::RasterDataset& raster) {
     const std::optional<std::int32_t> value = raster.nodata_value();
-    return value && raster.cell_type() == CellType::byte ? std::optional(static_cast<std::uint8_t>(*value))
-                                                         : std::nullopt;
+    return value && raster.cell_type() == data::CellType::byte ? std::optional(static_cast<std::uint8_t>(*value))
+                                                               : std::nullopt;
 }
 
-LayerSweeps sweeps_of(const RasterDataset& raster, const TabulationInput& input, int threads,
+LayerSweeps sweeps_of(const data::RasterDataset& raster, const TabulationInput& input, int threads,
                       base::Progress& progress) {
     const double each = 1.0 / static_cast<double>(input.scenarios.size() + 2);
     double begin = 0;
@@ -43,10 +43,10 @@ LayerSweeps sweeps_of(const RasterDataset& raster, const TabulationInput& input,
 
 }  // namespace
 
-TabulationPlan::TabulationPlan(const RasterDataset& raster, const TabulationInput& input, int threads,
+TabulationPlan::TabulationPlan(const data::RasterDataset& raster, const TabulationInput& input, int threads,
                                base::Progress& progress)
     : layers(sweeps_of(raster, input, threads, progress)), zone_count(input.zones->feature_count()) {
-    const Grid& grid = raster.grid();
+    const data::Grid& grid = raster.grid();
     if (raster.needs_checking()) {
         end_column = grid.columns;  // every cell is looked at
         return;
@@ -61,7 +61,7 @@ TabulationPlan::TabulationPlan(const RasterDataset& raster, const TabulationInpu
     }
 }
 
-BandCounter::BandCounter(RasterDataset raster, const TabulationPlan& plan, const std::atomic<bool>& stopped)
+BandCounter::BandCounter(data::RasterDataset raster, const TabulationPlan& plan, const std::atomic<bool>& stopped)
     : m_raster(std::move(raster)),
       m_plan(plan),
       m_stopped(stopped),
@@ -79,7 +79,7 @@ void BandCounter::count(int band) {
     for (auto& row : m_nodata) {
         row.clear();
     }
-    const TileLines& lines = m_raster.tile_lines();
+    const data::TileLines& lines = m_raster.tile_lines();
     for (int row = 0; row < zones.row_count(band); row += lines.rows_at_once) {
         const int rows = std::min(lines.rows_at_once, zones.row_count(band) - row);
         for (std::size_t i = 0; i + 1 < lines.columns.size() && !m_stopped; ++i) {
@@ -96,23 +96,23 @@ void BandCounter::count(int band) {
     }
 }
 
-void BandCounter::count_tile(int band, const CellWindow& tile) {
+void BandCounter::count_tile(int band, const data::CellWindow& tile) {
     m_raster.read(tile, m_buffer);
     switch (m_raster.cell_type()) {
-        case CellType::byte:
+        case data::CellType::byte:
             count_cells<std::uint8_t>(band, tile, m_buffer.bytes, byte_nodata(m_raster));
             return;
-        case CellType::int32:
+        case data::CellType::int32:
             count_cells<std::int32_t>(band, tile, m_buffer.integers, m_raster.nodata_value());
             return;
-        case CellType::wide:
-            count_cells<std::int64_t>(band, tile, m_buffer.wide, std::optional(kWideNodata));
+        case data::CellType::wide:
+            count_cells<std::int64_t>(band, tile, m_buffer.wide, std::optional(data::kWideNodata));
             return;
     }
 }
 
 template <typename Cell>
-void BandCounter::count_cells(int band, const CellWindow& tile, const std::vector<Cell>& cells,
+void BandCounter::count_cells(int band, const data::CellWindow& tile, const std::vector<Cell>& cells,
                               std::optional<Cell> nodata) {
     const auto first_row = static_cast<std::size_t>(tile.first_row - m_plan.layers.zones.first_row(band));
     for (std::size_t row = 0; row < static_cast<std::size_t>(tile.rows); ++row) {
@@ -144,7 +144,7 @@ void BandCounter::count_span(std::size_t piece, const Cell* cells, std::size_t c
 
 /// Appends the runs of NODATA cells of a tile's row to those of the tiles west of it.
 template <typename Cell>
-void BandCounter::find_nodata(std::vector<RowSpan>& runs, const CellWindow& tile, const Cell* line, Cell nodata) {
+void BandCounter::find_nodata(std::vector<RowSpan>& runs, const data::CellWindow& tile, const Cell* line, Cell nodata) {
     const auto width = static_cast<std::size_t>(tile.columns);
     for (std::size_t begin = find_cell(line, 0, width, nodata); begin < width;) {
         const std::size_t stop = end_of_run(line, begin, width);

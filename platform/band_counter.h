@@ -7,11 +7,11 @@
 #include <optional>
 #include <vector>
 
+#include "data/raster.h"
 #include "platform/band_histogram.h"
 #include "platform/edge_sweep.h"
 #include "platform/piece_counter.h"
 #include "platform/piece_spans.h"
-#include "platform/raster.h"
 #include "platform/zonal_tabulation.h"
 #include "platform/zone_counts.h"
 
@@ -21,7 +21,8 @@ namespace kestrel::platform {
 struct TabulationPlan {
     /// \param threads as thread_count() gives it.
     /// \param progress when it answers stop, the plan must not be used.
-    TabulationPlan(const RasterDataset& raster, const TabulationInput& input, int threads, base::Progress& progress);
+    TabulationPlan(const data::RasterDataset& raster, const TabulationInput& input, int threads,
+                   base::Progress& progress);
 
     LayerSweeps layers;
     std::size_t zone_count = 0;
@@ -37,7 +38,7 @@ class BandCounter {
   public:
     /// \param raster a handle that nobody else uses.
     /// \param stopped once it is set, what is counted does not matter any more.
-    BandCounter(RasterDataset raster, const TabulationPlan& plan, const std::atomic<bool>& stopped);
+    BandCounter(data::RasterDataset raster, const TabulationPlan& plan, const std::atomic<bool>& stopped);
 
     /// Makes room for that many pieces of zones at once.
     void reserve(std::size_t pieces) { m_counter.reserve(pieces); }
@@ -48,16 +49,17 @@ class BandCounter {
     void append_to(ZoneCounts& counts) const;
 
   private:
-    void count_tile(int band, const CellWindow& tile);
+    void count_tile(int band, const data::CellWindow& tile);
     template <typename Cell>
-    void count_cells(int band, const CellWindow& tile, const std::vector<Cell>& cells, std::optional<Cell> nodata);
+    void count_cells(int band, const data::CellWindow& tile, const std::vector<Cell>& cells,
+                     std::optional<Cell> nodata);
     template <typename Cell>
     void count_span(std::size_t piece, const Cell* cells, std::size_t count, std::optional<Cell> nodata);
     template <typename Cell>
-    void find_nodata(std::vector<RowSpan>& runs, const CellWindow& tile, const Cell* line, Cell nodata);
+    void find_nodata(std::vector<RowSpan>& runs, const data::CellWindow& tile, const Cell* line, Cell nodata);
     void mark_covered();
 
-    RasterDataset m_raster;
+    data::RasterDataset m_raster;
     const TabulationPlan& m_plan;
     const std::atomic<bool>& m_stopped;
     PieceCounter m_counter;
@@ -66,7 +68,7 @@ class BandCounter {
     std::vector<std::uint8_t> m_touched;
 
     // Room that is kept from band to band.
-    CellBuffer m_buffer;
+    data::CellBuffer m_buffer;
     PieceSpans m_spans;
     NodataRuns m_nodata;
     bool m_has_nodata = false;

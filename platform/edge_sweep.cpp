@@ -77,7 +77,7 @@ int ceil_within(double position, int lowest, int highest) {
 
 }  // namespace
 
-EdgeSweep::EdgeSweep(const polygons::PolygonSet& polygons, const Grid& grid, int rows_per_band)
+EdgeSweep::EdgeSweep(const polygons::PolygonSet& polygons, const data::Grid& grid, int rows_per_band)
     : m_polygons(polygons), m_grid(grid), m_band_lines(equal_bands(grid.rows, rows_per_band)) {
     base::NoProgress nobody;
     set_tolerances();
@@ -85,8 +85,8 @@ EdgeSweep::EdgeSweep(const polygons::PolygonSet& polygons, const Grid& grid, int
     deal_out_edges(1, nobody);
 }
 
-EdgeSweep::EdgeSweep(const polygons::PolygonSet& polygons, const Grid& grid, std::vector<int> band_lines, int threads,
-                     base::Progress& progress)
+EdgeSweep::EdgeSweep(const polygons::PolygonSet& polygons, const data::Grid& grid, std::vector<int> band_lines,
+                     int threads, base::Progress& progress)
     : m_polygons(polygons), m_grid(grid), m_band_lines(std::move(band_lines)) {
     set_tolerances();
     set_bands();

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "base/progress.h"
-#include "platform/raster.h"
+#include "data/raster.h"
 #include "platform/row_spans.h"
 #include "polygons/polygons.h"
 
@@ -27,10 +27,10 @@ class EdgeSweep {
     /// \param band_lines rows at which bands begin, ascending from 0, and the grid's number of rows.
     /// \param threads that may be used, as thread_count() gives it. The result does not depend on it.
     /// \param progress hears the share that is done. When it answers stop, the sweep must not be used.
-    EdgeSweep(const polygons::PolygonSet& polygons, const Grid& grid, std::vector<int> band_lines, int threads,
+    EdgeSweep(const polygons::PolygonSet& polygons, const data::Grid& grid, std::vector<int> band_lines, int threads,
               base::Progress& progress);
     /// Bands of equal height, the last may be lower; on one thread.
-    EdgeSweep(const polygons::PolygonSet& polygons, const Grid& grid, int rows_per_band);
+    EdgeSweep(const polygons::PolygonSet& polygons, const data::Grid& grid, int rows_per_band);
 
     int band_count() const noexcept { return static_cast<int>(m_band_begin.size()) - 1; }
     /// Whether no edge reaches the band; then no polygon has a cell in it.
@@ -88,7 +88,7 @@ class EdgeSweep {
     bool touches(const UpwardEdge& edge, int row, const std::vector<RowSpan>& nodata) const;
 
     const polygons::PolygonSet& m_polygons;
-    Grid m_grid;
+    data::Grid m_grid;
     std::vector<int> m_band_lines;
     std::vector<int> m_band_of_row;
     double m_rows_per_unit = 1;

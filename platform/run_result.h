@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/field.h"
-#include "platform/table.h"
+#include "data/field.h"
+#include "data/table.h"
 #include "platform/zone_counts.h"
 
 namespace kestrel::platform {
@@ -60,7 +60,7 @@ struct RunResult {
     /// The table of counts that the figures come from.
     ZoneCounts counts;
     /// The per-zone area table as tabulated, then after each scenario.
-    std::vector<Table> zone_tables;
+    std::vector<data::Table> zone_tables;
     /// Classes without coefficients, when these ended the run.
     std::vector<UnknownClass> unknown_classes;
     /// Warnings that need no answer.

@@ -53,7 +53,8 @@ ZoneCounts gathered(std::vector<std::unique_ptr<BandCounter>>& counters, std::si
 
 }  // namespace
 
-ZoneCounts tabulate(const RasterDataset& raster, const TabulationInput& input, int threads, base::Progress& progress) {
+ZoneCounts tabulate(const data::RasterDataset& raster, const TabulationInput& input, int threads,
+                    base::Progress& progress) {
     const int workers = base::thread_count(threads);
     base::PartOfProgress planning(progress, 0, kPlanningShare);
     const TabulationPlan plan(raster, input, workers, planning);

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "base/progress.h"
-#include "platform/raster.h"
+#include "data/raster.h"
 #include "platform/zone_counts.h"
 #include "polygons/polygons.h"
 
@@ -33,6 +33,7 @@ struct TabulationInput {
 /// \param progress hears the share of the raster's rows that is done, as a fraction of this call. When it answers stop,
 ///        the result is incomplete and must not be used.
 /// \throws RuntimeError as RasterDataset::read_rows() does.
-ZoneCounts tabulate(const RasterDataset& raster, const TabulationInput& input, int threads, base::Progress& progress);
+ZoneCounts tabulate(const data::RasterDataset& raster, const TabulationInput& input, int threads,
+                    base::Progress& progress);
 
 }  // namespace kestrel::platform

@@ -17,7 +17,7 @@ void take_feature_layer(const std::shared_ptr<platform::Layer>& layer,
     }
 }
 
-std::string source_name(const platform::FeatureSource& source) {
+std::string source_name(const data::FeatureSource& source) {
     return source.layer_name.empty() ? base::base_name_of(source.path) : source.layer_name;
 }
 
@@ -40,7 +40,7 @@ std::vector<std::shared_ptr<FeatureLayer>> feature_layers(const platform::Map& m
     return found;
 }
 
-std::string source_folder(const platform::FeatureSource& source) {
+std::string source_folder(const data::FeatureSource& source) {
     if (source.path.empty()) {
         return {};
     }

@@ -18,7 +18,7 @@ namespace kestrel {
 std::vector<std::shared_ptr<platform::FeatureLayer>> feature_layers(const platform::Map& map);
 
 /// The folder that holds a source, with a separator at its end; empty when the source names none.
-std::string source_folder(const platform::FeatureSource& source);
+std::string source_folder(const data::FeatureSource& source);
 
 /// The name, without its ending, of the record that belongs to `layer`: the data source's name, or else the layer's
 /// own, whichever has a file first.

@@ -47,7 +47,7 @@ std::string quoted(const std::string& text) {
 
 bool knows_all_classes(const clsISLCDef& set) {
     const auto classes = demo_classes();
-    return std::all_of(classes.begin(), classes.end(), [&](const platform::RasterClass& one) {
+    return std::all_of(classes.begin(), classes.end(), [&](const data::RasterClass& one) {
         return std::any_of(set.LCClasses.begin(), set.LCClasses.end(),
                            [&](const auto& known) { return known->ID == one.value; });
     });

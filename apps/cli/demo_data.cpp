@@ -14,16 +14,16 @@
 #include "apps/cli/demo_regions.h"
 #include "base/conversions.h"
 #include "base/files.h"
-#include "platform/raster_writer.h"
-#include "platform/shapefile_writer.h"
-#include "platform/spatial_reference.h"
+#include "data/raster_writer.h"
+#include "data/shapefile_writer.h"
+#include "data/spatial_reference.h"
 
 namespace kestrel::cli {
 
-using platform::Field;
-using platform::FieldType;
-using platform::Grid;
-using platform::Value;
+using data::Field;
+using data::FieldType;
+using data::Grid;
+using data::Value;
 using polygons::Point;
 using polygons::PolygonSet;
 
@@ -39,8 +39,8 @@ constexpr std::array kShedNames{"Alder Creek",   "Beaver Run",     "Cedar Fork",
                                 "Pine Hollow",   "Quarry Brook",   "Rocky Ford",    "Stony Run",     "Tanyard Branch",
                                 "Upper Meadows", "Violet Springs", "Willow Bend",   "Yarrow Creek"};
 
-platform::SpatialReference demo_reference() {
-    return platform::SpatialReference::from("EPSG:5070");
+data::SpatialReference demo_reference() {
+    return data::SpatialReference::from("EPSG:5070");
 }
 
 /// A place, given in cells from the upper left corner, in the map; to the centimetre.
@@ -146,7 +146,7 @@ std::vector<Point> block_seeds(const DemoSize& size, const DemoLand& land) {
 
 void write_polygons(const std::string& path, const std::vector<Field>& fields, const PolygonSet& polygons,
                     const std::function<std::vector<Value>(std::size_t)>& values) {
-    platform::ShapefileWriter writer(path, fields, demo_reference());
+    data::ShapefileWriter writer(path, fields, demo_reference());
     for (std::size_t i = 0; i < polygons.feature_count(); ++i) {
         writer.insert(polygons, i, values(i));
     }
@@ -180,7 +180,7 @@ Grid demo_grid(const DemoSize& size) {
 
 void write_demo_land_cover(const std::string& folder, const DemoSize& size) {
     const DemoLand land(size.columns, size.rows, size.seed);
-    platform::RasterWriter writer(
+    data::RasterWriter writer(
         base::join_path(folder, kDemoLandCover),
         {.grid = demo_grid(size), .reference = demo_reference(), .nodata = kDemoNodata, .classes = demo_classes()});
     std::vector<std::uint8_t> cells;

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/raster.h"
+#include "data/raster.h"
 
 namespace kestrel::cli {
 
@@ -17,7 +17,7 @@ struct DemoSize {
 };
 
 /// Cells of 30 metres in the equal-area projection of the national land cover.
-platform::Grid demo_grid(const DemoSize& size);
+data::Grid demo_grid(const DemoSize& size);
 
 // Names of what lies in the folder of a demonstration.
 inline constexpr const char* kDemoLandCover = "land_cover.tif";

@@ -60,7 +60,7 @@ double distance_from_line(double x, double y, double x1, double y1, double x2, d
 
 }  // namespace
 
-std::vector<platform::RasterClass> demo_classes() {
+std::vector<data::RasterClass> demo_classes() {
     return {{kWater, "Open Water", {70, 107, 159}},
             {kDevelopedOpen, "Developed, Open Space", {222, 197, 197}},
             {kDevelopedLow, "Developed, Low Intensity", {217, 146, 130}},

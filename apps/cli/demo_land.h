@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/raster_writer.h"
+#include "data/raster_writer.h"
 #include "polygons/polygons.h"
 
 namespace kestrel::cli {
@@ -14,7 +14,7 @@ namespace kestrel::cli {
 inline constexpr std::uint8_t kDemoNodata = 0;
 
 /// The classes of the demonstration's land cover: codes, names and colours of the national legend.
-std::vector<platform::RasterClass> demo_classes();
+std::vector<data::RasterClass> demo_classes();
 
 /// An invented country: towns with streets and a dense middle, villages, fields, forests, a river and a lake. Places
 /// are in cells, counted from the upper left corner of the raster.

@@ -10,18 +10,18 @@
 #include "apps/cli/chosen_store.h"
 #include "apps/cli/refusal.h"
 #include "base/conversions.h"
+#include "data/raster.h"
 #include "host/run_choices.h"
-#include "platform/raster.h"
 
 namespace kestrel::cli {
 
 using base::RuntimeError;
-using platform::FeatureClass;
-using platform::FeatureSource;
-using platform::Field;
-using platform::FieldType;
-using platform::RasterDataset;
-using platform::SpatialReference;
+using data::FeatureClass;
+using data::FeatureSource;
+using data::Field;
+using data::FieldType;
+using data::RasterDataset;
+using data::SpatialReference;
 
 namespace {
 

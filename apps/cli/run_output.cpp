@@ -8,7 +8,7 @@
 
 #include "apps/cli/refusal.h"
 #include "base/files.h"
-#include "platform/shapefile_writer.h"
+#include "data/shapefile_writer.h"
 
 namespace kestrel::cli {
 

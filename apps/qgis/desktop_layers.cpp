@@ -15,8 +15,8 @@
 
 namespace kestrel::qgis {
 
-using platform::FeatureClass;
-using platform::FeatureSource;
+using data::FeatureClass;
+using data::FeatureSource;
 
 namespace {
 
@@ -61,7 +61,7 @@ FeatureSource DesktopFeatureLayer::source() const {
     return ogr_source(layer()).value_or(FeatureSource{});
 }
 
-std::vector<platform::Field> DesktopFeatureLayer::fields() const {
+std::vector<data::Field> DesktopFeatureLayer::fields() const {
     return LayerCopies::needed(layer()) ? fields_of_copy(layer()) : FeatureLayer::fields();
 }
 
@@ -73,7 +73,7 @@ bool DesktopFeatureLayer::polygonal() const {
            layer().wkbType() == QgsWkbTypes::GeometryCollection;
 }
 
-void DesktopFeatureLayer::set_renderer(const platform::ClassBreaksRenderer& renderer) {
+void DesktopFeatureLayer::set_renderer(const data::ClassBreaksRenderer& renderer) {
     layer().setRenderer(graduated_renderer(renderer).release());
     layer().triggerRepaint();
     layer().emitStyleChanged();

@@ -36,12 +36,12 @@ class DesktopFeatureLayer final : public platform::FeatureLayer, public DesktopL
     ~DesktopFeatureLayer() override;
 
     std::string name() const override;
-    platform::FeatureClass feature_class() const override;
-    platform::FeatureSource source() const override;
-    std::vector<platform::Field> fields() const override;
+    data::FeatureClass feature_class() const override;
+    data::FeatureSource source() const override;
+    std::vector<data::Field> fields() const override;
     bool polygonal() const override;
     const platform::Selection& selection() const override { return m_selection; }
-    void set_renderer(const platform::ClassBreaksRenderer& renderer) override;
+    void set_renderer(const data::ClassBreaksRenderer& renderer) override;
 
     QgsMapLayer* map_layer() const override;
     /// Gives a layer that is in no project away.

@@ -7,7 +7,7 @@
 
 namespace kestrel::qgis {
 
-std::unique_ptr<QgsFeatureRenderer> graduated_renderer(const platform::ClassBreaksRenderer& legend) {
+std::unique_ptr<QgsFeatureRenderer> graduated_renderer(const data::ClassBreaksRenderer& legend) {
     QgsRangeList ranges;
     double lower = 0;
     for (const auto& entry : legend.classes) {

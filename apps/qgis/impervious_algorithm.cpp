@@ -16,14 +16,14 @@
 #include "base/conversions.h"
 #include "base/files.h"
 #include "coefficients/basUtil.h"
+#include "data/raster.h"
 #include "host/headless_run.h"
 #include "host/run_choices.h"
 #include "host/run_layers.h"
-#include "platform/raster.h"
 
 namespace kestrel::qgis {
 
-using platform::FeatureClass;
+using data::FeatureClass;
 
 namespace {
 
@@ -48,8 +48,8 @@ auto translated(Work work) {
     }
 }
 
-bool names_zones(platform::FieldType type) {
-    return platform::integral(type) || type == platform::FieldType::text;
+bool names_zones(data::FieldType type) {
+    return data::integral(type) || type == data::FieldType::text;
 }
 
 void check_zone_field(const FeatureClass& zones, const std::string& name) {
@@ -162,7 +162,7 @@ void ImperviousAlgorithm::prepare_land_cover(const QVariantMap& parameters, QgsP
     }
     std::string units = text_of(kUnits.value(parameterAsEnum(parameters, "UNITS", context)));
     if (units.empty()) {
-        units = units_of(platform::RasterDataset::open(source).spatial_reference());
+        units = units_of(data::RasterDataset::open(source).spatial_reference());
     }
     if (units.empty()) {
         refuse("The land cover does not say that it is in metres or feet: choose its units.");

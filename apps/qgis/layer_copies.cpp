@@ -18,7 +18,7 @@
 namespace kestrel::qgis {
 
 using base::RuntimeError;
-using platform::FieldType;
+using data::FieldType;
 
 namespace {
 
@@ -139,10 +139,10 @@ void LayerCopies::forget(const QString& layer_id) {
     m_copies.erase(known);
 }
 
-std::vector<platform::Field> fields_of_copy(const QgsVectorLayer& layer) {
-    std::vector<platform::Field> fields;
+std::vector<data::Field> fields_of_copy(const QgsVectorLayer& layer) {
+    std::vector<data::Field> fields;
     for (const QgsField& field : layer.fields()) {
-        platform::Field& added = fields.emplace_back();
+        data::Field& added = fields.emplace_back();
         added.name = text_of(field.name());
         added.alias = text_of(field.alias());
         added.type = type_of(field);

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/feature_class.h"
+#include "data/feature_class.h"
 
 class QgsVectorLayer;
 
@@ -18,7 +18,7 @@ namespace kestrel::qgis {
 
 /// A layer's features in a GeoPackage, for an engine that cannot open the layer itself.
 struct LayerCopy {
-    platform::FeatureSource source;
+    data::FeatureSource source;
     /// The copy's id of each of the layer's features.
     std::map<std::int64_t, std::int64_t> ids;
 };
@@ -47,6 +47,6 @@ class LayerCopies final : public QObject {
 };
 
 /// The layer's fields as a copy of it has them.
-std::vector<platform::Field> fields_of_copy(const QgsVectorLayer& layer);
+std::vector<data::Field> fields_of_copy(const QgsVectorLayer& layer);
 
 }  // namespace kestrel::qgis

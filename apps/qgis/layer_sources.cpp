@@ -35,7 +35,7 @@ std::string text_of(const QString& text) {
     return text.toStdString();
 }
 
-std::optional<platform::FeatureSource> ogr_source(const QgsVectorLayer& layer) {
+std::optional<data::FeatureSource> ogr_source(const QgsVectorLayer& layer) {
     if (layer.providerType() != "ogr" || is_statement(layer.subsetString())) {
         return std::nullopt;
     }
@@ -44,9 +44,9 @@ std::optional<platform::FeatureSource> ogr_source(const QgsVectorLayer& layer) {
     if (!says_only(parts, {"path", "layerName", "subset", "databaseName"}) || !QFileInfo::exists(path)) {
         return std::nullopt;
     }
-    return platform::FeatureSource{.path = text_of(path),
-                                   .layer_name = text_of(parts.value("layerName").toString()),
-                                   .subset = text_of(layer.subsetString())};
+    return data::FeatureSource{.path = text_of(path),
+                               .layer_name = text_of(parts.value("layerName").toString()),
+                               .subset = text_of(layer.subsetString())};
 }
 
 bool shows_more_than_its_source(const QgsVectorLayer& layer) {

@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "data/feature_class.h"
 #include "platform/contracts/map.h"
-#include "platform/feature_class.h"
 
 class QgsCoordinateReferenceSystem;
 class QgsRasterLayer;
@@ -22,7 +22,7 @@ std::string text_of(const QString& text);
 
 /// The file, layer and filter from which OGR reads what the layer draws; nothing for a layer of another provider, and
 /// for one whose source says more than these three can.
-std::optional<platform::FeatureSource> ogr_source(const QgsVectorLayer& layer);
+std::optional<data::FeatureSource> ogr_source(const QgsVectorLayer& layer);
 
 /// Whether the layer shows more than its source holds: uncommitted edits, fields of its own, or a coordinate system
 /// that was chosen for it.

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/class_breaks.h"
-#include "platform/feature_class.h"
+#include "data/class_breaks.h"
+#include "data/feature_class.h"
 
 /// \file
 /// Layers as a host shows them. What a layer draws from is reached as data (FeatureClass, a raster's path); how it is
@@ -39,15 +39,15 @@ class FeatureLayer : public Layer {
   public:
     /// The source that the layer draws from, with its subset filter.
     /// \throws RuntimeError when the source cannot be opened.
-    virtual FeatureClass feature_class() const = 0;
+    virtual data::FeatureClass feature_class() const = 0;
     /// Where the layer's own data lie, found out without opening them. Its path is empty when they are in no file that
     /// OGR opens: feature_class() then reads a copy.
-    virtual FeatureSource source() const = 0;
+    virtual data::FeatureSource source() const = 0;
     /// Attribute fields and geometry type as feature_class() has them, for which a host need not copy any data.
-    virtual std::vector<Field> fields() const { return feature_class().fields(); }
+    virtual std::vector<data::Field> fields() const { return feature_class().fields(); }
     virtual bool polygonal() const { return feature_class().polygonal(); }
     virtual const Selection& selection() const = 0;
-    virtual void set_renderer(const ClassBreaksRenderer& renderer) = 0;
+    virtual void set_renderer(const data::ClassBreaksRenderer& renderer) = 0;
 };
 
 class RasterLayer : public Layer {

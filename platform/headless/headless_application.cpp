@@ -11,7 +11,7 @@ IExtensionConfig* HeadlessApplication::find_extension(std::string_view class_id)
 
 std::shared_ptr<FeatureLayer> HeadlessApplication::make_feature_layer(const std::string& path,
                                                                       const std::string& name) {
-    return std::make_shared<HeadlessFeatureLayer>(name, FeatureSource{.path = path});
+    return std::make_shared<HeadlessFeatureLayer>(name, data::FeatureSource{.path = path});
 }
 
 void HeadlessApplication::register_extension(std::string class_id, IExtensionConfig& extension) {

@@ -7,11 +7,12 @@
 
 namespace kestrel::platform {
 
-HeadlessFeatureLayer::HeadlessFeatureLayer(std::string name, FeatureSource source, std::vector<std::int64_t> selected)
+HeadlessFeatureLayer::HeadlessFeatureLayer(std::string name, data::FeatureSource source,
+                                           std::vector<std::int64_t> selected)
     : m_name(std::move(name)), m_source(std::move(source)), m_selection(std::move(selected)) {}
 
-FeatureClass HeadlessFeatureLayer::feature_class() const {
-    return FeatureClass::open(m_source);
+data::FeatureClass HeadlessFeatureLayer::feature_class() const {
+    return data::FeatureClass::open(m_source);
 }
 
 void HeadlessMap::add_layer(std::shared_ptr<Layer> layer) {
@@ -62,7 +63,7 @@ void HeadlessMap::tell(void (MapEvents::*event)()) {
     }
 }
 
-DistanceUnits distance_units_of(const SpatialReference& reference) {
+DistanceUnits distance_units_of(const data::SpatialReference& reference) {
     if (!reference.known()) {
         return kUnknownUnits;
     }

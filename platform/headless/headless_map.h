@@ -25,21 +25,21 @@ class HeadlessSelection final : public Selection {
 class HeadlessFeatureLayer final : public FeatureLayer {
   public:
     /// \param selected ids of the selected features, ascending.
-    HeadlessFeatureLayer(std::string name, FeatureSource source, std::vector<std::int64_t> selected = {});
+    HeadlessFeatureLayer(std::string name, data::FeatureSource source, std::vector<std::int64_t> selected = {});
 
     std::string name() const override { return m_name; }
-    FeatureClass feature_class() const override;
-    FeatureSource source() const override { return m_source; }
+    data::FeatureClass feature_class() const override;
+    data::FeatureSource source() const override { return m_source; }
     const Selection& selection() const override { return m_selection; }
-    void set_renderer(const ClassBreaksRenderer& renderer) override { m_renderer = renderer; }
+    void set_renderer(const data::ClassBreaksRenderer& renderer) override { m_renderer = renderer; }
     /// The renderer that was set; nothing before.
-    const std::optional<ClassBreaksRenderer>& renderer() const noexcept { return m_renderer; }
+    const std::optional<data::ClassBreaksRenderer>& renderer() const noexcept { return m_renderer; }
 
   private:
     std::string m_name;
-    FeatureSource m_source;
+    data::FeatureSource m_source;
     HeadlessSelection m_selection;
-    std::optional<ClassBreaksRenderer> m_renderer;
+    std::optional<data::ClassBreaksRenderer> m_renderer;
 };
 
 class HeadlessRasterLayer final : public RasterLayer {
@@ -96,6 +96,6 @@ class HeadlessMap final : public Map {
 };
 
 /// The distance units of a coordinate system as the host would code them.
-DistanceUnits distance_units_of(const SpatialReference& reference);
+DistanceUnits distance_units_of(const data::SpatialReference& reference);
 
 }  // namespace kestrel::platform

@@ -12,22 +12,22 @@
 #include "apps/cli/demo_regions.h"
 #include "base/errors.h"
 #include "base/files.h"
-#include "platform/feature_class.h"
-#include "platform/raster.h"
+#include "data/feature_class.h"
+#include "data/raster.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel::cli {
 namespace {
 
-using platform::FeatureClass;
-using platform::PolygonFeatures;
+using data::FeatureClass;
+using data::PolygonFeatures;
 using polygons::Point;
 
 constexpr DemoSize kSize{.columns = 300, .rows = 240, .seed = 7};
 
 std::vector<std::uint8_t> cells_of(const std::string& folder) {
-    const auto raster = platform::RasterDataset::open(folder + "/land_cover.tif");
-    platform::CellBuffer buffer;
+    const auto raster = data::RasterDataset::open(folder + "/land_cover.tif");
+    data::CellBuffer buffer;
     raster.read({0, 0, raster.grid().columns, raster.grid().rows}, buffer);
     return buffer.bytes;
 }
@@ -123,7 +123,7 @@ TEST(DemoLandCover, HasEveryKindOfLandAndAnUnmappedCorner) {
 TEST(DemoLandCover, DeclaresItsNodataAndItsPlace) {
     const test::TemporaryFolder folder;
     write_demo_land_cover(folder.path(), kSize);
-    const auto raster = platform::RasterDataset::open(folder / "land_cover.tif");
+    const auto raster = data::RasterDataset::open(folder / "land_cover.tif");
     EXPECT_EQ(raster.nodata_value(), 0);
     EXPECT_EQ(raster.spatial_reference().authority_code(), "EPSG:5070");
     EXPECT_EQ(raster.grid().dx, 30);
@@ -156,11 +156,11 @@ TEST(DemoWatersheds, SomeReachBeyondTheRasterAndHaveNames) {
     const test::TemporaryFolder folder;
     write_demo_watersheds(folder.path(), kSize);
     const PolygonFeatures sheds = polygons_in(folder / "watersheds.shp", {"SHED_ID", "NAME"});
-    const platform::Grid grid = demo_grid(kSize);
+    const data::Grid grid = demo_grid(kSize);
     EXPECT_FALSE(grid.extent().contains(sheds.polygons.envelope()));
     std::set<std::string> names;
-    for (const platform::Value& name : sheds.columns[1]) {
-        names.insert(base::text_of(name));
+    for (const data::Value& name : sheds.columns[1]) {
+        names.insert(data::text_of(name));
     }
     EXPECT_EQ(names.size(), sheds.ids.size()) << "every name once";
     EXPECT_FALSE(names.contains(""));
@@ -174,12 +174,12 @@ TEST(DemoBlocks, AreSmallerAndDenserInTheTown) {
     std::size_t densest = 0;
     double largest_area = 0;
     for (std::size_t i = 0; i < blocks.ids.size(); ++i) {
-        if (platform::number_of(blocks.columns[0][i]) > platform::number_of(blocks.columns[0][densest])) {
+        if (data::number_of(blocks.columns[0][i]) > data::number_of(blocks.columns[0][densest])) {
             densest = i;
         }
         largest_area = std::max(largest_area, blocks.polygons.area(i));
     }
-    EXPECT_GT(platform::number_of(blocks.columns[0][densest]), 1500);
+    EXPECT_GT(data::number_of(blocks.columns[0][densest]), 1500);
     EXPECT_LT(blocks.polygons.area(densest) * 4, largest_area);
 }
 

@@ -5,14 +5,14 @@
 #include <algorithm>
 
 #include "base/files.h"
-#include "platform/raster_writer.h"
-#include "platform/shapefile_writer.h"
+#include "data/raster_writer.h"
+#include "data/shapefile_writer.h"
 
 namespace kestrel::test {
 
-using platform::Field;
-using platform::FieldType;
-using platform::SpatialReference;
+using data::Field;
+using data::FieldType;
+using data::SpatialReference;
 
 namespace {
 
@@ -23,7 +23,7 @@ const Field kDensity{.name = "POP_DEN", .type = FieldType::real, .length = 12, .
 const Field kKind{.name = "KIND", .type = FieldType::text, .length = 10};
 
 void write_land_cover(const std::string& path) {
-    platform::RasterWriter writer(
+    data::RasterWriter writer(
         path, {.grid = {kLeft, kTop, 30, -30, 10, 10}, .reference = SpatialReference::from("EPSG:5070"), .nodata = 0});
     std::vector<std::uint8_t> cells;
     for (int row = 0; row < 10; ++row) {
@@ -39,7 +39,7 @@ void write_land_cover(const std::string& path) {
 }  // namespace
 
 void write_squares(const std::string& path, const SquareLayer& layer) {
-    platform::ShapefileWriter writer(path, layer.fields, SpatialReference::from("EPSG:5070"));
+    data::ShapefileWriter writer(path, layer.fields, SpatialReference::from("EPSG:5070"));
     polygons::PolygonSet polygons;
     for (const SquareLayer::Row& row : layer.rows) {
         const double left = kLeft + 30 * row.left;
@@ -59,7 +59,7 @@ void write_squares(const std::string& path, const SquareLayer& layer) {
 }
 
 void write_plain_raster(const std::string& path, const std::string& definition, double cell) {
-    platform::RasterWriter writer(
+    data::RasterWriter writer(
         path,
         {.grid = {definition == "EPSG:4326" ? -80 : kLeft, definition == "EPSG:4326" ? 40 : kTop, cell, -cell, 10, 10},
          .reference = definition.empty() ? SpatialReference() : SpatialReference::from(definition)});

@@ -5,20 +5,20 @@
 #include <string>
 #include <vector>
 
-#include "platform/field.h"
+#include "data/field.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel::test {
 
 /// Squares with attributes, for a shapefile.
 struct SquareLayer {
-    std::vector<platform::Field> fields;
+    std::vector<data::Field> fields;
     struct Row {
         double left;
         double top;
         double right;
         double bottom;
-        std::vector<platform::Value> values;
+        std::vector<data::Value> values;
     };
     std::vector<Row> rows;
 };

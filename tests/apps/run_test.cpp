@@ -13,7 +13,7 @@
 #include <utility>
 
 #include "base/files.h"
-#include "platform/feature_class.h"
+#include "data/feature_class.h"
 #include "tests/apps/command_runner.h"
 #include "tests/apps/run_data.h"
 

@@ -12,8 +12,8 @@ namespace kestrel {
 namespace {
 
 using base::RuntimeError;
-using platform::XmlDocument;
-using platform::XmlElement;
+using data::XmlDocument;
+using data::XmlElement;
 using test::add_default_set;
 using test::add_set;
 using test::land_class;

@@ -12,14 +12,14 @@
 namespace kestrel {
 namespace {
 
-using platform::Field;
-using platform::FieldType;
+using data::Field;
+using data::FieldType;
+using data::Value;
 using platform::HeadlessFeatureLayer;
 using platform::HeadlessGroupLayer;
 using platform::HeadlessMap;
 using platform::HeadlessRasterLayer;
 using platform::Layer;
-using platform::Value;
 using reporting::MessageBox;
 using test::Box;
 using test::Shape;
@@ -155,7 +155,7 @@ TEST(CreateFields, TheFieldCarriesAllArguments) {
 }
 
 TEST(AddFields, TakesTheAnalysisValueOfTheFeature) {
-    platform::PolygonFeatures source;
+    data::PolygonFeatures source;
     source.columns = {{std::int64_t{7}, Value(), std::string("x")}};
     EXPECT_THAT(basUtil::AddFields(source, 0), ElementsAre(Value(std::int64_t{7})));
     EXPECT_THAT(basUtil::AddFields(source, 1), ElementsAre(Value()));
@@ -165,7 +165,7 @@ TEST(AddFields, TakesTheAnalysisValueOfTheFeature) {
 /// What lies in a shapefile that CreateShapefile() made of the layer "source".
 struct Copied {
     std::vector<Field> fields;
-    platform::PolygonFeatures features;
+    data::PolygonFeatures features;
 };
 
 class CreateShapefile : public testing::Test {
@@ -188,7 +188,7 @@ class CreateShapefile : public testing::Test {
 TEST_F(CreateShapefile, ALayerWithoutSelectionYieldsAnEmptyTempAnalysis) {
     world.layer("source", {test::integer_field("ID")}, {{{Box{0, 0, 1, 1}}, {std::int64_t{1}}}});
     EXPECT_EQ(copied("ID").features.polygons.feature_count(), 0U);
-    EXPECT_TRUE(platform::FeatureClass::open({.path = world.output / "tempAnalysis.shp"}).polygonal());
+    EXPECT_TRUE(data::FeatureClass::open({.path = world.output / "tempAnalysis.shp"}).polygonal());
 }
 
 TEST_F(CreateShapefile, OnlySelectedFeaturesAreCopied) {
@@ -215,7 +215,7 @@ TEST_F(CreateShapefile, TheOnlyFieldIsAnalyfld) {
 TEST_F(CreateShapefile, WholeNumbersStayWholeNumbers) {
     world.layer("source", {test::integer_field("ID")}, {{{Box{0, 0, 1, 1}}, {std::int64_t{-12345678}}}}, {0});
     const Copied made = copied("ID");
-    EXPECT_TRUE(platform::integral(made.fields.at(0).type));
+    EXPECT_TRUE(data::integral(made.fields.at(0).type));
     EXPECT_THAT(made.features.columns, ElementsAre(ElementsAre(Value(std::int64_t{-12345678}))));
 }
 
@@ -235,7 +235,7 @@ TEST_F(CreateShapefile, TheCopyHasTheSourcesCoordinateSystem) {
     world.layer("source", {test::integer_field("ID")}, {{{Box{0, 0, 1, 1}}, {std::int64_t{1}}}}, {0}, "EPSG:32612");
     copied("ID");
     EXPECT_EQ(
-        platform::FeatureClass::open({.path = world.output / "tempAnalysis.shp"}).spatial_reference().authority_code(),
+        data::FeatureClass::open({.path = world.output / "tempAnalysis.shp"}).spatial_reference().authority_code(),
         "EPSG:32612");
 }
 
@@ -254,15 +254,15 @@ TEST_F(CreateShapefile, AMissingFolderIsReportedAndNothingMade) {
 
 int flushes_of(std::size_t features) {
     const test::TemporaryFolder folder;
-    platform::PolygonFeatures source;
+    data::PolygonFeatures source;
     source.polygons = test::polygons_of(std::vector<Shape>(features, Shape{{Box{0, 0, 1, 1}}}));
     source.columns = {std::vector<Value>(features, std::int64_t{1})};
     const std::vector<Field> fields{test::integer_field("analyfld")};
-    platform::ShapefileWriter writer(folder / "copy.shp", fields, {});
+    data::ShapefileWriter writer(folder / "copy.shp", fields, {});
     EXPECT_EQ(basUtil::copy_features(source, writer), features);
     const int flushes = writer.flush_count();
     writer.close();
-    EXPECT_EQ(platform::FeatureClass::open({.path = folder / "copy.shp"}).feature_count(),
+    EXPECT_EQ(data::FeatureClass::open({.path = folder / "copy.shp"}).feature_count(),
               static_cast<std::int64_t>(features));
     return flushes;
 }
@@ -284,15 +284,15 @@ class Intersect : public testing::Test {
                     {{{Box{0, 0, 2, 2}}, {std::int64_t{1}, 99.0}}, {{Box{2, 0, 4, 2}}, {std::int64_t{2}, 99.0}}});
         world.layer("overlay", {test::real_field("ID")}, {{{Box{1, 0, 3, 1}}, {5.5}}, {{Box{1, 1, 2, 2}}, {6.5}}});
     }
-    platform::FeatureClass features(const std::string& name) const {
-        return platform::FeatureClass::open({.path = world.folder / (name + ".shp")});
+    data::FeatureClass features(const std::string& name) const {
+        return data::FeatureClass::open({.path = world.folder / (name + ".shp")});
     }
 
     test::SmallWorld world;
 };
 
 TEST_F(Intersect, AMissingInputIsTold) {
-    const platform::FeatureClass input = features("input");
+    const data::FeatureClass input = features("input");
     EXPECT_EQ(basUtil::Intersect(nullptr, &input, "popIntersect", world.output.path()), nullptr);
     EXPECT_EQ(basUtil::Intersect(&input, nullptr, "popIntersect", world.output.path()), nullptr);
     EXPECT_THAT(world.said.boxes, ElementsAre(MessageBox{"Table QI failed"}, MessageBox{"Table QI failed"}));
@@ -300,8 +300,8 @@ TEST_F(Intersect, AMissingInputIsTold) {
 
 TEST_F(Intersect, PiecesComeInTheOrderOfTheInputThenOfTheOverlay) {
     const auto made = [&] {
-        const platform::FeatureClass input = features("input");
-        const platform::FeatureClass overlay = features("overlay");
+        const data::FeatureClass input = features("input");
+        const data::FeatureClass overlay = features("overlay");
         return basUtil::Intersect(&input, &overlay, "popIntersect", world.output.path());
     }();
     ASSERT_NE(made, nullptr);
@@ -312,15 +312,15 @@ TEST_F(Intersect, PiecesComeInTheOrderOfTheInputThenOfTheOverlay) {
 }
 
 TEST_F(Intersect, TheFieldAreaOfAPieceHoldsThePiecesArea) {
-    const platform::FeatureClass input = features("input");
-    const platform::FeatureClass overlay = features("overlay");
+    const data::FeatureClass input = features("input");
+    const data::FeatureClass overlay = features("overlay");
     const auto made = basUtil::Intersect(&input, &overlay, "popIntersect", world.output.path());
     const std::vector<std::string> names{"AREA"};
     EXPECT_THAT(made->read_columns(names), ElementsAre(ElementsAre(Value(10000.0), Value(10000.0), Value(10000.0))));
 }
 
 TEST_F(Intersect, AFailureIsReported) {
-    const platform::FeatureClass input = features("input");
+    const data::FeatureClass input = features("input");
     EXPECT_EQ(basUtil::Intersect(&input, &input, "popIntersect", world.output / "missing"), nullptr);
     EXPECT_THAT(world.said.call_stacks, ElementsAre(HasSubstr("\tIntersect basUtil Line : ")));
 }

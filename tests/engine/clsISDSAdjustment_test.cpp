@@ -12,8 +12,8 @@
 namespace kestrel {
 namespace {
 
-using platform::Table;
-using platform::Value;
+using data::Table;
+using data::Value;
 using reporting::Answer;
 using reporting::Buttons;
 using reporting::Icon;
@@ -136,7 +136,7 @@ TEST_F(Adjustment, ATargetClassThatTheLandCoverLacksGetsNewColumns) {
     const auto after = adjusted(tabulated(), "7");
     ASSERT_TRUE(after);
     ASSERT_EQ(after->fields().size(), 8U);
-    EXPECT_EQ(after->fields()[6], (platform::Field{"area-7", "area-7", platform::FieldType::real, 18, 18, 6}));
+    EXPECT_EQ(after->fields()[6], (data::Field{"area-7", "area-7", data::FieldType::real, 18, 18, 6}));
     EXPECT_EQ(after->fields()[7].name, "ISarea-7");
     EXPECT_DOUBLE_EQ(number(*after, "area-7"), 1);
     EXPECT_DOUBLE_EQ(number(*after, "ISarea-7"), 1);

@@ -11,7 +11,7 @@
 namespace kestrel {
 namespace {
 
-using platform::Value;
+using data::Value;
 using reporting::Icon;
 using reporting::MessageBox;
 using test::Box;
@@ -130,8 +130,8 @@ TEST_F(Zones, WholeNumbersOf64BitsKeepAllDigits) {
     ASSERT_TRUE(world.run());
     EXPECT_THAT(world.rows(),
                 ElementsAre("-5|1|0.02|2|Y", "9007199254740992|1|0.02|2|Y", "9007199254740993|1|0.02|2|Y"));
-    const auto fields = platform::FeatureClass::open({.path = world.output_path()}).fields();
-    EXPECT_EQ(fields.front().type, platform::FieldType::big_integer);
+    const auto fields = data::FeatureClass::open({.path = world.output_path()}).fields();
+    EXPECT_EQ(fields.front().type, data::FieldType::big_integer);
     EXPECT_EQ(fields.front().length, 18);
 }
 
@@ -182,7 +182,7 @@ TEST_F(Zones, FeaturesOfOneValueAreDissolvedAndTheirAreasSummed) {
            column(4, std::int64_t{7})});
     ASSERT_TRUE(world.run());
     EXPECT_THAT(world.rows(), ElementsAre("7|3|0.06|2|Y", "8|1|0.02|2|Y"));
-    const auto features = platform::FeatureClass::open({.path = world.output_path()}).read_polygons({});
+    const auto features = data::FeatureClass::open({.path = world.output_path()}).read_polygons({});
     ASSERT_EQ(features.polygons.feature_count(), 2U);
     EXPECT_DOUBLE_EQ(features.polygons.area(0), 30000);
     EXPECT_EQ(features.polygons.first_polygon(1) - features.polygons.first_polygon(0), 2U);
@@ -293,7 +293,7 @@ TEST_F(Zones, InAnotherSystemThanTheLandCoverAreProjected) {
                 "EPSG:32612");
     ASSERT_TRUE(world.run());
     EXPECT_THAT(world.rows(), ElementsAre("1|2|0.04|2|Y"));
-    EXPECT_EQ(platform::FeatureClass::open({.path = world.output_path()}).spatial_reference().authority_code(),
+    EXPECT_EQ(data::FeatureClass::open({.path = world.output_path()}).spatial_reference().authority_code(),
               "EPSG:32612");
 }
 

@@ -58,7 +58,7 @@ TEST_F(Output, TheResultNamesTheFilesTheShapefileFirst) {
 TEST_F(Output, TheShapefileIsInUtf8AndInTheAnalysisLayersSystem) {
     ASSERT_TRUE(world.run());
     EXPECT_EQ(base::read_file(world.output / "out.cpg"), "UTF-8");
-    EXPECT_EQ(platform::FeatureClass::open({.path = world.output_path()}).spatial_reference().authority_code(),
+    EXPECT_EQ(data::FeatureClass::open({.path = world.output_path()}).spatial_reference().authority_code(),
               "EPSG:26912");
 }
 

@@ -3,16 +3,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "data/shapefile_writer.h"
 #include "engine/clsISExecuteModel.h"
-#include "platform/shapefile_writer.h"
 #include "polygons/geometry.h"
 #include "tests/support/small_world.h"
 
 namespace kestrel {
 namespace {
 
-using platform::SpatialReference;
-using platform::Value;
+using data::SpatialReference;
+using data::Value;
 using reporting::Answer;
 using reporting::Buttons;
 using reporting::Icon;
@@ -65,7 +65,7 @@ TEST_F(Scenarios, OfTwoThatOverlapTheSecondTakesFromTheFirstsTarget) {
     ASSERT_TRUE(world.run());
     // One cell developed, two of road, one of grass.
     EXPECT_THAT(world.rows(), ElementsAre("1|4|2.82|70.5|Y", "2|4|0.08|2|Y"));
-    const platform::Table& last = world.result().zone_tables.back();
+    const data::Table& last = world.result().zone_tables.back();
     EXPECT_EQ(last.number(0, last.find_field("area-2")), 1);
     EXPECT_EQ(last.number(0, last.find_field("area-7")), 2);
     EXPECT_EQ(last.number(0, last.find_field("area-5")), 1);
@@ -93,7 +93,7 @@ TEST_F(Scenarios, WorkingTablesAreNumberedFromTwo) {
     world.parameters.scenarios = {"1#mall#Developed#2", "2#road#Roads#7"};
     ASSERT_TRUE(world.run());
     std::vector<std::string> names;
-    for (const platform::Table& table : world.result().zone_tables) {
+    for (const data::Table& table : world.result().zone_tables) {
         names.push_back(table.name());
     }
     EXPECT_THAT(names, ElementsAre("areaTemp", "2dsarea", "3dsarea"));
@@ -162,15 +162,15 @@ TEST_F(Scenarios, AnotherSystemOfTheSameProjectionIsProjected) {
     const auto nad83 = SpatialReference::from("EPSG:26912");
     const auto nad27 = SpatialReference::from("EPSG:26712");
     polygons::PolygonSet polygons = test::polygons_of({{{Box{0.1, 0.1, 1.9, 0.9}}}});
-    platform::project(polygons, nad83, nad27);
+    data::project(polygons, nad83, nad27);
     const std::string path = world.folder / "mall.shp";
-    const std::vector<platform::Field> fields{test::integer_field("N")};
+    const std::vector<data::Field> fields{test::integer_field("N")};
     const std::vector<Value> values{std::int64_t{1}};
-    platform::ShapefileWriter writer(path, fields, nad27);
+    data::ShapefileWriter writer(path, fields, nad27);
     writer.insert(polygons, 0, values);
     writer.close();
     world.application.map().append_layer(
-        std::make_shared<platform::HeadlessFeatureLayer>("mall", platform::FeatureSource{.path = path}));
+        std::make_shared<platform::HeadlessFeatureLayer>("mall", data::FeatureSource{.path = path}));
     world.parameters.scenarios = {"1#mall#Developed#2"};
     ASSERT_TRUE(world.run());
     EXPECT_THAT(world.said.boxes, IsEmpty());

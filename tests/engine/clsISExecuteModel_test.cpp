@@ -12,7 +12,7 @@
 namespace kestrel {
 namespace {
 
-using platform::Value;
+using data::Value;
 using reporting::Icon;
 using reporting::MessageBox;
 using test::Box;
@@ -90,17 +90,17 @@ TEST_F(Run, OtherUnitsGiveHectareFieldsAndNoAreas) {
 
 TEST_F(Run, OutputFieldsHaveTheirSizes) {
     ASSERT_TRUE(world.run());
-    const auto fields = platform::FeatureClass::open({.path = world.output_path()}).fields();
-    EXPECT_TRUE(platform::integral(fields[0].type));
+    const auto fields = data::FeatureClass::open({.path = world.output_path()}).fields();
+    EXPECT_TRUE(data::integral(fields[0].type));
     EXPECT_EQ(fields[0].length, 9);
     for (const int area : {1, 2}) {
-        EXPECT_EQ(fields[static_cast<std::size_t>(area)].type, platform::FieldType::real);
+        EXPECT_EQ(fields[static_cast<std::size_t>(area)].type, data::FieldType::real);
         EXPECT_EQ(fields[static_cast<std::size_t>(area)].length, 18);
         EXPECT_EQ(fields[static_cast<std::size_t>(area)].scale, 6);
     }
     EXPECT_EQ(fields[3].length, 10);
     EXPECT_EQ(fields[3].scale, 2);
-    EXPECT_EQ(fields[4].type, platform::FieldType::text);
+    EXPECT_EQ(fields[4].type, data::FieldType::text);
 }
 
 TEST_F(Run, UnitsThatContradictTheLandCoverDrawANotice) {

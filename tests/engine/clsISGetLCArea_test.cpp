@@ -13,8 +13,8 @@
 namespace kestrel {
 namespace {
 
-using platform::Table;
-using platform::Value;
+using data::Table;
+using data::Value;
 using reporting::Icon;
 using reporting::MessageBox;
 using test::Box;
@@ -65,7 +65,7 @@ class LandCoverAreas : public testing::Test {
     }
 
     test::SmallWorld world;
-    std::vector<platform::Field> fields{{.name = "SHED"}};
+    std::vector<data::Field> fields{{.name = "SHED"}};
     ZoneGroups groups;
     std::optional<RunZones> run_zones;
     clsISGetLCArea engine;

@@ -12,9 +12,9 @@
 namespace kestrel {
 namespace {
 
-using platform::Field;
-using platform::FieldType;
-using platform::Table;
+using data::Field;
+using data::FieldType;
+using data::Table;
 using reporting::MessageBox;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;

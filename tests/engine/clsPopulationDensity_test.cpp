@@ -10,8 +10,8 @@
 namespace kestrel {
 namespace {
 
-using platform::FeatureClass;
-using platform::Value;
+using data::FeatureClass;
+using data::Value;
 using test::Box;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -101,7 +101,7 @@ TEST_F(PopulationDensity, TheNewFieldIsNamedAfterTheAnalysisField) {
     EXPECT_EQ(stage.NewAnalysisFieldName(), "new_WATERS");
     EXPECT_EQ(stage.NewAliasName(), "new_WATERS");
     EXPECT_EQ(stage.OldAnalysisFldName(), "WATERSHED");
-    EXPECT_EQ(stage.NewAnalysisField().type, platform::FieldType::text);
+    EXPECT_EQ(stage.NewAnalysisField().type, data::FieldType::text);
     EXPECT_EQ(stage.NewAnalysisField().length, 20);
 }
 
@@ -179,7 +179,7 @@ TEST_F(PopulationDensity, AMissingLayerIsReported) {
 TEST_F(PopulationDensity, CarriesTheRuleOfShortFieldNames) {
     sheds();
     world.layer("blocks", {test::real_field("POP")}, {{{Box{0, 0, 4, 2}}, {1.0}}});
-    const std::vector<platform::Field> table{{.name = "POPULATION_2000"}, {.name = "POPULATION_DENSITY"}};
+    const std::vector<data::Field> table{{.name = "POPULATION_2000"}, {.name = "POPULATION_DENSITY"}};
     EXPECT_EQ(density("POP").SetFieldName("POPULATION_DENSITY", table), "POPULATI_1");
     EXPECT_EQ(density("POP").SetFieldName("POP", table), "");
 }

@@ -12,8 +12,8 @@
 namespace kestrel {
 namespace {
 
+using data::Value;
 using platform::kNoOverlay;
-using platform::Value;
 using platform::ZoneCounts;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;

@@ -8,22 +8,21 @@
 namespace kestrel {
 namespace {
 
-using platform::Colour;
+using data::Colour;
 using ::testing::ElementsAre;
 
 std::string class_label(double percent) {
-    const platform::ClassBreaksRenderer legend = output_legend();
+    const data::ClassBreaksRenderer legend = output_legend();
     const int position = legend.class_of(percent);
     return position < 0 ? "none" : legend.classes.at(static_cast<std::size_t>(position)).label;
 }
 
 TEST(OutputLegend, HasThreeClassesOnThePercentage) {
-    const platform::ClassBreaksRenderer legend = output_legend();
+    const data::ClassBreaksRenderer legend = output_legend();
     EXPECT_EQ(legend.field, "pctIS");
-    EXPECT_THAT(legend.classes,
-                ElementsAre(platform::ClassBreaksRenderer::Class{9.99, "< 10%", Colour{170, 255, 0}},
-                            platform::ClassBreaksRenderer::Class{25, "10% - 25%", Colour{255, 255, 190}},
-                            platform::ClassBreaksRenderer::Class{100, "> 25%", Colour{255, 0, 0}}));
+    EXPECT_THAT(legend.classes, ElementsAre(data::ClassBreaksRenderer::Class{9.99, "< 10%", Colour{170, 255, 0}},
+                                            data::ClassBreaksRenderer::Class{25, "10% - 25%", Colour{255, 255, 190}},
+                                            data::ClassBreaksRenderer::Class{100, "> 25%", Colour{255, 0, 0}}));
 }
 
 TEST(OutputLegend, NineNinetyNineIsBelowTen) {
@@ -60,13 +59,13 @@ TEST(OutputLayer, ValuesStandInTheOrderOfTheFields) {
     layer.impervious_area = {1, 5};
     layer.percent = {10, 25};
     layer.complete = {true, false};
-    EXPECT_THAT(layer.values(1), ElementsAre(platform::Value("b"), platform::Value(20.0), platform::Value(5.0),
-                                             platform::Value(25.0), platform::Value("N")));
-    EXPECT_EQ(layer.values(0).back(), platform::Value("Y"));
+    EXPECT_THAT(layer.values(1), ElementsAre(data::Value("b"), data::Value(20.0), data::Value(5.0), data::Value(25.0),
+                                             data::Value("N")));
+    EXPECT_EQ(layer.values(0).back(), data::Value("Y"));
 }
 
-using platform::Field;
-using platform::FieldType;
+using data::Field;
+using data::FieldType;
 
 TEST(OutputFields, FeetGiveAcres) {
     EXPECT_THAT(output_area_fields("Feet"), ElementsAre(Field{"TotAcres", "TotalAcres", FieldType::real, 18, 18, 6},
@@ -82,7 +81,7 @@ TEST(OutputFields, EverythingElseGivesHectares) {
     }
 }
 
-Field analysis_field(const Field& source, const std::vector<platform::Value>& values) {
+Field analysis_field(const Field& source, const std::vector<data::Value>& values) {
     const std::vector<Field> table{source};
     return output_analysis_field(source, ZoneGroups(values), table, "Meters");
 }

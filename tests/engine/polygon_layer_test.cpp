@@ -11,9 +11,9 @@
 namespace kestrel {
 namespace {
 
-using platform::FeatureClass;
-using platform::SpatialReference;
-using platform::Value;
+using data::FeatureClass;
+using data::SpatialReference;
+using data::Value;
 using test::Box;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;

@@ -10,7 +10,7 @@
 namespace kestrel {
 namespace {
 
-using platform::Value;
+using data::Value;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 

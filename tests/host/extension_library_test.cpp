@@ -212,7 +212,7 @@ void add_output(test::TestHost& host, const test::TemporaryFolder& folder, const
         base::write_file(folder / ("sheds." + ending), "the " + ending + " of sheds");
     }
     host.application.map().append_layer(
-        std::make_shared<platform::HeadlessFeatureLayer>("sheds", platform::FeatureSource{folder / "sheds.shp"}));
+        std::make_shared<platform::HeadlessFeatureLayer>("sheds", data::FeatureSource{folder / "sheds.shp"}));
 }
 
 TEST(ExtensionLibrary, OneViewerShowsRunReportsAndMetadata) {

@@ -13,8 +13,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using platform::FeatureClass;
-using platform::FeatureSource;
+using data::FeatureClass;
+using data::FeatureSource;
 
 class RunLayersTest : public testing::Test {
   protected:

@@ -17,8 +17,8 @@ void PrintTo(const ListedLayer& layer, std::ostream* stream) {
 
 namespace {
 
-using platform::Field;
-using platform::FieldType;
+using data::Field;
+using data::FieldType;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -28,14 +28,14 @@ class FieldsLayer final : public platform::FeatureLayer {
     FieldsLayer(std::string name, std::vector<Field> fields, bool polygonal = true)
         : m_name(std::move(name)), m_fields(std::move(fields)), m_polygonal(polygonal) {}
     std::string name() const override { return m_name; }
-    platform::FeatureClass feature_class() const override {
+    data::FeatureClass feature_class() const override {
         throw base::RuntimeError(base::kFileNotFound, "a list opens nothing");
     }
-    platform::FeatureSource source() const override { return {}; }
+    data::FeatureSource source() const override { return {}; }
     std::vector<Field> fields() const override { return m_fields; }
     bool polygonal() const override { return m_polygonal; }
     const platform::Selection& selection() const override { return m_selection; }
-    void set_renderer(const platform::ClassBreaksRenderer&) override {}
+    void set_renderer(const data::ClassBreaksRenderer&) override {}
 
   private:
     std::string m_name;

@@ -41,7 +41,7 @@ class ErrorsTest : public ParamsTest {
     /// A layer whose file is not there.
     void add_lost_layer() {
         map().add_layer(std::make_shared<platform::HeadlessFeatureLayer>(
-            "lost", platform::FeatureSource{.path = m_world.folder / "lost.shp"}));
+            "lost", data::FeatureSource{.path = m_world.folder / "lost.shp"}));
     }
     void lose(const std::string& layer) { base::remove_file(m_world.folder / (layer + ".shp")); }
 };

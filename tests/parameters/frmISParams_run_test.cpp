@@ -189,9 +189,9 @@ TEST_F(RunTest, OneLayerDrawsFromAReplacedFileWhateverItIsCalled) {
     fill();
     run();
     map().append_layer(
-        std::make_shared<platform::HeadlessFeatureLayer>("renamed", platform::FeatureSource{.path = out("is.shp")}));
+        std::make_shared<platform::HeadlessFeatureLayer>("renamed", data::FeatureSource{.path = out("is.shp")}));
     map().append_layer(std::make_shared<platform::HeadlessFeatureLayer>(
-        "in a folder", platform::FeatureSource{.path = m_world.output.path(), .layer_name = "is"}));
+        "in a folder", data::FeatureSource{.path = m_world.output.path(), .layer_name = "is"}));
     fill_again();
     run();
     EXPECT_THAT(layers(), ElementsAre("is", "cover", "sheds", "blocks", "plan"));
@@ -382,7 +382,7 @@ TEST_F(RunTest, AnErrorIsReportedAndTheFormIsUsableAgain) {
 TEST_F(RunTest, LayersOfOneNameAreToldOf) {
     m_world.layer("plan2", {integer_field("ID")}, {{{{0, 0, 1, 1}}, {1}}});
     map().append_layer(std::make_shared<platform::HeadlessFeatureLayer>(
-        "sheds", platform::FeatureSource{.path = m_world.folder / "plan2.shp"}));
+        "sheds", data::FeatureSource{.path = m_world.folder / "plan2.shp"}));
     fill();
     run();
     EXPECT_THAT(m_world.said.notices,

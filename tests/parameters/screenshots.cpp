@@ -62,7 +62,7 @@ void press(QWidget& form, const char* name) {
 void add_layers(kestrel::platform::HeadlessMap& map, const std::string& demo) {
     for (const char* name : {"watersheds", "census_blocks", "new_mall", "subdivision"}) {
         map.append_layer(std::make_shared<kestrel::platform::HeadlessFeatureLayer>(
-            name, kestrel::platform::FeatureSource{.path = demo + "/" + name + ".shp"}));
+            name, kestrel::data::FeatureSource{.path = demo + "/" + name + ".shp"}));
     }
     map.append_layer(std::make_shared<kestrel::platform::HeadlessRasterLayer>("land_cover", demo + "/land_cover.tif"));
     map.set_distance_units(kestrel::platform::kMeters);

@@ -20,7 +20,7 @@ using test::touches_square;
 
 constexpr int kCases = 1500;
 
-Grid small_grid(bool south_up) {
+data::Grid small_grid(bool south_up) {
     return {.x0 = 1000.5,
             .y0 = south_up ? -20.25 : 30.25,
             .dx = 1.5,
@@ -30,7 +30,7 @@ Grid small_grid(bool south_up) {
 }
 
 /// The cells of every feature, as spans of all bands say.
-std::vector<std::vector<std::uint8_t>> swept_cells(const polygons::PolygonSet& polygons, const Grid& grid,
+std::vector<std::vector<std::uint8_t>> swept_cells(const polygons::PolygonSet& polygons, const data::Grid& grid,
                                                    int rows_per_band) {
     const EdgeSweep sweep(polygons, grid, rows_per_band);
     const auto columns = static_cast<std::size_t>(grid.columns);
@@ -59,7 +59,7 @@ std::vector<std::vector<std::uint8_t>> swept_cells(const polygons::PolygonSet& p
 TEST(EdgeSweep, SpansHoldExactlyTheCellsWhoseCentresLieInside) {
     std::mt19937 random(1);
     for (int i = 0; i < kCases; ++i) {
-        const Grid grid = small_grid(i % 2 == 1);
+        const data::Grid grid = small_grid(i % 2 == 1);
         const polygons::PolygonSet polygons = awkward_polygons(random, grid, 6);
         const auto inside = swept_cells(polygons, grid, 1 + i % 7);
         for (std::size_t feature = 0; feature < polygons.feature_count(); ++feature) {
@@ -77,7 +77,7 @@ TEST(EdgeSweep, SpansHoldExactlyTheCellsWhoseCentresLieInside) {
 TEST(EdgeSweep, PolygonsThatShareBordersOwnEveryCellOnce) {
     std::mt19937 random(2);
     for (int i = 0; i < 300; ++i) {
-        const Grid grid = small_grid(i % 2 == 1);
+        const data::Grid grid = small_grid(i % 2 == 1);
         const polygons::PolygonSet polygons = test::coverage(random, grid, 2 + i % 5, 2 + i % 4);
         const auto inside = swept_cells(polygons, grid, 4);
         for (std::size_t cell = 0; cell < inside.front().size(); ++cell) {
@@ -91,7 +91,7 @@ TEST(EdgeSweep, PolygonsThatShareBordersOwnEveryCellOnce) {
 }
 
 TEST(EdgeSweep, ACentreOnABorderBelongsToTheEastAndToTheNorth) {
-    const Grid grid{.x0 = 0, .y0 = 4, .dx = 1, .dy = -1, .columns = 4, .rows = 4};
+    const data::Grid grid{.x0 = 0, .y0 = 4, .dx = 1, .dy = -1, .columns = 4, .rows = 4};
     polygons::PolygonSet polygons;
     for (const polygons::Point low :
          {polygons::Point{0.5, 0.5}, polygons::Point{1.5, 0.5}, polygons::Point{0.5, 1.5}}) {
@@ -116,7 +116,7 @@ TEST(EdgeSweep, ACentreOnABorderBelongsToTheEastAndToTheNorth) {
 TEST(EdgeSweep, MarksExactlyTheFeaturesWhoseBorderMeetsANodataSquare) {
     std::mt19937 random(3);
     for (int i = 0; i < kCases; ++i) {
-        const Grid grid = small_grid(i % 2 == 1);
+        const data::Grid grid = small_grid(i % 2 == 1);
         const polygons::PolygonSet polygons = awkward_polygons(random, grid, 6);
         const EdgeSweep sweep(polygons, grid, 1 + i % 5);
         // One NODATA cell alone, or a run of two.
@@ -161,7 +161,7 @@ TEST(EdgeSweep, SegmentsTouchingARectangleAtACornerOrAlongASideCount) {
 }
 
 /// Stars of many points that overlap: more than are dealt out as one piece of work.
-polygons::PolygonSet stars(const Grid& grid, int count, int points) {
+polygons::PolygonSet stars(const data::Grid& grid, int count, int points) {
     polygons::PolygonSet polygons;
     std::mt19937 random(8);
     std::uniform_real_distribution<double> share(0, 1);
@@ -185,7 +185,7 @@ polygons::PolygonSet stars(const Grid& grid, int count, int points) {
 }
 
 TEST(EdgeSweep, IsTheSameWithAnyNumberOfThreads) {
-    const Grid grid = small_grid(false);
+    const data::Grid grid = small_grid(false);
     const polygons::PolygonSet polygons = stars(grid, 97, 3000);
     const std::vector<int> lines{0, 5, 6, 12, grid.rows};
     const auto rows_of = [&](int threads) {
@@ -220,7 +220,7 @@ TEST(EdgeSweep, IsTheSameWithAnyNumberOfThreads) {
 }
 
 TEST(EdgeSweep, StopsWhenToldSo) {
-    const Grid grid = small_grid(false);
+    const data::Grid grid = small_grid(false);
     const polygons::PolygonSet polygons = stars(grid, 97, 3000);
     test::ListeningProgress stop(1);
     const EdgeSweep sweep(polygons, grid, {0, grid.rows}, 2, stop);
@@ -228,7 +228,7 @@ TEST(EdgeSweep, StopsWhenToldSo) {
 }
 
 TEST(EdgeSweep, BandsThatNoEdgeReachesAreEmpty) {
-    const Grid grid{.x0 = 0, .y0 = 100, .dx = 1, .dy = -1, .columns = 10, .rows = 100};
+    const data::Grid grid{.x0 = 0, .y0 = 100, .dx = 1, .dy = -1, .columns = 10, .rows = 100};
     polygons::PolygonSet polygons;
     polygons.begin_feature();
     polygons.begin_polygon();
@@ -246,7 +246,7 @@ TEST(EdgeSweep, BandsThatNoEdgeReachesAreEmpty) {
 
 TEST(EdgeSweep, LongEdgesAtHugeCoordinatesStayExact) {
     // Edges through cell centres of a grid whose lines are no round binary numbers.
-    const Grid grid{.x0 = 5000000.1, .y0 = 4000000.7, .dx = 31.5303, .dy = -31.5247, .columns = 40, .rows = 40};
+    const data::Grid grid{.x0 = 5000000.1, .y0 = 4000000.7, .dx = 31.5303, .dy = -31.5247, .columns = 40, .rows = 40};
     polygons::PolygonSet polygons;
     polygons.begin_feature();
     polygons.begin_polygon();

@@ -205,12 +205,12 @@ TEST(HeadlessApplication, KeepsTheResultOfTheLastRun) {
 }
 
 TEST(DistanceUnitsOf, TellsMetresFeetAndDegreesApart) {
-    EXPECT_EQ(distance_units_of(SpatialReference()), 0);
-    EXPECT_EQ(distance_units_of(SpatialReference::from("EPSG:26912")), 9);
-    EXPECT_EQ(distance_units_of(SpatialReference::from("EPSG:4269")), 11);
+    EXPECT_EQ(distance_units_of(data::SpatialReference()), 0);
+    EXPECT_EQ(distance_units_of(data::SpatialReference::from("EPSG:26912")), 9);
+    EXPECT_EQ(distance_units_of(data::SpatialReference::from("EPSG:4269")), 11);
     // US survey feet, then international feet.
-    EXPECT_EQ(distance_units_of(SpatialReference::from("EPSG:2277")), 3);
-    EXPECT_EQ(distance_units_of(SpatialReference::from("EPSG:2222")), 3);
+    EXPECT_EQ(distance_units_of(data::SpatialReference::from("EPSG:2277")), 3);
+    EXPECT_EQ(distance_units_of(data::SpatialReference::from("EPSG:2222")), 3);
 }
 
 }  // namespace

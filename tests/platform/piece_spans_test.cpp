@@ -19,7 +19,7 @@ constexpr std::int64_t kNoZone = -1;
 
 /// What lies over a raster: zones, perhaps an overlay, and scenarios.
 struct Scene {
-    Grid grid;
+    data::Grid grid;
     polygons::PolygonSet zones;
     std::optional<polygons::PolygonSet> overlay;
     std::vector<polygons::PolygonSet> scenarios;

@@ -37,7 +37,7 @@ int pick(std::mt19937& random, int lowest, int highest) {
 }
 
 /// Patches of few classes with NODATA cells alone, in blobs and along the border.
-std::vector<double> land_cover(std::mt19937& random, const Grid& grid) {
+std::vector<double> land_cover(std::mt19937& random, const data::Grid& grid) {
     std::vector<double> cells(static_cast<std::size_t>(grid.columns * grid.rows), 11);
     const double classes[] = {11, 21, 22, 41, kNodata};
     for (int patch = 0; patch < 25; ++patch) {
@@ -60,7 +60,7 @@ Scene random_scene(std::mt19937& random, int number) {
     scene.raster.grid = {.x0 = 500, .y0 = 250, .dx = 1.5, .dy = south_up ? 1.25 : -1.25, .columns = 61, .rows = 47};
     scene.raster.cells = land_cover(random, scene.raster.grid);
     scene.raster.nodata = kNodata;
-    const Grid& grid = scene.raster.grid;
+    const data::Grid& grid = scene.raster.grid;
     // Few wide zones, many narrow ones, or anything at all: long spans are counted otherwise than short ones.
     scene.zones = number % 2 == 1 ? test::awkward_polygons(random, grid, 8)
                                   : test::coverage(random, grid, number % 4 == 0 ? 1 : 5, 3);
@@ -85,7 +85,7 @@ TabulationInput input_of(const Scene& scene) {
 
 /// Looks at every cell by itself.
 void count_slowly(const Scene& scene, Counts& counts, Counts& nodata) {
-    const Grid& grid = scene.raster.grid;
+    const data::Grid& grid = scene.raster.grid;
     for (int row = 0; row < grid.rows; ++row) {
         for (int column = 0; column < grid.columns; ++column) {
             const int zone = test::owner(scene.zones, grid, column, row);
@@ -117,7 +117,7 @@ Counts keyed(const ZoneCounts& counts, const std::vector<ZoneCounts::Row>& rows)
 }
 
 std::vector<std::uint8_t> touching_slowly(const Scene& scene) {
-    const Grid& grid = scene.raster.grid;
+    const data::Grid& grid = scene.raster.grid;
     std::vector<std::uint8_t> touches(scene.zones.feature_count(), 0);
     for (int row = 0; row < grid.rows; ++row) {
         for (int column = 0; column < grid.columns; ++column) {
@@ -140,7 +140,7 @@ class ZonalTabulation : public ::testing::Test {
         const std::string path = m_folder / "cells.tif";
         test::write_raster(path, raster);
         base::NoProgress progress;
-        return tabulate(RasterDataset::open(path), input_of(scene), threads, progress);
+        return tabulate(data::RasterDataset::open(path), input_of(scene), threads, progress);
     }
 
     test::TemporaryFolder m_folder;
@@ -207,7 +207,7 @@ TEST_F(ZonalTabulation, TheStoredTypeTheBlocksAndTheThreadsDoNotShow) {
 
 /// A mosaic of two rows and three columns of sources, cut out of the raster, the blocks of which do not line up.
 std::string write_mosaic(const test::TemporaryFolder& folder, const RasterFile& raster) {
-    const Grid& grid = raster.grid;
+    const data::Grid& grid = raster.grid;
     std::string sources;
     const int columns[] = {0, 70, 171, grid.columns};
     const int rows[] = {0, 81, grid.rows};
@@ -271,7 +271,7 @@ TEST_F(ZonalTabulation, TilesBlocksAndMosaicsDoNotShow) {
         }
         scene.raster.type = "Byte";
         base::NoProgress progress;
-        const RasterDataset mosaic = RasterDataset::open(write_mosaic(m_folder, scene.raster));
+        const data::RasterDataset mosaic = data::RasterDataset::open(write_mosaic(m_folder, scene.raster));
         EXPECT_EQ(mosaic.tile_lines().columns, (std::vector<int>{0, 64, 70, 134, 171, 230}));
         EXPECT_EQ(mosaic.tile_lines().rows, (std::vector<int>{0, 64, 81, 145, 150}));
         check(tabulate(mosaic, input_of(scene), 2, progress), "mosaic");
@@ -348,7 +348,7 @@ TEST_F(ZonalTabulation, ProgressRisesFromNothingAndIsOfTheWholeCall) {
     const std::string path = m_folder / "cells.tif";
     test::write_raster(path, scene.raster);
     test::ListeningProgress hear;
-    tabulate(RasterDataset::open(path), input_of(scene), 2, hear);
+    tabulate(data::RasterDataset::open(path), input_of(scene), 2, hear);
     ASSERT_GE(hear.fractions.size(), 2U);
     EXPECT_EQ(hear.fractions.front(), 0);
     EXPECT_TRUE(std::is_sorted(hear.fractions.begin(), hear.fractions.end()));
@@ -364,7 +364,7 @@ TEST_F(ZonalTabulation, StoppingEndsTheWorkSoon) {
     test::write_raster(path, scene.raster);
     test::ListeningProgress stop(1);
     // Nothing may be concluded from the counts; what matters is that the call returns.
-    EXPECT_NO_THROW(tabulate(RasterDataset::open(path), input_of(scene), 2, stop));
+    EXPECT_NO_THROW(tabulate(data::RasterDataset::open(path), input_of(scene), 2, stop));
 }
 
 }  // namespace

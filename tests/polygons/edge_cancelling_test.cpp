@@ -15,7 +15,7 @@
 namespace kestrel::polygons {
 namespace {
 
-const Grid kGrid{.x0 = 0, .y0 = 64, .dx = 1, .dy = -1, .columns = 64, .rows = 64};
+const data::Grid kGrid{.x0 = 0, .y0 = 64, .dx = 1, .dy = -1, .columns = 64, .rows = 64};
 
 void add_square(PolygonSet& polygons, double x, double y, double size) {
     polygons.begin_feature();

@@ -17,7 +17,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/feature_class.h"
+#include "data/feature_class.h"
 #include "tests/support/dissolved_copy.h"
 #include "tests/support/listening_progress.h"
 #include "tests/support/test_files.h"
@@ -529,9 +529,9 @@ TEST(GeometryRealData, ShedsDissolveAndIntersectWithoutLosingArea) {
     if (folder.empty()) {
         GTEST_SKIP() << "no real data; set KESTREL_REAL_DATA";
     }
-    PolygonSet sheds = FeatureClass::open({folder + "/sheds.shp"}).read_polygons({}).polygons;
+    PolygonSet sheds = data::FeatureClass::open({folder + "/sheds.shp"}).read_polygons({}).polygons;
     repair(sheds);
-    PolygonSet blocks = FeatureClass::open({folder + "/blockgroups.shp"}).read_polygons({}).polygons;
+    PolygonSet blocks = data::FeatureClass::open({folder + "/blockgroups.shp"}).read_polygons({}).polygons;
     repair(blocks);
     Groups groups;
     for (std::uint32_t f = 0; f < sheds.feature_count(); ++f) {

@@ -214,7 +214,7 @@ TEST(PolygonArrangement, UnionsOfLotsAreThoseOfGeos) {
 TEST(PolygonArrangement, UnionsOfAwkwardPolygonsAreThoseOfGeos) {
     const Geos geos;
     std::mt19937 random(33);
-    const Grid grid{.x0 = 0, .y0 = 40, .dx = 1, .dy = -1, .columns = 40, .rows = 40};
+    const data::Grid grid{.x0 = 0, .y0 = 40, .dx = 1, .dy = -1, .columns = 40, .rows = 40};
     int made = 0;
     for (int i = 0; i < 1000; ++i) {
         PolygonSet set = test::awkward_polygons(random, grid, 6);

@@ -61,7 +61,7 @@ TEST(PolygonCheck, NothingIsSaidOfHolesPartsAndEmptyFeatures) {
 
 TEST(PolygonCheck, WhatItAcceptsTheFullCheckAcceptsToo) {
     std::mt19937 random(21);
-    const Grid grid{.x0 = 0, .y0 = 64, .dx = 1, .dy = -1, .columns = 64, .rows = 64};
+    const data::Grid grid{.x0 = 0, .y0 = 64, .dx = 1, .dy = -1, .columns = 64, .rows = 64};
     GEOSContextHandle_t geos = GEOS_init_r();
     std::size_t accepted = 0;
     for (int i = 0; i < 800; ++i) {

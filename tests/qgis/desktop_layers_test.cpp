@@ -16,8 +16,8 @@
 namespace kestrel::test {
 namespace {
 
-using platform::FeatureSource;
-using platform::FieldType;
+using data::FeatureSource;
+using data::FieldType;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -117,7 +117,7 @@ TEST_F(DesktopLayers, FieldsOfACopyAreThoseThatTheLayerTells) {
     for (const auto& field : layer->fields()) {
         told.push_back(field.type);
     }
-    const platform::FeatureClass copy = layer->feature_class();
+    const data::FeatureClass copy = layer->feature_class();
     for (const auto& field : copy.fields()) {
         copied.push_back(field.type);
     }

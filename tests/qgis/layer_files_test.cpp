@@ -8,8 +8,8 @@
 
 #include <filesystem>
 
+#include "data/layer_file.h"
 #include "engine/output_layer.h"
-#include "platform/layer_file.h"
 #include "tests/qgis/qgis_world.h"
 
 namespace kestrel::test {
@@ -89,10 +89,10 @@ TEST_F(LayerFiles, FolderOfAnOutputCanBeMoved) {
 }
 
 TEST_F(LayerFiles, LayerFileWithNamesThatXmlMarksOpens) {
-    platform::write_layer_file(world.output / "odd.lyr", {.layer_name = "Müller & <Söhne> \"2\"",
-                                                          .shapefile_name = "out.shp",
-                                                          .reference = platform::SpatialReference::from("EPSG:26912"),
-                                                          .renderer = output_legend()});
+    data::write_layer_file(world.output / "odd.lyr", {.layer_name = "Müller & <Söhne> \"2\"",
+                                                      .shapefile_name = "out.shp",
+                                                      .reference = data::SpatialReference::from("EPSG:26912"),
+                                                      .renderer = output_legend()});
     const QgsMapLayer* layer = load_layer_file(world.output / "odd.lyr");
     ASSERT_NE(layer, nullptr);
     EXPECT_EQ(layer->name(), QString::fromUtf8("Müller & <Söhne> \"2\""));

@@ -47,7 +47,7 @@ double cells_of(const CellsByClass& state, const std::string& code) {
     return found == state.end() ? 0 : static_cast<double>(found->second);
 }
 
-void expect_same_table_row(const platform::Table& table, std::size_t row, const ExpectedPiece& piece, std::size_t state,
+void expect_same_table_row(const data::Table& table, std::size_t row, const ExpectedPiece& piece, std::size_t state,
                            double cell_area) {
     // Each scenario so far rounds a number three times.
     const double tolerance = 0.6e-6 + 2e-3 * static_cast<double>(state);
@@ -71,7 +71,7 @@ void expect_same_tables(const platform::RunResult& result, const ExpectedOutput&
     const std::size_t states = expected.pieces.begin()->second.states.size();
     ASSERT_GE(result.zone_tables.size(), states);
     for (std::size_t state = 0; state < states; ++state) {
-        const platform::Table& table = result.zone_tables[state];
+        const data::Table& table = result.zone_tables[state];
         EXPECT_EQ(table.row_count(), expected.pieces.size());
         for (const auto& [key, piece] : expected.pieces) {
             const std::optional<std::size_t> row = table.find_row(key);

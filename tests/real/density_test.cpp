@@ -23,7 +23,7 @@ class RealRunByDensity : public RealData {
 
     static std::set<std::string> keys_of(const WholeRun& run) {
         std::set<std::string> keys;
-        const platform::Table& table = run.result.zone_tables.at(0);
+        const data::Table& table = run.result.zone_tables.at(0);
         for (std::size_t row = 0; row < table.row_count(); ++row) {
             keys.insert(table.key(row));
         }

@@ -28,8 +28,8 @@ class EnabledExtension final : public platform::IExtensionConfig {
 };
 
 std::shared_ptr<platform::Layer> feature_layer(const std::string& source, const std::vector<std::int64_t>& selected) {
-    return std::make_shared<platform::HeadlessFeatureLayer>(layer_name_of(source),
-                                                            platform::FeatureSource::parse(source), selected);
+    return std::make_shared<platform::HeadlessFeatureLayer>(layer_name_of(source), data::FeatureSource::parse(source),
+                                                            selected);
 }
 
 void fill_map(platform::HeadlessMap& map, const RunSettings& settings) {

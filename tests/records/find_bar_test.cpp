@@ -39,8 +39,8 @@ class FindBarTest : public testing::Test {
     }
     void add(const std::string& name, const std::string& report) {
         base::write_file(m_folder / (name + ".prm"), report);
-        m_application.map().append_layer(std::make_shared<platform::HeadlessFeatureLayer>(
-            name, platform::FeatureSource{m_folder / (name + ".shp")}));
+        m_application.map().append_layer(
+            std::make_shared<platform::HeadlessFeatureLayer>(name, data::FeatureSource{m_folder / (name + ".shp")}));
     }
     QPlainTextEdit& text() { return control_in<QPlainTextEdit>(m_form, "txtTParams"); }
     QWidget& bar() { return control_in<QWidget>(m_form, "fraFind"); }

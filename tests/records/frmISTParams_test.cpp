@@ -39,10 +39,10 @@ const MessageBox kNoMetadata = {"There are no layers with an associated \"Metada
 class BrokenLayer final : public platform::FeatureLayer {
   public:
     std::string name() const override { return "broken"; }
-    platform::FeatureClass feature_class() const override { throw std::runtime_error("no data"); }
-    platform::FeatureSource source() const override { throw std::runtime_error("no source"); }
+    data::FeatureClass feature_class() const override { throw std::runtime_error("no data"); }
+    data::FeatureSource source() const override { throw std::runtime_error("no source"); }
     const platform::Selection& selection() const override { return m_selection; }
-    void set_renderer(const platform::ClassBreaksRenderer&) override {}
+    void set_renderer(const data::ClassBreaksRenderer&) override {}
 
   private:
     platform::HeadlessSelection m_selection{{}};
@@ -54,7 +54,7 @@ class frmISTParamsTest : public testing::Test {
 
     void make(const std::string& name, const std::string& text = "text") { base::write_file(m_folder / name, text); }
     std::shared_ptr<HeadlessFeatureLayer> add(const std::string& name, const std::string& file) {
-        const auto layer = std::make_shared<HeadlessFeatureLayer>(name, platform::FeatureSource{m_folder / file});
+        const auto layer = std::make_shared<HeadlessFeatureLayer>(name, data::FeatureSource{m_folder / file});
         m_application.map().append_layer(layer);
         return layer;
     }
@@ -384,10 +384,9 @@ TEST_F(frmISTParamsTest, FailingCloseIsReported) {
 TEST_F(frmISTParamsTest, LayersOfGroupsStandInTheirPlaceAndASourceTwiceIsListedTwice) {
     two_outputs();
     m_application.map().append_layer(std::make_shared<platform::HeadlessGroupLayer>(
-        "outputs",
-        std::vector<std::shared_ptr<platform::Layer>>{
-            std::make_shared<HeadlessFeatureLayer>("once more", platform::FeatureSource{m_folder / "north.shp"}),
-            std::make_shared<HeadlessFeatureLayer>("lost", platform::FeatureSource{})}));
+        "outputs", std::vector<std::shared_ptr<platform::Layer>>{
+                       std::make_shared<HeadlessFeatureLayer>("once more", data::FeatureSource{m_folder / "north.shp"}),
+                       std::make_shared<HeadlessFeatureLayer>("lost", data::FeatureSource{})}));
     open("prm");
     EXPECT_THAT(listed(), ElementsAre("north", "south", "north"));
     choose(2);

@@ -20,8 +20,7 @@ using testing::ElementsAre;
 
 std::shared_ptr<HeadlessFeatureLayer> features(const std::string& name, const std::string& path,
                                                const std::string& layer_name = {}) {
-    return std::make_shared<HeadlessFeatureLayer>(name,
-                                                  platform::FeatureSource{.path = path, .layer_name = layer_name});
+    return std::make_shared<HeadlessFeatureLayer>(name, data::FeatureSource{.path = path, .layer_name = layer_name});
 }
 
 std::vector<std::string> names_of(const HeadlessMap& map) {

@@ -37,7 +37,7 @@ int main(int argc, char** argv) {
 
     kestrel::platform::HeadlessApplication host(user.progress());
     host.map().append_layer(std::make_shared<kestrel::platform::HeadlessFeatureLayer>(
-        kestrel::base::base_name_of(output), kestrel::platform::FeatureSource{.path = output}));
+        kestrel::base::base_name_of(output), kestrel::data::FeatureSource{.path = output}));
     kestrel::frmISTParams viewer;
     viewer.Application(&host);
     viewer.FileType("prm");

@@ -15,7 +15,7 @@
 
 #include "apps/cli/run.h"
 #include "base/files.h"
-#include "platform/class_breaks.h"
+#include "data/class_breaks.h"
 #include "tests/real/output_layer_file.h"
 #include "tests/real/run_settings.h"
 #include "tests/session/session_user.h"
@@ -55,7 +55,7 @@ class AnalysisSession : public RealData {
         map().append_layer(std::make_shared<platform::HeadlessRasterLayer>("nlcd2011", m_data / "nlcd2011.tif"));
         for (const char* file : {"sheds.shp", "blockgroups.shp", "town_plan.shp", "resort_wgs84.gpkg"}) {
             map().append_layer(std::make_shared<platform::HeadlessFeatureLayer>(
-                base::base_name_of(file), platform::FeatureSource{.path = m_data / file}));
+                base::base_name_of(file), data::FeatureSource{.path = m_data / file}));
         }
         map().set_distance_units(platform::kMeters);
     }

@@ -8,7 +8,7 @@
 
 namespace kestrel::test {
 
-using platform::Grid;
+using data::Grid;
 using polygons::Point;
 using polygons::PolygonSet;
 

@@ -32,7 +32,7 @@ void write_raster(const std::string& path, const RasterFile& raster) {
     for (const std::string& option : raster.options) {
         options.AddString(option.c_str());
     }
-    const platform::Grid& grid = raster.grid;
+    const data::Grid& grid = raster.grid;
     GDALDriver* driver = GetGDALDriverManager()->GetDriverByName("GTiff");
     const std::unique_ptr<GDALDataset, Close> dataset(driver->Create(
         path.c_str(), grid.columns, grid.rows, 1, GDALGetDataTypeByName(raster.type.c_str()), options.List()));

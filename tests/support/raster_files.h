@@ -7,13 +7,13 @@
 #include <string>
 #include <vector>
 
-#include "platform/raster.h"
+#include "data/raster.h"
 
 namespace kestrel::test {
 
 /// A raster file of any stored type and blocking, for tests of how rasters are read.
 struct RasterFile {
-    platform::Grid grid;
+    data::Grid grid;
     /// Row by row, as numbers.
     std::vector<double> cells;
     /// A GDAL type name: "Byte", "Int16", "UInt16", "Int32", "UInt32", "Int64", "Float32", "Float64".

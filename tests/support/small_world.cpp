@@ -7,15 +7,15 @@
 #include <sstream>
 
 #include "base/files.h"
-#include "platform/shapefile_writer.h"
-#include "platform/spatial_reference.h"
+#include "data/shapefile_writer.h"
+#include "data/spatial_reference.h"
 #include "tests/support/raster_files.h"
 
 namespace kestrel::test {
 
-using platform::Field;
-using platform::FieldType;
-using platform::SpatialReference;
+using data::Field;
+using data::FieldType;
+using data::SpatialReference;
 using polygons::Point;
 
 namespace {
@@ -111,14 +111,14 @@ void SmallWorld::land_cover(const std::string& cells, const std::string& referen
 void SmallWorld::layer(const std::string& name, const std::vector<Field>& fields, const std::vector<Shape>& shapes,
                        std::vector<std::int64_t> selected, const std::string& reference) {
     const std::string path = folder / (name + ".shp");
-    platform::ShapefileWriter writer(path, fields, reference_of(reference));
+    data::ShapefileWriter writer(path, fields, reference_of(reference));
     const polygons::PolygonSet polygons = polygons_of(shapes, cell);
     for (std::size_t i = 0; i < shapes.size(); ++i) {
         writer.insert(polygons, i, shapes[i].values);
     }
     writer.close();
-    application.map().append_layer(std::make_shared<platform::HeadlessFeatureLayer>(
-        name, platform::FeatureSource{.path = path}, std::move(selected)));
+    application.map().append_layer(
+        std::make_shared<platform::HeadlessFeatureLayer>(name, data::FeatureSource{.path = path}, std::move(selected)));
 }
 
 void SmallWorld::json_layer(const std::string& name, const std::vector<std::pair<Box, std::string>>& features,
@@ -132,8 +132,8 @@ void SmallWorld::json_layer(const std::string& name, const std::vector<std::pair
     }
     const std::string path = folder / (name + ".geojson");
     base::write_file(path, text + "]}");
-    application.map().append_layer(std::make_shared<platform::HeadlessFeatureLayer>(
-        name, platform::FeatureSource{.path = path}, std::move(selected)));
+    application.map().append_layer(
+        std::make_shared<platform::HeadlessFeatureLayer>(name, data::FeatureSource{.path = path}, std::move(selected)));
 }
 
 void SmallWorld::write_parameters() const {
@@ -174,12 +174,12 @@ bool SmallWorld::run(RunOptions options) {
 }
 
 std::vector<std::string> SmallWorld::rows() const {
-    const auto features = platform::FeatureClass::open({.path = output_path()});
+    const auto features = data::FeatureClass::open({.path = output_path()});
     const auto columns = features.read_columns(field_names());
     std::vector<std::string> rows(columns.front().size());
     for (const auto& column : columns) {
         for (std::size_t i = 0; i < rows.size(); ++i) {
-            rows[i] += (&column == &columns.front() ? "" : "|") + base::text_of(column[i]);
+            rows[i] += (&column == &columns.front() ? "" : "|") + data::text_of(column[i]);
         }
     }
     return rows;
@@ -187,7 +187,7 @@ std::vector<std::string> SmallWorld::rows() const {
 
 std::vector<std::string> SmallWorld::field_names() const {
     std::vector<std::string> names;
-    const auto features = platform::FeatureClass::open({.path = output_path()});
+    const auto features = data::FeatureClass::open({.path = output_path()});
     for (const Field& field : features.fields()) {
         names.push_back(field.name);
     }

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "data/field.h"
 #include "engine/clsISExecuteModel.h"
-#include "platform/field.h"
 #include "platform/headless/headless_application.h"
 #include "polygons/polygons.h"
 #include "tests/support/raster_analysis.h"
@@ -30,13 +30,13 @@ struct Box {
 /// A feature of rectangles that do not overlap, with its attributes; without rectangles it is an empty geometry.
 struct Shape {
     std::vector<Box> boxes;
-    std::vector<platform::Value> values{};
+    std::vector<data::Value> values{};
 };
 
-platform::Field integer_field(const std::string& name, int length = 9);
-platform::Field big_integer_field(const std::string& name, int length = 18);
-platform::Field text_field(const std::string& name, int length = 20);
-platform::Field real_field(const std::string& name);
+data::Field integer_field(const std::string& name, int length = 9);
+data::Field big_integer_field(const std::string& name, int length = 18);
+data::Field text_field(const std::string& name, int length = 20);
+data::Field real_field(const std::string& name);
 
 /// Progress that is asked a number of times, by report() or cancelled(), before it answers "stop" for good.
 class LimitedProgress final : public base::Progress {
@@ -76,7 +76,7 @@ class SmallWorld {
     /// NODATA.
     void land_cover(const std::string& cells, const std::string& reference = "EPSG:26912");
     /// A polygon layer on a shapefile. `selected` are feature ids, counted from 0.
-    void layer(const std::string& name, const std::vector<platform::Field>& fields, const std::vector<Shape>& shapes,
+    void layer(const std::string& name, const std::vector<data::Field>& fields, const std::vector<Shape>& shapes,
                std::vector<std::int64_t> selected = {}, const std::string& reference = "EPSG:26912");
     /// A polygon layer on a GeoJSON file, for names and values that no shapefile takes. Attributes are JSON.
     void json_layer(const std::string& name, const std::vector<std::pair<Box, std::string>>& features,
