@@ -10,10 +10,10 @@
 #include "base/conversions.h"
 #include "base/errors.h"
 #include "base/part_of_progress.h"
+#include "counting/zonal_tabulation.h"
 #include "engine/basUtil.h"
 #include "engine/clsISTableFunctions.h"
 #include "engine/engine_texts.h"
-#include "platform/zonal_tabulation.h"
 #include "reporting/error_report.h"
 #include "reporting/interaction.h"
 
@@ -148,13 +148,13 @@ data::RasterDataset clsISGetLCArea::OpenRasterDataset(const std::string& source)
 void clsISGetLCArea::ConvertShapeToRaster(const AreaTheme& AnalysisTheme, const std::string& source) {
     const data::RasterDataset raster = OpenRasterDataset(source);
     const RunZones& zones = *AnalysisTheme.zones;
-    platform::TabulationInput input{.zones = zones.zones.get()};
+    counting::TabulationInput input{.zones = zones.zones.get()};
     input.overlay = zones.density.get();
     for (const polygons::SharedPolygons& scenario : zones.scenarios) {
         input.scenarios.push_back(scenario.get());
     }
     base::PartOfProgress progress(m_application->progress(), kPassBegins, kPassEnds);
-    m_counts.emplace(platform::tabulate(raster, input, m_threads, progress), zones.keys, raster.grid().cell_area());
+    m_counts.emplace(counting::tabulate(raster, input, m_threads, progress), zones.keys, raster.grid().cell_area());
 }
 
 std::string clsISGetLCArea::AnalysisFieldValues(const Tabulation& table, std::size_t id) try {

@@ -8,7 +8,7 @@
 
 namespace kestrel {
 
-using platform::ZoneCounts;
+using counting::ZoneCounts;
 
 namespace {
 

@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
+#include "counting/zone_counts.h"
 #include "engine/tabulation.h"
 #include "engine/zone_keys.h"
-#include "platform/zone_counts.h"
 
 namespace kestrel {
 
@@ -18,11 +18,11 @@ namespace kestrel {
 class LandCoverCounts {
   public:
     /// \param cell_area of one cell, in square map units.
-    LandCoverCounts(platform::ZoneCounts counts, ZoneKeys keys, double cell_area);
+    LandCoverCounts(counting::ZoneCounts counts, ZoneKeys keys, double cell_area);
 
-    const platform::ZoneCounts& counts() const noexcept { return m_counts; }
+    const counting::ZoneCounts& counts() const noexcept { return m_counts; }
     /// Hands the counts over when the stages are done with them: there may be millions of rows.
-    platform::ZoneCounts take_counts() noexcept { return std::exchange(m_counts, {}); }
+    counting::ZoneCounts take_counts() noexcept { return std::exchange(m_counts, {}); }
 
     /// All cells of all zones, in the raster's own classes.
     Tabulation whole() const;
@@ -44,7 +44,7 @@ class LandCoverCounts {
     template <typename Wanted, typename ClassOf>
     Tabulation tabulate(Wanted wanted, ClassOf class_of) const;
 
-    platform::ZoneCounts m_counts;
+    counting::ZoneCounts m_counts;
     ZoneKeys m_keys;
     double m_cell_area;
     std::vector<Applied> m_applied;

@@ -11,8 +11,8 @@
 
 namespace kestrel {
 
+using counting::ZoneCounts;
 using platform::RunResult;
-using platform::ZoneCounts;
 using platform::ZoneResult;
 using polygons::Envelope;
 

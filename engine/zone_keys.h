@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "counting/zone_counts.h"
 #include "data/field.h"
-#include "platform/zone_counts.h"
 
 namespace kestrel {
 
@@ -52,7 +52,7 @@ class ZoneKeys {
         if (!m_by_density) {
             return group;
         }
-        return overlay == platform::kNoOverlay ? kNoKey : group * kDigits + m_digits[overlay];
+        return overlay == counting::kNoOverlay ? kNoKey : group * kDigits + m_digits[overlay];
     }
     /// One more than the largest number that a key may have.
     std::size_t count() const noexcept { return m_groups->count() * (m_by_density ? kDigits : 1); }

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "counting/zone_counts.h"
 #include "data/field.h"
 #include "data/table.h"
-#include "platform/zone_counts.h"
 
 namespace kestrel::platform {
 
@@ -58,7 +58,7 @@ struct RunResult {
     std::vector<ZoneResult> zones;
     std::vector<LegendCount> legend;
     /// The table of counts that the figures come from.
-    ZoneCounts counts;
+    counting::ZoneCounts counts;
     /// The per-zone area table as tabulated, then after each scenario.
     std::vector<data::Table> zone_tables;
     /// Classes without coefficients, when these ended the run.

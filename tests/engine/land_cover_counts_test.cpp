@@ -12,9 +12,9 @@
 namespace kestrel {
 namespace {
 
+using counting::kNoOverlay;
+using counting::ZoneCounts;
 using data::Value;
-using platform::kNoOverlay;
-using platform::ZoneCounts;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 

@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/zone_counts.h"
+#include "counting/zone_counts.h"
 
 namespace kestrel {
 namespace {
@@ -63,8 +63,8 @@ TEST(ZoneGroups, NoFeaturesAreNoGroups) {
 TEST(ZoneKeys, WithoutDensityTheKeyIsTheValue) {
     const ZoneGroups groups({Value("b"), Value("a")});
     const ZoneKeys keys(groups);
-    EXPECT_EQ(keys.text(keys.key(0, platform::kNoOverlay)), "b");
-    EXPECT_EQ(keys.text(keys.key(1, platform::kNoOverlay)), "a");
+    EXPECT_EQ(keys.text(keys.key(0, counting::kNoOverlay)), "b");
+    EXPECT_EQ(keys.text(keys.key(1, counting::kNoOverlay)), "a");
 }
 
 TEST(ZoneKeys, WithDensityTheKeyEndsInTheDigitOfTheCoveringPolygon) {
@@ -76,7 +76,7 @@ TEST(ZoneKeys, WithDensityTheKeyEndsInTheDigitOfTheCoveringPolygon) {
 
 TEST(ZoneKeys, APieceThatNoDensityPolygonCoversDropsOut) {
     const ZoneGroups groups({number(7)});
-    EXPECT_EQ(ZoneKeys(groups, {1}).key(0, platform::kNoOverlay), ZoneKeys::kNoKey);
+    EXPECT_EQ(ZoneKeys(groups, {1}).key(0, counting::kNoOverlay), ZoneKeys::kNoKey);
 }
 
 TEST(ZoneKeys, AscendByValueThenByDigit) {

@@ -11,11 +11,11 @@ namespace {
 
 using Cells = std::map<CellPlace, std::uint64_t>;
 
-Cells cells_by_place(const std::vector<platform::ZoneCounts::Row>& rows, const platform::ZoneCounts& counts) {
+Cells cells_by_place(const std::vector<counting::ZoneCounts::Row>& rows, const counting::ZoneCounts& counts) {
     Cells result;
-    for (const platform::ZoneCounts::Row& row : rows) {
+    for (const counting::ZoneCounts::Row& row : rows) {
         const auto& set = counts.scenario_sets.at(row.scenario_set);
-        const auto overlay = row.overlay == platform::kNoOverlay ? -1 : static_cast<std::int32_t>(row.overlay);
+        const auto overlay = row.overlay == counting::kNoOverlay ? -1 : static_cast<std::int32_t>(row.overlay);
         result[{static_cast<std::int32_t>(row.zone), overlay, {set.begin(), set.end()}, row.land_class}] += row.cells;
     }
     return result;

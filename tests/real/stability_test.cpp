@@ -20,7 +20,7 @@ RunSettings full_run() {
     return settings;
 }
 
-bool same_counts(const platform::ZoneCounts& a, const platform::ZoneCounts& b) {
+bool same_counts(const counting::ZoneCounts& a, const counting::ZoneCounts& b) {
     return a.rows == b.rows && a.nodata_rows == b.nodata_rows && a.scenario_sets == b.scenario_sets &&
            a.touches_nodata == b.touches_nodata;
 }

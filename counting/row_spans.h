@@ -7,7 +7,7 @@
 
 /// \file
 /// Runs of neighbouring cells in one row of a grid, and who owns them.
-namespace kestrel::platform {
+namespace kestrel::counting {
 
 /// The cells [begin, end) of a row that belong to `owner`.
 struct RowSpan {
@@ -24,4 +24,4 @@ void resolve_overlaps(std::vector<RowSpan>& spans);
 /// Joins the spans of a row, whoever owns them, into ascending disjoint ones that do not touch. Their owner is 0.
 void unite(std::vector<RowSpan>& spans);
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

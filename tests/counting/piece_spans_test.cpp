@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/piece_spans.h"
+#include "counting/piece_spans.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include "tests/support/exact_reference.h"
 #include "tests/support/lattice_polygons.h"
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 namespace {
 
 using test::box;
@@ -191,4 +191,4 @@ TEST(PieceSpans, BoxesThroughCellCentresAndCornersLieInTheSpansOfTheirPieces) {
 }
 
 }  // namespace
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

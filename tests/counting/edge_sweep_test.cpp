@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/edge_sweep.h"
+#include "counting/edge_sweep.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@
 #include "tests/support/exact_reference.h"
 #include "tests/support/listening_progress.h"
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 namespace {
 
 using test::awkward_polygons;
@@ -268,4 +268,4 @@ TEST(EdgeSweep, LongEdgesAtHugeCoordinatesStayExact) {
 }
 
 }  // namespace
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

@@ -12,7 +12,7 @@
 #include <emmintrin.h>
 #endif
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 
 /// Which of eight cells differ from the cell behind them, as the lowest eight bits. Reads nine cells.
 inline std::uint64_t changes_in_8(const std::uint8_t* cells) {
@@ -91,4 +91,4 @@ void for_each_run(const Cell* cells, std::size_t begin, std::size_t end, Take ta
     }
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

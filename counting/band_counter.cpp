@@ -1,14 +1,14 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/band_counter.h"
+#include "counting/band_counter.h"
 
 #include <algorithm>
 #include <cmath>
 
 #include "base/part_of_progress.h"
-#include "platform/cell_runs.h"
+#include "counting/cell_runs.h"
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 
 namespace {
 
@@ -189,4 +189,4 @@ void BandCounter::append_to(ZoneCounts& counts) const {
     }
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

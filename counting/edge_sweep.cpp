@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/edge_sweep.h"
+#include "counting/edge_sweep.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,7 +14,7 @@
 #include "base/part_of_progress.h"
 #include "polygons/geometry.h"
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 
 namespace {
 
@@ -376,4 +376,4 @@ bool segment_touches(polygons::Point a, polygons::Point b, const polygons::Envel
     return !all_left && !all_right;
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

@@ -1,15 +1,15 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/zonal_tabulation.h"
+#include "counting/zonal_tabulation.h"
 
 #include <atomic>
 #include <memory>
 
 #include "base/parallel.h"
 #include "base/part_of_progress.h"
-#include "platform/band_counter.h"
+#include "counting/band_counter.h"
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 
 namespace {
 
@@ -81,4 +81,4 @@ ZoneCounts tabulate(const data::RasterDataset& raster, const TabulationInput& in
     return gathered(counters, plan.zone_count);
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

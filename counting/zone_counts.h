@@ -7,7 +7,7 @@
 #include <tuple>
 #include <vector>
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 
 /// Stands for "no overlay polygon here".
 inline constexpr std::uint32_t kNoOverlay = std::numeric_limits<std::uint32_t>::max();
@@ -53,4 +53,4 @@ struct ZoneCounts {
 /// Sorts rows and sums those of the same place.
 void sort_and_sum(std::vector<ZoneCounts::Row>& rows);
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

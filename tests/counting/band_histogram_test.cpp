@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/band_histogram.h"
+#include "counting/band_histogram.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <random>
 #include <utility>
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 namespace {
 
 using Counts = std::map<std::pair<std::uint32_t, std::int64_t>, std::uint64_t>;
@@ -65,4 +65,4 @@ TEST(BandHistogram, NodataAmongClassesWithoutColumnsIsKeptApart) {
 }
 
 }  // namespace
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

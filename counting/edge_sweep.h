@@ -7,11 +7,11 @@
 #include <vector>
 
 #include "base/progress.h"
+#include "counting/row_spans.h"
 #include "data/raster.h"
-#include "platform/row_spans.h"
 #include "polygons/polygons.h"
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 
 /// The NODATA cells of a band: for each row of it, disjoint ascending runs of columns.
 using NodataRuns = std::vector<std::vector<RowSpan>>;
@@ -103,4 +103,4 @@ class EdgeSweep {
 /// Whether the segment from `a` to `b` shares a point with the closed rectangle; decided exactly.
 bool segment_touches(polygons::Point a, polygons::Point b, const polygons::Envelope& rectangle);
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/cell_runs.h"
+#include "counting/cell_runs.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 namespace {
 
 template <typename Cell>
@@ -72,4 +72,4 @@ TEST(CellRuns, ChangesAreFoundManyAtATime) {
 }
 
 }  // namespace
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

@@ -8,12 +8,12 @@
 #include <optional>
 #include <vector>
 
-#include "platform/edge_sweep.h"
-#include "platform/piece_counter.h"
-#include "platform/row_spans.h"
-#include "platform/zone_counts.h"
+#include "counting/edge_sweep.h"
+#include "counting/piece_counter.h"
+#include "counting/row_spans.h"
+#include "counting/zone_counts.h"
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 
 /// The edges of everything that lies over the raster.
 struct LayerSweeps {
@@ -87,4 +87,4 @@ class PieceSpans {
     std::vector<Part> m_room;
 };
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

@@ -8,9 +8,9 @@
 #include <optional>
 #include <vector>
 
-#include "platform/piece_counter.h"
+#include "counting/piece_counter.h"
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 
 /// Counts the bytes under long spans of one band, piece by piece.
 ///
@@ -53,4 +53,4 @@ class BandHistogram {
     std::vector<std::uint32_t> m_counts;   // kLanes histograms of kColumns for each slot
 };
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/piece_counter.h"
+#include "counting/piece_counter.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <random>
 #include <tuple>
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 namespace {
 
 using Key = std::tuple<std::uint32_t, std::uint32_t, std::uint32_t, std::int32_t>;
@@ -88,4 +88,4 @@ TEST(ScenarioSets, ASetIsMadeOnceWhateverTheWayToIt) {
 }
 
 }  // namespace
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

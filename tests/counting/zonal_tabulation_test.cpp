@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/zonal_tabulation.h"
+#include "counting/zonal_tabulation.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@
 #include "tests/support/raster_files.h"
 #include "tests/support/test_files.h"
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 namespace {
 
 using test::RasterFile;
@@ -368,4 +368,4 @@ TEST_F(ZonalTabulation, StoppingEndsTheWorkSoon) {
 }
 
 }  // namespace
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

@@ -8,11 +8,11 @@
 #include <random>
 #include <utility>
 
-#include "platform/cell_runs.h"
-#include "platform/edge_sweep.h"
-#include "platform/piece_counter.h"
-#include "platform/piece_spans.h"
-#include "platform/row_spans.h"
+#include "counting/cell_runs.h"
+#include "counting/edge_sweep.h"
+#include "counting/piece_counter.h"
+#include "counting/piece_spans.h"
+#include "counting/row_spans.h"
 #include "polygons/edge_cancelling.h"
 #include "polygons/geometry.h"
 #include "polygons/polygon_check.h"
@@ -20,7 +20,10 @@
 
 namespace {
 
-using namespace kestrel::platform;
+using namespace kestrel::counting;
+using namespace kestrel::polygons;
+using kestrel::base::NoProgress;
+using kestrel::data::Grid;
 
 const Grid kGrid{.x0 = 0, .y0 = 2048, .dx = 1, .dy = -1, .columns = 2048, .rows = 2048};
 

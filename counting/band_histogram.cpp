@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/band_histogram.h"
+#include "counting/band_histogram.h"
 
 #include <bit>
 #include <cstring>
 
-#include "platform/cell_runs.h"
+#include "counting/cell_runs.h"
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 
 namespace {
 
@@ -146,4 +146,4 @@ void BandHistogram::flush(PieceCounter& counter) {
     m_counts.clear();
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

@@ -5,11 +5,11 @@
 #include <vector>
 
 #include "base/progress.h"
+#include "counting/zone_counts.h"
 #include "data/raster.h"
-#include "platform/zone_counts.h"
 #include "polygons/polygons.h"
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 
 /// What lies over the raster. All coordinates are in the raster's coordinate system.
 struct TabulationInput {
@@ -36,4 +36,4 @@ struct TabulationInput {
 ZoneCounts tabulate(const data::RasterDataset& raster, const TabulationInput& input, int threads,
                     base::Progress& progress);
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

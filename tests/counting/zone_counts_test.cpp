@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/zone_counts.h"
+#include "counting/zone_counts.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <random>
 #include <tuple>
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 namespace {
 
 ZoneCounts part(std::vector<ZoneCounts::Row> rows, std::vector<std::vector<std::uint32_t>> sets) {
@@ -89,4 +89,4 @@ TEST(ZoneCounts, SetsOfScenariosThatNoCellHasAreDropped) {
 }
 
 }  // namespace
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/piece_spans.h"
+#include "counting/piece_spans.h"
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 
 /// Cuts the parts of a row where spans of `cover` begin and end; set(part, owner) changes those that are covered. Both
 /// are ascending and disjoint.
@@ -75,4 +75,4 @@ void PieceSpans::lay_out(const LayerSweeps& layers, int band, PieceCounter& coun
     m_next.assign(m_begin.begin(), m_begin.end() - 1);
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

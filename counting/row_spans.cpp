@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/row_spans.h"
+#include "counting/row_spans.h"
 
 #include <algorithm>
 #include <queue>
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 
 namespace {
 
@@ -104,4 +104,4 @@ void unite(std::vector<RowSpan>& spans) {
     spans.resize(spans.empty() ? 0 : last + 1);
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

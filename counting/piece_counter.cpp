@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/piece_counter.h"
+#include "counting/piece_counter.h"
 
 #include <functional>
 #include <numeric>
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 
 std::uint32_t ScenarioSets::with(std::uint32_t set, std::uint32_t scenario) {
     const std::uint64_t step = (std::uint64_t{set} << 32) | scenario;
@@ -106,4 +106,4 @@ void PieceCounter::append_to(ZoneCounts& counts, const ScenarioSets& sets) const
     }
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

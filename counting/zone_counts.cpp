@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/zone_counts.h"
+#include "counting/zone_counts.h"
 
 #include <algorithm>
 #include <numeric>
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 
 namespace {
 
@@ -99,4 +99,4 @@ void ZoneCounts::put_in_order() {
     scenario_sets = std::move(ordered);
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

@@ -7,9 +7,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "platform/zone_counts.h"
+#include "counting/zone_counts.h"
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 
 /// Sets of scenarios, numbered in the order in which they are met; set 0 is empty.
 class ScenarioSets {
@@ -106,4 +106,4 @@ class PieceCounter {
     std::unordered_map<Piece, std::size_t, PieceHash> m_positions;
 };
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

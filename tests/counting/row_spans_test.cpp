@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/row_spans.h"
+#include "counting/row_spans.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 
 void PrintTo(const RowSpan& span, std::ostream* stream) {
     *stream << "[" << span.begin << ", " << span.end << ") of " << span.owner;
@@ -85,4 +85,4 @@ TEST(RowSpans, UnitedSpansAgreeWithPaintingCellByCell) {
 }
 
 }  // namespace
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting

@@ -7,15 +7,15 @@
 #include <optional>
 #include <vector>
 
+#include "counting/band_histogram.h"
+#include "counting/edge_sweep.h"
+#include "counting/piece_counter.h"
+#include "counting/piece_spans.h"
+#include "counting/zonal_tabulation.h"
+#include "counting/zone_counts.h"
 #include "data/raster.h"
-#include "platform/band_histogram.h"
-#include "platform/edge_sweep.h"
-#include "platform/piece_counter.h"
-#include "platform/piece_spans.h"
-#include "platform/zonal_tabulation.h"
-#include "platform/zone_counts.h"
 
-namespace kestrel::platform {
+namespace kestrel::counting {
 
 /// What all bands share and nobody changes while they are counted.
 struct TabulationPlan {
@@ -74,4 +74,4 @@ class BandCounter {
     bool m_has_nodata = false;
 };
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::counting
