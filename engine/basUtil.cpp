@@ -15,12 +15,12 @@
 
 namespace kestrel::basUtil {
 
+using contracts::Layer;
 using data::FeatureClass;
 using data::Field;
 using data::FieldType;
 using data::PolygonFeatures;
 using data::Value;
-using platform::Layer;
 
 namespace {
 
@@ -104,12 +104,12 @@ class PieceWriter {
 
 }  // namespace
 
-std::shared_ptr<Layer> FindLayer(const std::string& name, const platform::Map& map) try {
+std::shared_ptr<Layer> FindLayer(const std::string& name, const contracts::Map& map) try {
     for (const auto& layer : map.layers()) {
         if (layer->name() == name) {
             return layer;
         }
-        if (const auto* group = dynamic_cast<const platform::GroupLayer*>(layer.get())) {
+        if (const auto* group = dynamic_cast<const contracts::GroupLayer*>(layer.get())) {
             for (const auto& member : group->members()) {
                 if (member->name() == name) {
                     return member;
@@ -169,7 +169,7 @@ Field analysis_value_field(const Field& source) {
 }
 
 std::unique_ptr<FeatureClass> CreateShapefile(const std::string& analysisFieldName,
-                                              const platform::FeatureLayer& source, const std::string& working_folder,
+                                              const contracts::FeatureLayer& source, const std::string& working_folder,
                                               const std::string& name) try {
     const FeatureClass original = source.feature_class();
     std::vector<std::string> wanted;

@@ -7,10 +7,10 @@
 #include <string>
 #include <string_view>
 
+#include "contracts/map.h"
 #include "data/feature_class.h"
 #include "data/field.h"
 #include "data/shapefile_writer.h"
-#include "platform/contracts/map.h"
 
 /// \file
 /// Layer, shapefile and field routines of the engine.
@@ -18,7 +18,7 @@ namespace kestrel::basUtil {
 
 /// The first layer of the map whose name is exactly `name`; groups are looked into one level deep, in place.
 /// \return nothing when there is none.
-std::shared_ptr<platform::Layer> FindLayer(const std::string& name, const platform::Map& map);
+std::shared_ptr<contracts::Layer> FindLayer(const std::string& name, const contracts::Map& map);
 
 /// A field for a table; it accepts values and may be empty.
 data::Field CreateFields(const std::string& name, const std::string& alias, data::FieldType type, int length,
@@ -38,7 +38,7 @@ std::string stored_field_name(const std::string& name, std::span<const data::Fie
 /// \param name of the shapefile, without extension.
 /// \return the new class, or nothing after a reported failure.
 std::unique_ptr<data::FeatureClass> CreateShapefile(const std::string& analysisFieldName,
-                                                    const platform::FeatureLayer& source,
+                                                    const contracts::FeatureLayer& source,
                                                     const std::string& working_folder,
                                                     const std::string& name = "tempAnalysis");
 

@@ -8,11 +8,11 @@
 #include <string>
 #include <unordered_map>
 
+#include "contracts/layer.h"
 #include "data/table.h"
 #include "engine/clsISGetLCArea.h"
 #include "engine/coefficient_lookup.h"
 #include "parameters/clsReadParams.h"
-#include "platform/contracts/layer.h"
 
 namespace kestrel {
 
@@ -34,7 +34,7 @@ struct AdjustmentContext {
     /// The extension folder.
     std::string working_folder;
     AreaTheme analysis;
-    const platform::RasterLayer* land_cover = nullptr;
+    const contracts::RasterLayer* land_cover = nullptr;
     std::string units;
     std::string option;
     bool by_density = false;

@@ -102,7 +102,7 @@ class clsISExecuteModel::RunEnd {
 clsISExecuteModel::clsISExecuteModel(RunOptions options) : m_options(std::move(options)) {}
 clsISExecuteModel::~clsISExecuteModel() = default;
 
-void clsISExecuteModel::ExecuteModel(platform::Application* pApp, const std::string& pWorkPath,
+void clsISExecuteModel::ExecuteModel(contracts::Application* pApp, const std::string& pWorkPath,
                                      const std::string& pFileName, const std::string& shpPath,
                                      const std::string& shpName, const std::string& LayerName) try {
     if (pApp == nullptr) {
@@ -321,7 +321,7 @@ bool clsISExecuteModel::publish(const std::string& shpPath, const std::string& s
     return reported<bool>({"DissolveAnalysisLayer", kModule});
 }
 
-void clsISExecuteModel::isUpdateLegend(platform::FeatureLayer& outputLayer, const std::string& shpPath) try {
+void clsISExecuteModel::isUpdateLegend(contracts::FeatureLayer& outputLayer, const std::string& shpPath) try {
     ModelRun& run = *m_run;
     const data::ClassBreaksRenderer legend = output_legend();
     outputLayer.set_renderer(legend);

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "base/clock.h"
-#include "platform/contracts/application.h"
+#include "contracts/application.h"
 
 namespace kestrel {
 
@@ -38,7 +38,7 @@ class clsISExecuteModel {
     /// \param shpPath folder of the output; it exists.
     /// \param shpName file name of the output shapefile, such as "sheds_is.shp".
     /// \param LayerName name of the output layer in the map, and base name of the records beside it.
-    void ExecuteModel(platform::Application* pApp, const std::string& pWorkPath, const std::string& pFileName,
+    void ExecuteModel(contracts::Application* pApp, const std::string& pWorkPath, const std::string& pFileName,
                       const std::string& shpPath, const std::string& shpName, const std::string& LayerName);
 
   private:
@@ -55,7 +55,7 @@ class clsISExecuteModel {
     void isWriteMetadata(const std::string& folder, const std::string& name);
     void isCleanUp(const std::string& extension_folder);
     bool isSetCompleteArea();
-    void isUpdateLegend(platform::FeatureLayer& outputLayer, const std::string& shpPath);
+    void isUpdateLegend(contracts::FeatureLayer& outputLayer, const std::string& shpPath);
     bool DissolveAnalysisLayer(const std::string& shpPath, const std::string& shpName, const std::string& LayerName);
     bool AddNewFields();
     bool isCalPctIS();

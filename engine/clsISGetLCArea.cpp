@@ -62,7 +62,7 @@ double area_factor(const std::string& units) {
     return units == "Meters" ? 0.0001 : 0;
 }
 
-void clsISGetLCArea::Initialise(platform::Application* pApp, const std::string& option, int threads) {
+void clsISGetLCArea::Initialise(contracts::Application* pApp, const std::string& option, int threads) {
     Reset();
     m_application = pApp;
     m_option = option;
@@ -76,7 +76,7 @@ void clsISGetLCArea::Reset() {
 }
 
 std::optional<Table> clsISGetLCArea::isGetLCArea(const std::string& pWorkspace, const AreaTheme& AnalysisTheme,
-                                                 const platform::RasterLayer& lcTheme, const std::string& ValueField,
+                                                 const contracts::RasterLayer& lcTheme, const std::string& ValueField,
                                                  const std::string& ZoneField, bool popDS, const std::string& LCUnits,
                                                  const LandClassDictionary& dictCL, const std::string& tmpZone,
                                                  const std::string& areaTemp) try {
@@ -111,13 +111,13 @@ bool clsISGetLCArea::SwitchOnRasterAnalysis() {
     if (m_application == nullptr) {
         throw base::RuntimeError(base::kObjectVariableNotSet, "The area engine has not been initialised");
     }
-    platform::IExtensionConfig* extension = m_application->find_extension(platform::kRasterAnalysisExtension);
+    contracts::IExtensionConfig* extension = m_application->find_extension(contracts::kRasterAnalysisExtension);
     if (extension == nullptr) {
         return false;
     }
     try {
-        extension->IExtensionConfig_State(platform::kExtensionEnabled);
-        return extension->IExtensionConfig_State() == platform::kExtensionEnabled;
+        extension->IExtensionConfig_State(contracts::kExtensionEnabled);
+        return extension->IExtensionConfig_State() == contracts::kExtensionEnabled;
     } catch (const std::exception&) {
         return false;  // a host that cannot switch it on says so in the caller's message
     }
@@ -125,7 +125,7 @@ bool clsISGetLCArea::SwitchOnRasterAnalysis() {
 
 /// \return nothing after an error, which is told.
 std::optional<Tabulation> clsISGetLCArea::TabulateAreas(const AreaTheme& AnalysisTheme,
-                                                        const platform::RasterLayer& lcTheme) {
+                                                        const contracts::RasterLayer& lcTheme) {
     try {
         if (!m_counts) {
             ConvertShapeToRaster(AnalysisTheme, lcTheme.source());

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "contracts/application.h"
 #include "data/raster.h"
 #include "data/table.h"
 #include "engine/coefficient_lookup.h"
@@ -14,7 +15,6 @@
 #include "engine/run_zones.h"
 #include "engine/tabulation.h"
 #include "parameters/clsReadParams.h"
-#include "platform/contracts/application.h"
 
 namespace kestrel {
 
@@ -37,7 +37,7 @@ class clsISGetLCArea {
     /// Prepares for a run; what an earlier run counted is forgotten.
     /// \param option the coefficient option.
     /// \param threads that the pass may use; 0 for as many as there are cores.
-    void Initialise(platform::Application* pApp, const std::string& option, int threads);
+    void Initialise(contracts::Application* pApp, const std::string& option, int threads);
     /// Forgets the run.
     void Reset();
 
@@ -51,7 +51,7 @@ class clsISGetLCArea {
     /// \param areaTemp name of the table.
     /// \return the area table; nothing after a failure that was told, or when the run was cancelled.
     std::optional<data::Table> isGetLCArea(const std::string& pWorkspace, const AreaTheme& AnalysisTheme,
-                                           const platform::RasterLayer& lcTheme, const std::string& ValueField,
+                                           const contracts::RasterLayer& lcTheme, const std::string& ValueField,
                                            const std::string& ZoneField, bool popDS, const std::string& LCUnits,
                                            const LandClassDictionary& dictCL, const std::string& tmpZone,
                                            const std::string& areaTemp);
@@ -59,23 +59,23 @@ class clsISGetLCArea {
     /// The counts of the run's pass; nothing before it was made.
     LandCoverCounts* counts() noexcept { return m_counts ? &*m_counts : nullptr; }
     /// The classes without coefficients that ended the last call, with their cells.
-    const std::vector<platform::UnknownClass>& unknown_classes() const noexcept { return m_unknown_classes; }
+    const std::vector<contracts::UnknownClass>& unknown_classes() const noexcept { return m_unknown_classes; }
 
   private:
     bool SwitchOnRasterAnalysis();
     data::RasterDataset OpenRasterDataset(const std::string& source);
     void ConvertShapeToRaster(const AreaTheme& AnalysisTheme, const std::string& source);
-    std::optional<Tabulation> TabulateAreas(const AreaTheme& AnalysisTheme, const platform::RasterLayer& lcTheme);
+    std::optional<Tabulation> TabulateAreas(const AreaTheme& AnalysisTheme, const contracts::RasterLayer& lcTheme);
     bool CalculateAreas(const Tabulation& tabulation, double factor, const LandClassDictionary& dictCL,
                         data::Table& table);
     std::string AnalysisFieldValues(const Tabulation& table, std::size_t id);
     void list_unknown_classes(const Tabulation& tabulation, const CoefficientLookup& lookup, const std::string& key);
 
-    platform::Application* m_application = nullptr;
+    contracts::Application* m_application = nullptr;
     std::string m_option;
     int m_threads = 0;
     std::optional<LandCoverCounts> m_counts;
-    std::vector<platform::UnknownClass> m_unknown_classes;
+    std::vector<contracts::UnknownClass> m_unknown_classes;
 };
 
 /// Acres in a square foot for "Feet", hectares in a square metre for "Meters", 0 for anything else.

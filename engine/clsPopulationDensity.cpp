@@ -22,8 +22,8 @@ namespace {
 
 constexpr const char* kModule = "clsPopulationDensity";
 
-FeatureClass density_source(const platform::Map& map, const std::string& name) {
-    const auto layer = std::dynamic_pointer_cast<platform::FeatureLayer>(basUtil::FindLayer(name, map));
+FeatureClass density_source(const contracts::Map& map, const std::string& name) {
+    const auto layer = std::dynamic_pointer_cast<contracts::FeatureLayer>(basUtil::FindLayer(name, map));
     if (!layer) {
         throw base::RuntimeError(base::kObjectVariableNotSet, fmt::format("The map has no polygon layer \"{}\"", name));
     }
@@ -43,7 +43,7 @@ std::string density_zone_key(const std::string& analysis_value, std::uint8_t dig
     return fmt::format("{}#{}", analysis_value, digit);
 }
 
-clsPopulationDensity::clsPopulationDensity(const platform::Map& pMap, const PolygonLayer& analysis,
+clsPopulationDensity::clsPopulationDensity(const contracts::Map& pMap, const PolygonLayer& analysis,
                                            std::string PopDensityTheme, std::string PopDensityFldName,
                                            std::string PopDensityHigh, std::string PopDensityLow)
     : m_map(pMap),

@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
+#include "contracts/map.h"
 #include "data/feature_class.h"
 #include "data/field.h"
 #include "engine/polygon_layer.h"
-#include "platform/contracts/map.h"
 
 namespace kestrel {
 
@@ -31,7 +31,7 @@ class clsPopulationDensity {
     /// \param analysis the analysis features, with their values.
     /// \param pMap holds the density layer.
     /// \param PopDensityHigh, PopDensityLow the cut-offs, as typed.
-    clsPopulationDensity(const platform::Map& pMap, const PolygonLayer& analysis, std::string PopDensityTheme,
+    clsPopulationDensity(const contracts::Map& pMap, const PolygonLayer& analysis, std::string PopDensityTheme,
                          std::string PopDensityFldName, std::string PopDensityHigh, std::string PopDensityLow);
 
     /// Runs the preparation. \return false when the systems differ by name, nothing overlaps, after a reported failure,
@@ -49,7 +49,7 @@ class clsPopulationDensity {
     const std::string& OldAnalysisFldName() const { return m_analysis.field.name; }
 
   private:
-    const platform::Map& m_map;
+    const contracts::Map& m_map;
     const PolygonLayer& m_analysis;
     std::string m_density_layer;
     std::string m_density_field;

@@ -43,7 +43,7 @@ void restore_integers(std::vector<Value>& values) {
 /// A scenario's polygons in the analysis layer's coordinate system.
 PolygonLayer read_scenario(ModelRun& run, const std::string& name, std::size_t number, ScenarioTheme& theme,
                            base::Progress& progress) {
-    const auto layer = find_layer<platform::FeatureLayer>(run, name, "polygon");
+    const auto layer = find_layer<contracts::FeatureLayer>(run, name, "polygon");
     std::optional<PolygonLayer> scenario;
     if (layer->selection().count() > 0) {
         const auto copied = basUtil::CreateShapefile({}, *layer, run.working_folder(), fmt::format("{}dsSel", number));
@@ -111,8 +111,8 @@ bool read_settings(ModelRun& run, const std::string& file_name) {
 }
 
 bool read_analysis_layer(ModelRun& run) {
-    run.analysis_layer = find_layer<platform::FeatureLayer>(run, run.analysis_theme, "polygon");
-    run.land_cover = find_layer<platform::RasterLayer>(run, run.land_cover_theme, "raster");
+    run.analysis_layer = find_layer<contracts::FeatureLayer>(run, run.analysis_theme, "polygon");
+    run.land_cover = find_layer<contracts::RasterLayer>(run, run.land_cover_theme, "raster");
     const data::FeatureClass source = run.analysis_layer->feature_class();
     run.analysis_fields = source.fields();
     const int position = source.find_field(run.analysis_field);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "contracts/application.h"
 #include "data/raster.h"
 #include "engine/clsISDSAdjustment.h"
 #include "engine/clsISGetLCArea.h"
@@ -16,7 +17,6 @@
 #include "engine/run_zones.h"
 #include "engine/zone_keys.h"
 #include "parameters/clsReadParams.h"
-#include "platform/contracts/application.h"
 
 namespace kestrel {
 
@@ -27,15 +27,15 @@ inline constexpr double kScenariosEnd = 0.1;
 
 /// What one run holds while it lasts.
 struct ModelRun {
-    ModelRun(platform::Application& application, std::string extension_folder, int threads_to_use)
+    ModelRun(contracts::Application& application, std::string extension_folder, int threads_to_use)
         : app(application), work_path(std::move(extension_folder)), threads(threads_to_use) {}
 
-    platform::Map& map() const { return app.document().focus_map(); }
+    contracts::Map& map() const { return app.document().focus_map(); }
     bool cancelled() const { return app.progress().cancelled(); }
     /// A folder of the run's own below "temp", made when it is first needed.
     const std::string& working_folder();
 
-    platform::Application& app;
+    contracts::Application& app;
     std::string work_path;
     /// That the run may use; 0 for as many as there are cores.
     int threads;
@@ -57,8 +57,8 @@ struct ModelRun {
     std::shared_ptr<ScenarioDictionary> scenario_choices;
 
     // The layers.
-    std::shared_ptr<platform::FeatureLayer> analysis_layer;
-    std::shared_ptr<platform::RasterLayer> land_cover;
+    std::shared_ptr<contracts::FeatureLayer> analysis_layer;
+    std::shared_ptr<contracts::RasterLayer> land_cover;
     /// The land cover's data; nothing when it cannot be opened, which the area stage tells.
     std::optional<data::RasterDataset> raster;
     PolygonLayer analysis;
@@ -77,9 +77,9 @@ struct ModelRun {
     clsISGetLCArea areas;
     std::optional<data::Table> summary;
     OutputLayer output;
-    std::shared_ptr<platform::FeatureLayer> output_layer;
+    std::shared_ptr<contracts::FeatureLayer> output_layer;
     std::size_t incomplete = 0;
-    platform::RunResult result;
+    contracts::RunResult result;
 
   private:
     std::string m_working_folder;

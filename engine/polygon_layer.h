@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "base/progress.h"
+#include "contracts/layer.h"
 #include "data/feature_class.h"
 #include "data/field.h"
 #include "data/spatial_reference.h"
-#include "platform/contracts/layer.h"
 #include "polygons/polygons.h"
 
 namespace kestrel {

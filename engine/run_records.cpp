@@ -29,7 +29,7 @@ RunRecord record_of(const ModelRun& run, const base::LocalTime& time) {
 
 OutputRecord output_record_of(const ModelRun& run) {
     OutputRecord record{.extent = run.output.polygons.envelope(),
-                        .decimal_degrees = run.map().distance_units() == platform::kDecimalDegrees,
+                        .decimal_degrees = run.map().distance_units() == contracts::kDecimalDegrees,
                         .field_names = run.output.field_names(),
                         .analysis_values = {}};
     record.analysis_values.reserve(run.groups.count());

@@ -11,9 +11,9 @@
 
 namespace kestrel {
 
+using contracts::RunResult;
+using contracts::ZoneResult;
 using counting::ZoneCounts;
-using platform::RunResult;
-using platform::ZoneResult;
 using polygons::Envelope;
 
 namespace {
@@ -120,7 +120,7 @@ void keep_working_data(ModelRun& run, const std::string& folder) {
         }
     }
     const auto density =
-        std::dynamic_pointer_cast<platform::FeatureLayer>(basUtil::FindLayer(run.density_theme, run.map()));
+        std::dynamic_pointer_cast<contracts::FeatureLayer>(basUtil::FindLayer(run.density_theme, run.map()));
     if (run.zones->density && density) {
         const data::FeatureClass zones = run.selected ? *run.selected : run.analysis_layer->feature_class();
         const data::FeatureClass cut_by = density->feature_class();

@@ -3,7 +3,7 @@
 #pragma once
 
 /// \file
-/// Registered names of the extension's classes beside those that hosts begin with (platform/contracts).
+/// Registered names of the extension's classes beside those that hosts begin with (contracts/).
 namespace kestrel {
 
 inline constexpr const char* kCommandsClass = "KESTREL_EXT.clsCommands";

@@ -45,7 +45,7 @@ Object& found(Object* object, const char* otherwise, int line = __builtin_LINE()
 }  // namespace
 
 bool clsCommands::ICommand_Enabled() const {
-    return m_extension != nullptr && m_extension->IExtensionConfig_State() == platform::kExtensionEnabled;
+    return m_extension != nullptr && m_extension->IExtensionConfig_State() == contracts::kExtensionEnabled;
 }
 
 std::string clsCommands::ICommand_Name() const {
@@ -68,18 +68,18 @@ std::int32_t clsCommands::ICommandSubType_GetCount() const {
     return static_cast<std::int32_t>(kCaptions.size());
 }
 
-void clsCommands::ICommand_OnCreate(platform::Application* hook) {
+void clsCommands::ICommand_OnCreate(contracts::Application* hook) {
     m_application = hook;
-    m_extension = hook == nullptr ? nullptr : hook->find_extension(platform::kKestrelExtension);
+    m_extension = hook == nullptr ? nullptr : hook->find_extension(contracts::kKestrelExtension);
 }
 
 // Help and About are guarded like the rest, and only the disabled state keeps a command from its window. Intended.
 void clsCommands::ICommand_OnClick() try {
-    platform::Application& application = found(m_application, "The command was given no application");
-    platform::IExtensionConfig& raster_analysis =
-        found(application.find_extension(platform::kRasterAnalysisExtension),
+    contracts::Application& application = found(m_application, "The command was given no application");
+    contracts::IExtensionConfig& raster_analysis =
+        found(application.find_extension(contracts::kRasterAnalysisExtension),
               "The application has no raster analysis extension (esriCore.SAExtension.1)");
-    if (raster_analysis.IExtensionConfig_State() == platform::kExtensionDisabled) {
+    if (raster_analysis.IExtensionConfig_State() == contracts::kExtensionDisabled) {
         reporting::interaction().message_box({"Spatial Analyst Extension required to run Impervious Surface Analysis.",
                                               "", reporting::Icon::exclamation});
         return;

@@ -2,16 +2,16 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/contracts/application.h"
-#include "platform/contracts/command.h"
-#include "platform/contracts/extension_object.h"
+#include "contracts/application.h"
+#include "contracts/command.h"
+#include "contracts/extension_object.h"
 
 namespace kestrel {
 
 /// One of the six commands: the host makes an object for each, and its sub-type (a CommandKind) says which it is.
-class clsCommands final : public platform::ExtensionObject,
-                          public platform::ICommand,
-                          public platform::ICommandSubType {
+class clsCommands final : public contracts::ExtensionObject,
+                          public contracts::ICommand,
+                          public contracts::ICommandSubType {
   public:
     bool ICommand_Enabled() const override;
     bool ICommand_Checked() const override { return false; }
@@ -24,7 +24,7 @@ class clsCommands final : public platform::ExtensionObject,
     std::int32_t ICommand_HelpContextID() const override { return 0; }
     std::int32_t ICommand_Bitmap() const override { return 0; }
     std::string ICommand_Category() const override { return {}; }
-    void ICommand_OnCreate(platform::Application* hook) override;
+    void ICommand_OnCreate(contracts::Application* hook) override;
     /// Opens the command's window, unless the host's raster analysis is switched off.
     void ICommand_OnClick() override;
 
@@ -35,9 +35,9 @@ class clsCommands final : public platform::ExtensionObject,
     void open_window() const;
 
     std::int32_t m_sub_type = 0;
-    platform::Application* m_application = nullptr;
+    contracts::Application* m_application = nullptr;
     /// The program's own extension; it outlives its commands.
-    platform::IExtensionConfig* m_extension = nullptr;
+    contracts::IExtensionConfig* m_extension = nullptr;
 };
 
 }  // namespace kestrel

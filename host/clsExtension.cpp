@@ -19,7 +19,7 @@ std::string clsExtension::IExtension_Name() const {
     return "Kestrel";
 }
 
-void clsExtension::IExtension_Startup(platform::Application* initializationData) {
+void clsExtension::IExtension_Startup(contracts::Application* initializationData) {
     m_application = initializationData;
     if (m_windows && m_application != nullptr) {
         m_windows->start(*m_application);
@@ -42,7 +42,7 @@ std::string clsExtension::IExtensionConfig_Description() const {
 }
 
 std::int32_t clsExtension::IExtensionConfig_State() {
-    if (m_state == platform::kExtensionEnabled) {
+    if (m_state == contracts::kExtensionEnabled) {
         ensure_working_folders();
     }
     return m_state;

@@ -5,9 +5,9 @@
 #include <memory>
 #include <string>
 
+#include "contracts/extension.h"
+#include "contracts/extension_object.h"
 #include "host/extension_windows.h"
-#include "platform/contracts/extension.h"
-#include "platform/contracts/extension_object.h"
 
 namespace kestrel {
 
@@ -15,9 +15,9 @@ namespace kestrel {
 /// where there is a desktop.
 ///
 /// It has no error handlers: what goes wrong in a state read passes to the host.
-class clsExtension final : public platform::ExtensionObject,
-                           public platform::IExtension,
-                           public platform::IExtensionConfig {
+class clsExtension final : public contracts::ExtensionObject,
+                           public contracts::IExtension,
+                           public contracts::IExtensionConfig {
   public:
     /// \param extension_folder in which `temp` and `output` are made. Nothing is done there before the state is read.
     /// \param windows nothing where there is no desktop.
@@ -28,7 +28,7 @@ class clsExtension final : public platform::ExtensionObject,
     clsExtension& operator=(const clsExtension&) = delete;
 
     std::string IExtension_Name() const override;
-    void IExtension_Startup(platform::Application* initializationData) override;
+    void IExtension_Startup(contracts::Application* initializationData) override;
     void IExtension_Shutdown() override;
 
     std::string IExtensionConfig_ProductName() const override;
@@ -41,7 +41,7 @@ class clsExtension final : public platform::ExtensionObject,
 
     const std::string& extension_folder() const noexcept { return m_extension_folder; }
     /// The host application between start-up and shut-down, else nothing.
-    platform::Application* application() const noexcept { return m_application; }
+    contracts::Application* application() const noexcept { return m_application; }
     /// Nothing where there is no desktop.
     ExtensionWindows* windows() const noexcept { return m_windows.get(); }
 
@@ -50,7 +50,7 @@ class clsExtension final : public platform::ExtensionObject,
 
     std::string m_extension_folder;
     std::unique_ptr<ExtensionWindows> m_windows;
-    platform::Application* m_application = nullptr;
+    contracts::Application* m_application = nullptr;
     std::int32_t m_state = 0;
 };
 

@@ -15,7 +15,7 @@ std::int32_t clsMenuDef::IMenuDef_ItemCount() const {
     return kItems;
 }
 
-void clsMenuDef::IMenuDef_GetItemInfo(std::int32_t position, platform::ItemDef& item) const {
+void clsMenuDef::IMenuDef_GetItemInfo(std::int32_t position, contracts::ItemDef& item) const {
     if (position < 0 || position >= kItems) {
         return;
     }

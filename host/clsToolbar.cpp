@@ -6,7 +6,7 @@
 
 namespace kestrel {
 
-void clsToolbar::IToolBarDef_GetItemInfo(std::int32_t position, platform::ItemDef& item) const {
+void clsToolbar::IToolBarDef_GetItemInfo(std::int32_t position, contracts::ItemDef& item) const {
     if (position == 0) {
         item = {kMenuClass, false, 1};
     }

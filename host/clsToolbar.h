@@ -2,16 +2,16 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/contracts/command.h"
-#include "platform/contracts/extension_object.h"
+#include "contracts/command.h"
+#include "contracts/extension_object.h"
 
 namespace kestrel {
 
 /// The toolbar that carries the menu as its only control.
-class clsToolbar final : public platform::ExtensionObject, public platform::IToolBarDef {
+class clsToolbar final : public contracts::ExtensionObject, public contracts::IToolBarDef {
   public:
     std::int32_t IToolBarDef_ItemCount() const override { return 1; }
-    void IToolBarDef_GetItemInfo(std::int32_t position, platform::ItemDef& item) const override;
+    void IToolBarDef_GetItemInfo(std::int32_t position, contracts::ItemDef& item) const override;
     std::string IToolBarDef_Name() const override { return "Kestrel Tools"; }
     std::string IToolBarDef_Caption() const override { return "Kestrel Tools"; }
 };

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "platform/contracts/application.h"
+#include "contracts/application.h"
 
 namespace kestrel {
 
@@ -26,14 +26,14 @@ class ExtensionWindows {
 
     /// From here to stop() the extension's code speaks with the user as `application` does, but for help, which opens
     /// the window here. Stops what was started before.
-    virtual void start(platform::Application& application) = 0;
+    virtual void start(contracts::Application& application) = 0;
     /// Closes all windows. Where one holds changes that are not saved, the user is asked whether to save them; there is
     /// no way back.
     virtual void stop() = 0;
 
     /// Opens the window of a command, or brings it to the front where it is open. Each kind of window exists once, from
     /// its first use until stop().
-    virtual void open(CommandKind command, platform::Application& application) = 0;
+    virtual void open(CommandKind command, contracts::Application& application) = 0;
 };
 
 }  // namespace kestrel

@@ -45,11 +45,11 @@ std::string new_folder(const std::string& parent) {
 HeadlessEnding execute(const HeadlessRun& run, const std::string& extension_folder, base::Progress& progress) {
     HeadlessApplication application(progress);
     clsExtension extension(extension_folder);
-    application.register_extension(platform::kKestrelExtension, extension);
+    application.register_extension(contracts::kKestrelExtension, extension);
     RasterAnalysis raster_analysis;
-    application.register_extension(platform::kRasterAnalysisExtension, raster_analysis);
+    application.register_extension(contracts::kRasterAnalysisExtension, raster_analysis);
     extension.IExtension_Startup(&application);
-    extension.IExtensionConfig_State(platform::kExtensionEnabled);
+    extension.IExtensionConfig_State(contracts::kExtensionEnabled);
     extension.IExtensionConfig_State();  // makes the working folders
     fill_map(application, run);
     const RunOutput& output = run.output;
@@ -65,7 +65,7 @@ HeadlessEnding execute(const HeadlessRun& run, const std::string& extension_fold
     clsISExecuteModel model({.threads = run.threads, .keep_temp_folder = kept});
     model.ExecuteModel(&application, extension_folder, kParameterFile, output.folder, output.file_name,
                        output.layer_name);
-    HeadlessEnding ending{application.take_result().value_or(platform::RunResult{}), kept};
+    HeadlessEnding ending{application.take_result().value_or(contracts::RunResult{}), kept};
     if (ending.result.finished) {
         older.discard();
     }

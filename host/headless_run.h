@@ -8,18 +8,18 @@
 
 #include "base/progress.h"
 #include "coefficients/clsISModelProperties.h"
+#include "contracts/map.h"
+#include "contracts/run_result.h"
 #include "parameters/model_parameters.h"
 #include "parameters/run_output.h"
-#include "platform/contracts/map.h"
-#include "platform/run_result.h"
 
 namespace kestrel {
 
 /// A run without a desktop: everything that it needs, checked by whoever asks for it.
 struct HeadlessRun {
     /// The map, from the top. The parameters name layers of it.
-    std::vector<std::shared_ptr<platform::Layer>> layers{};
-    platform::DistanceUnits distance_units = platform::kUnknownUnits;
+    std::vector<std::shared_ptr<contracts::Layer>> layers{};
+    contracts::DistanceUnits distance_units = contracts::kUnknownUnits;
     /// All but the output.
     ModelParameters parameters{};
     /// Its folder exists.
@@ -35,7 +35,7 @@ struct HeadlessRun {
 
 struct HeadlessEnding {
     /// Says by `finished` whether there is an output.
-    platform::RunResult result{};
+    contracts::RunResult result{};
     /// Where the working data are kept; empty when they are not.
     std::string kept_folder{};
 };

@@ -19,7 +19,7 @@
 
 namespace {
 
-using kestrel::platform::ExtensionObject;
+using kestrel::contracts::ExtensionObject;
 
 std::unique_ptr<ExtensionObject> make_extension() {
     const std::string folder = kestrel::extension_folder(kestrel::loaded_library_folder(), kestrel::user_data_folder());
@@ -27,7 +27,7 @@ std::unique_ptr<ExtensionObject> make_extension() {
 }
 
 std::unique_ptr<ExtensionObject> make_object(std::string_view class_id) {
-    if (class_id == kestrel::platform::kKestrelExtension) {
+    if (class_id == kestrel::contracts::kKestrelExtension) {
         return make_extension();
     }
     if (class_id == kestrel::kCommandsClass) {
@@ -36,7 +36,7 @@ std::unique_ptr<ExtensionObject> make_object(std::string_view class_id) {
     if (class_id == kestrel::kMenuClass) {
         return std::make_unique<kestrel::clsMenuDef>();
     }
-    if (class_id == kestrel::platform::kKestrelToolbar) {
+    if (class_id == kestrel::contracts::kKestrelToolbar) {
         return std::make_unique<kestrel::clsToolbar>();
     }
     return nullptr;

@@ -4,13 +4,13 @@
 
 #include <string>
 
-#include "platform/contracts/extension.h"
+#include "contracts/extension.h"
 
 namespace kestrel {
 
 /// The raster analysis that runs ask their host for. It is part of the program, so every host has it; a desktop lets
 /// its user switch it off.
-class RasterAnalysis final : public platform::IExtensionConfig {
+class RasterAnalysis final : public contracts::IExtensionConfig {
   public:
     std::string IExtensionConfig_ProductName() const override { return "Raster analysis"; }
     std::string IExtensionConfig_Description() const override { return "Counts the cells of rasters in polygons."; }
@@ -18,7 +18,7 @@ class RasterAnalysis final : public platform::IExtensionConfig {
     void IExtensionConfig_State(std::int32_t state) override { m_state = state; }
 
   private:
-    std::int32_t m_state = platform::kExtensionEnabled;
+    std::int32_t m_state = contracts::kExtensionEnabled;
 };
 
 }  // namespace kestrel

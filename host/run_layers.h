@@ -29,14 +29,14 @@ class RunLayers {
                              std::vector<std::int64_t> selected = {}, const std::string& name = {});
 
     /// In the order in which they were added.
-    const std::vector<std::shared_ptr<platform::Layer>>& layers() const noexcept { return m_layers; }
+    const std::vector<std::shared_ptr<contracts::Layer>>& layers() const noexcept { return m_layers; }
     /// Files and folders that the layers draw from, for comparing with the output.
     const std::vector<std::string>& files() const noexcept { return m_files; }
 
   private:
     std::string distinct_name(const std::string& wanted) const;
 
-    std::vector<std::shared_ptr<platform::Layer>> m_layers;
+    std::vector<std::shared_ptr<contracts::Layer>> m_layers;
     std::vector<std::string> m_identities;  // of the layers
     std::vector<std::string> m_files;
 };

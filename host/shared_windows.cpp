@@ -71,7 +71,7 @@ SharedWindows::SharedWindows(std::string extension_folder)
 
 SharedWindows::~SharedWindows() = default;
 
-void SharedWindows::start(platform::Application& application) {
+void SharedWindows::start(contracts::Application& application) {
     stop();
     m_interaction = std::make_unique<HostInteraction>(application.interaction(), *this);
 }
@@ -84,7 +84,7 @@ void SharedWindows::stop() {
     m_interaction.reset();
 }
 
-void SharedWindows::open(CommandKind command, platform::Application& application) {
+void SharedWindows::open(CommandKind command, contracts::Application& application) {
     bring_to_front(form_of(command, application));
 }
 
@@ -92,7 +92,7 @@ void SharedWindows::show_help() {
     bring_to_front(shared(m_forms->help, m_extension_folder));
 }
 
-QWidget& SharedWindows::form_of(CommandKind command, platform::Application& application) {
+QWidget& SharedWindows::form_of(CommandKind command, contracts::Application& application) {
     switch (command) {
         case CommandKind::run_analysis: {
             frmISParams& form = shared(m_forms->parameters, m_extension_folder);
@@ -113,7 +113,7 @@ QWidget& SharedWindows::form_of(CommandKind command, platform::Application& appl
     throw base::RuntimeError(base::kInvalidProcedureCall, "There is no window of this command");
 }
 
-QWidget& SharedWindows::viewer_of(const char* file_type, platform::Application& application) {
+QWidget& SharedWindows::viewer_of(const char* file_type, contracts::Application& application) {
     frmISTParams& form = shared(m_forms->viewer);
     form.Application(&application);
     form.FileType(file_type);

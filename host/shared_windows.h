@@ -18,9 +18,9 @@ class SharedWindows final : public ExtensionWindows {
     explicit SharedWindows(std::string extension_folder);
     ~SharedWindows() override;
 
-    void start(platform::Application& application) override;
+    void start(contracts::Application& application) override;
     void stop() override;
-    void open(CommandKind command, platform::Application& application) override;
+    void open(CommandKind command, contracts::Application& application) override;
 
     void show_help();
 
@@ -28,8 +28,8 @@ class SharedWindows final : public ExtensionWindows {
     struct Forms;
     class HostInteraction;
 
-    QWidget& form_of(CommandKind command, platform::Application& application);
-    QWidget& viewer_of(const char* file_type, platform::Application& application);
+    QWidget& form_of(CommandKind command, contracts::Application& application);
+    QWidget& viewer_of(const char* file_type, contracts::Application& application);
 
     std::string m_extension_folder;
     std::unique_ptr<HostInteraction> m_interaction;

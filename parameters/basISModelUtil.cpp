@@ -55,11 +55,11 @@ std::string with_extension(std::string_view name) {
 }
 
 /// Whether a list holds the layer. One that cannot be opened is not: the reason goes to `left_out`.
-bool listed(const platform::Layer& layer, LayerKind kind, FieldMode mode, std::vector<std::string>& left_out) {
+bool listed(const contracts::Layer& layer, LayerKind kind, FieldMode mode, std::vector<std::string>& left_out) {
     if (kind == LayerKind::RasterLayer) {
-        return dynamic_cast<const platform::RasterLayer*>(&layer) != nullptr;
+        return dynamic_cast<const contracts::RasterLayer*>(&layer) != nullptr;
     }
-    const auto* features = dynamic_cast<const platform::FeatureLayer*>(&layer);
+    const auto* features = dynamic_cast<const contracts::FeatureLayer*>(&layer);
     try {
         return features != nullptr && GetFThemes(*features, mode) >= 0;
     } catch (const base::RuntimeError& error) {
@@ -71,11 +71,11 @@ bool listed(const platform::Layer& layer, LayerKind kind, FieldMode mode, std::v
 
 }  // namespace
 
-std::vector<std::shared_ptr<platform::Layer>> layers_in_order(const platform::Map& map) {
-    std::vector<std::shared_ptr<platform::Layer>> layers;
+std::vector<std::shared_ptr<contracts::Layer>> layers_in_order(const contracts::Map& map) {
+    std::vector<std::shared_ptr<contracts::Layer>> layers;
     for (const auto& layer : map.layers()) {
         layers.push_back(layer);
-        if (const auto* group = dynamic_cast<const platform::GroupLayer*>(layer.get())) {
+        if (const auto* group = dynamic_cast<const contracts::GroupLayer*>(layer.get())) {
             const auto members = group->members();
             layers.insert(layers.end(), members.begin(), members.end());
         }
@@ -83,7 +83,7 @@ std::vector<std::shared_ptr<platform::Layer>> layers_in_order(const platform::Ma
     return layers;
 }
 
-LayerList GetLayerIndex(LayerKind kind, const platform::Map& map, FieldMode mode) try {
+LayerList GetLayerIndex(LayerKind kind, const contracts::Map& map, FieldMode mode) try {
     LayerList list;
     int position = 0;
     for (const auto& layer : layers_in_order(map)) {
@@ -97,13 +97,13 @@ LayerList GetLayerIndex(LayerKind kind, const platform::Map& map, FieldMode mode
     return reported<LayerList>({"GetLayerIndex", kModule});
 }
 
-int GetFThemes(const platform::FeatureLayer& layer, FieldMode mode) {
+int GetFThemes(const contracts::FeatureLayer& layer, FieldMode mode) {
     const auto fields = layer.fields();
     const auto first = std::find_if(fields.begin(), fields.end(), [&](const auto& f) { return suits(f.type, mode); });
     return first != fields.end() && layer.polygonal() ? static_cast<int>(first - fields.begin()) : -1;
 }
 
-std::vector<std::string> field_names(const platform::FeatureLayer& layer, FieldMode mode) {
+std::vector<std::string> field_names(const contracts::FeatureLayer& layer, FieldMode mode) {
     std::vector<std::string> names;
     for (const data::Field& field : layer.fields()) {
         if (suits(field.type, mode)) {
@@ -113,11 +113,11 @@ std::vector<std::string> field_names(const platform::FeatureLayer& layer, FieldM
     return names;
 }
 
-std::string_view default_units(platform::DistanceUnits units) {
+std::string_view default_units(contracts::DistanceUnits units) {
     switch (units) {
-        case platform::kFeet:
+        case contracts::kFeet:
             return "Feet";
-        case platform::kMeters:
+        case contracts::kMeters:
             return "Meters";
         default:
             return {};
@@ -155,7 +155,7 @@ std::string SetThemeName(std::string_view path) try {
     return reported<std::string>({"SetThemeName", kModule});
 }
 
-std::vector<std::string> shared_names(const std::vector<std::string>& names, const platform::Map& map) {
+std::vector<std::string> shared_names(const std::vector<std::string>& names, const contracts::Map& map) {
     const auto layers = layers_in_order(map);
     std::vector<std::string> sentences;
     for (const std::string& name : std::set<std::string>(names.begin(), names.end())) {
@@ -167,10 +167,10 @@ std::vector<std::string> shared_names(const std::vector<std::string>& names, con
     return sentences;
 }
 
-void remove_other_layers_of(const std::string& path, platform::Map& map) {
+void remove_other_layers_of(const std::string& path, contracts::Map& map) {
     bool first = true;
     for (const auto& layer : layers_in_order(map)) {
-        const auto* features = dynamic_cast<const platform::FeatureLayer*>(layer.get());
+        const auto* features = dynamic_cast<const contracts::FeatureLayer*>(layer.get());
         if (features == nullptr || !same_file(features->source().file(), path)) {
             continue;
         }

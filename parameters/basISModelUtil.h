@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/contracts/map.h"
+#include "contracts/map.h"
 
 /// \file
 /// What the parameter form lists and how it completes names; the procedures that fill its controls are in
@@ -44,21 +44,21 @@ struct LayerList {
 
 /// The layers that a run can find by name, in the order in which it looks: those of the map from the top, the members
 /// of a group right after the group.
-std::vector<std::shared_ptr<platform::Layer>> layers_in_order(const platform::Map& map);
+std::vector<std::shared_ptr<contracts::Layer>> layers_in_order(const contracts::Map& map);
 
 /// The layers of a kind, in the map's order. A feature layer counts only when GetFThemes() accepts it.
-LayerList GetLayerIndex(LayerKind kind, const platform::Map& map, FieldMode mode = kAnalysisFields);
+LayerList GetLayerIndex(LayerKind kind, const contracts::Map& map, FieldMode mode = kAnalysisFields);
 
 /// Tests whether `layer` holds polygons and a field of the mode's types.
 /// \return the position of the first such field, or -1. \throws RuntimeError when the source cannot be opened; it has
 ///         no handler, because a list leaves such a layer out.
-int GetFThemes(const platform::FeatureLayer& layer, FieldMode mode);
+int GetFThemes(const contracts::FeatureLayer& layer, FieldMode mode);
 
 /// Names of the fields of the mode's types, in order.
-std::vector<std::string> field_names(const platform::FeatureLayer& layer, FieldMode mode);
+std::vector<std::string> field_names(const contracts::FeatureLayer& layer, FieldMode mode);
 
 /// The units that a map's distance units stand for: "Feet", "Meters", or empty for all others.
-std::string_view default_units(platform::DistanceUnits units);
+std::string_view default_units(contracts::DistanceUnits units);
 
 /// An output name as it was typed, completed.
 struct OutputName {
@@ -81,10 +81,10 @@ OutputName completed_output_name(std::string_view typed, const std::string& temp
 std::string SetThemeName(std::string_view path);
 
 /// A sentence for each of the names that several layers of the map bear: the run takes the first of them.
-std::vector<std::string> shared_names(const std::vector<std::string>& names, const platform::Map& map);
+std::vector<std::string> shared_names(const std::vector<std::string>& names, const contracts::Map& map);
 
 /// Removes from the map the layers that draw from the file `path`, all but the first.
-void remove_other_layers_of(const std::string& path, platform::Map& map);
+void remove_other_layers_of(const std::string& path, contracts::Map& map);
 
 /// The number of a scenario as it was typed, if it is one of `rows`.
 std::optional<std::int16_t> scenario_number(std::string_view typed, int rows);

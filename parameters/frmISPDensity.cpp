@@ -134,7 +134,7 @@ void frmISPDensity::build_bounds(QGridLayout& grid, int first_row) {
     grid.addWidget(txtLow, first_row + kLow, kFirstBound);
 }
 
-platform::Map& frmISPDensity::map() const {
+contracts::Map& frmISPDensity::map() const {
     if (m_app == nullptr) {
         throw base::RuntimeError(base::kObjectVariableNotSet, "Object variable not set");
     }
@@ -142,7 +142,7 @@ platform::Map& frmISPDensity::map() const {
 }
 
 void frmISPDensity::Form_Load() try {
-    const platform::Map& focus_map = map();
+    const contracts::Map& focus_map = map();
     m_loaded = true;
     tell_left_out(basISModelUtil::CheckLayers(*cboPDenTheme, basISModelUtil::LayerKind::FeatureLayer, focus_map,
                                               basISModelUtil::kNumericFields));
@@ -161,7 +161,7 @@ void frmISPDensity::setVisible(bool visible) {
 
 /// The map may have changed while the dialog was hidden.
 void frmISPDensity::list_again() try {
-    const platform::Map& focus_map = map();
+    const contracts::Map& focus_map = map();
     QComboBox layers;
     tell_left_out(basISModelUtil::CheckLayers(layers, basISModelUtil::LayerKind::FeatureLayer, focus_map,
                                               basISModelUtil::kNumericFields));

@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
+#include "contracts/application.h"
 #include "parameters/form_rules.h"
 #include "parameters/model_parameters.h"
-#include "platform/contracts/application.h"
 
 class QGridLayout;
 
@@ -28,7 +28,7 @@ class frmISPDensity final : public QDialog {
     explicit frmISPDensity(QWidget* parent = nullptr);
 
     /// The host; set before Form_Load().
-    void Application(platform::Application* app) { m_app = app; }
+    void Application(contracts::Application* app) { m_app = app; }
     /// Lists the map's layers and the fields of the first. Called once, before the dialog is shown or asked for
     /// anything.
     void Form_Load();
@@ -41,7 +41,7 @@ class frmISPDensity final : public QDialog {
     void write_into(ModelParameters& choices) const;
 
   private:
-    platform::Map& map() const;
+    contracts::Map& map() const;
     void build_controls();
     void build_layout();
     void build_bounds(QGridLayout& grid, int first_row);
@@ -55,7 +55,7 @@ class frmISPDensity final : public QDialog {
     void list_again();
     void tell_left_out(const std::vector<std::string>& reasons);
 
-    platform::Application* m_app = nullptr;
+    contracts::Application* m_app = nullptr;
     bool m_loaded = false;
     std::set<std::string> m_told;
 

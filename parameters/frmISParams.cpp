@@ -38,7 +38,7 @@ void frmISParams::setVisible(bool visible) {
     }
 }
 
-platform::Map& frmISParams::map() const {
+contracts::Map& frmISParams::map() const {
     if (m_app == nullptr) {
         throw base::RuntimeError(base::kObjectVariableNotSet, "Object variable not set");
     }
@@ -46,7 +46,7 @@ platform::Map& frmISParams::map() const {
 }
 
 bool frmISParams::Form_Load() try {
-    platform::Map& focus_map = map();
+    contracts::Map& focus_map = map();
     empty_controls();
     if (!basUtil::GetISModelProperties(m_props, base::join_path(m_extension_folder, "etc/isprops.xml"))) {
         interaction().message_box(form_texts::store_not_loaded(m_extension_folder));

@@ -16,11 +16,11 @@
 #include <vector>
 
 #include "coefficients/clsISModelProperties.h"
+#include "contracts/application.h"
 #include "parameters/form_rules.h"
 #include "parameters/frmISPDensity.h"
 #include "parameters/run_output.h"
 #include "parameters/scenario_rows.h"
-#include "platform/contracts/application.h"
 
 class QButtonGroup;
 
@@ -31,7 +31,7 @@ namespace kestrel {
 ///
 /// A run processes the events of the host. While it lasts the form takes no input, cannot be closed, and leaves its
 /// lists as they are; it may be destroyed.
-class frmISParams final : public QDialog, private platform::MapEvents {
+class frmISParams final : public QDialog, private contracts::MapEvents {
     Q_OBJECT
   public:
     /// \param extension_folder holds the store in `etc`, and `temp` and `output`.
@@ -39,7 +39,7 @@ class frmISParams final : public QDialog, private platform::MapEvents {
     ~frmISParams() override;
 
     /// The host; set before the form is shown for the first time. It outlives the form.
-    void Application(platform::Application* app) { m_app = app; }
+    void Application(contracts::Application* app) { m_app = app; }
 
     /// Showing a form that is not loaded loads it; it stays closed when that fails.
     void setVisible(bool visible) override;
@@ -81,7 +81,7 @@ class frmISParams final : public QDialog, private platform::MapEvents {
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
-    platform::Map& map() const;
+    contracts::Map& map() const;
     void empty_controls();
     void fill_layer_lists();
     void refresh_lists(const char* event);
@@ -110,9 +110,9 @@ class frmISParams final : public QDialog, private platform::MapEvents {
     void end_run();
 
     std::string m_extension_folder;
-    platform::Application* m_app = nullptr;
+    contracts::Application* m_app = nullptr;
     /// What is listened to; nothing when the form is not loaded.
-    platform::Map* m_map = nullptr;
+    contracts::Map* m_map = nullptr;
     clsISModelProperties m_props;
     std::unique_ptr<frmISPDensity> m_density;
     std::set<std::string> m_told;

@@ -26,21 +26,21 @@ constexpr const char* kModule = "ISParams";
 constexpr const char* kParameterFile = "model_params.txt";
 
 /// The host, and a listener to how a run ends.
-class RunWatch final : public platform::Application {
+class RunWatch final : public contracts::Application {
   public:
-    explicit RunWatch(platform::Application& app) : m_app(app) {}
+    explicit RunWatch(contracts::Application& app) : m_app(app) {}
 
-    platform::Document& document() override { return m_app.document(); }
-    platform::IExtensionConfig* find_extension(std::string_view class_id) override {
+    contracts::Document& document() override { return m_app.document(); }
+    contracts::IExtensionConfig* find_extension(std::string_view class_id) override {
         return m_app.find_extension(class_id);
     }
-    std::shared_ptr<platform::FeatureLayer> make_feature_layer(const std::string& path,
-                                                               const std::string& name) override {
+    std::shared_ptr<contracts::FeatureLayer> make_feature_layer(const std::string& path,
+                                                                const std::string& name) override {
         return m_app.make_feature_layer(path, name);
     }
     reporting::Interaction& interaction() override { return m_app.interaction(); }
     base::Progress& progress() override { return m_app.progress(); }
-    void run_ended(platform::RunResult result) override {
+    void run_ended(contracts::RunResult result) override {
         m_finished = result.finished;
         m_app.run_ended(std::move(result));
     }
@@ -48,17 +48,17 @@ class RunWatch final : public platform::Application {
     bool finished() const noexcept { return m_finished; }
 
   private:
-    platform::Application& m_app;
+    contracts::Application& m_app;
     bool m_finished = false;
 };
 
 /// The file that the run would read a layer of this name from; empty when it is in none.
-std::string file_of(const std::string& layer_name, const platform::Map& map) {
+std::string file_of(const std::string& layer_name, const contracts::Map& map) {
     const auto layer = basUtil::FindLayer(layer_name, map);
-    if (const auto* raster = dynamic_cast<const platform::RasterLayer*>(layer.get())) {
+    if (const auto* raster = dynamic_cast<const contracts::RasterLayer*>(layer.get())) {
         return raster->source();
     }
-    const auto* features = dynamic_cast<const platform::FeatureLayer*>(layer.get());
+    const auto* features = dynamic_cast<const contracts::FeatureLayer*>(layer.get());
     return features != nullptr ? features->source().file() : std::string();
 }
 
@@ -85,7 +85,7 @@ std::unique_ptr<base::FolderLock> locked(const std::string& folder) {
 }
 
 /// Carries the run out, with nothing of the form: that may be destroyed meanwhile.
-void execute(platform::Application& app, const std::string& extension_folder, const RunOutput& output) {
+void execute(contracts::Application& app, const std::string& extension_folder, const RunOutput& output) {
     const bool replaces = !existing_files(output).empty();
     data::SetAsideOutput older(output.path(), output.records());
     RunWatch watch(app);

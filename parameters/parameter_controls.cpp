@@ -23,7 +23,7 @@ void add_item(QComboBox& combo, const QString& text, const QVariant& data = {}) 
 
 }  // namespace
 
-std::vector<std::string> CheckLayers(QComboBox& combo, LayerKind kind, const platform::Map& map, FieldMode mode) try {
+std::vector<std::string> CheckLayers(QComboBox& combo, LayerKind kind, const contracts::Map& map, FieldMode mode) try {
     const QSignalBlocker silence(combo);
     combo.clear();
     LayerList list = GetLayerIndex(kind, map, mode);
@@ -36,7 +36,7 @@ std::vector<std::string> CheckLayers(QComboBox& combo, LayerKind kind, const pla
     return reported<std::vector<std::string>>({"CheckLayers", kModule});
 }
 
-void LoadFldsCombobox(const platform::FeatureLayer* layer, QComboBox& combo, FieldMode mode) try {
+void LoadFldsCombobox(const contracts::FeatureLayer* layer, QComboBox& combo, FieldMode mode) try {
     const QSignalBlocker silence(combo);
     combo.clear();
     if (layer != nullptr) {
@@ -62,20 +62,20 @@ void LoadDSToClassCombo(QComboBox& combo, const clsISModelProperties& store, con
     report_current({"LoadDSToClassCombo", kModule});
 }
 
-void SetDefaultLCUnits(QComboBox& combo, const platform::Map& map) try {
+void SetDefaultLCUnits(QComboBox& combo, const contracts::Map& map) try {
     const std::string_view units = default_units(map.distance_units());
     combo.setCurrentIndex(find_exactly(combo, QString::fromUtf8(units.data(), static_cast<int>(units.size()))));
 } catch (...) {
     report_current({"SetDefaultLCUnits", kModule});
 }
 
-std::shared_ptr<platform::FeatureLayer> selected_features(const QComboBox& combo, const platform::Map& map) {
+std::shared_ptr<contracts::FeatureLayer> selected_features(const QComboBox& combo, const contracts::Map& map) {
     if (combo.currentIndex() < 0) {
         return nullptr;
     }
     const auto layers = layers_in_order(map);
     const auto position = static_cast<std::size_t>(combo.currentData().toInt());
-    return position < layers.size() ? std::dynamic_pointer_cast<platform::FeatureLayer>(layers[position]) : nullptr;
+    return position < layers.size() ? std::dynamic_pointer_cast<contracts::FeatureLayer>(layers[position]) : nullptr;
 }
 
 void copy_items(const QComboBox& from, QComboBox& to, bool same_data) {

@@ -143,7 +143,7 @@ bool ScenarioRows::eventFilter(QObject* watched, QEvent* event) {
 namespace basISModelUtil {
 
 std::vector<std::string> AddDS(ScenarioRows& rows, QComboBox& cboLCType, const clsISModelProperties& store,
-                               const platform::Map& map) try {
+                               const contracts::Map& map) try {
     if (cboLCType.currentIndex() < 0) {
         reporting::interaction().message_box(form_texts::no_set_for_scenarios());
         cboLCType.setFocus();

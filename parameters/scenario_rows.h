@@ -13,9 +13,9 @@
 #include <vector>
 
 #include "coefficients/clsISModelProperties.h"
+#include "contracts/map.h"
 #include "parameters/form_rules.h"
 #include "parameters/model_parameters.h"
-#include "platform/contracts/map.h"
 
 class QGridLayout;
 
@@ -93,7 +93,7 @@ namespace basISModelUtil {
 /// Adds a scenario row. Without a coefficient set this is refused in a box, and the set's list gets the focus.
 /// \return a sentence for each layer that is left out because its source cannot be opened.
 std::vector<std::string> AddDS(ScenarioRows& rows, QComboBox& cboLCType, const clsISModelProperties& store,
-                               const platform::Map& map);
+                               const contracts::Map& map);
 
 /// Asks which row to delete, and deletes it.
 void RemoveDS(ScenarioRows& rows);

@@ -29,7 +29,7 @@ ExtensionLibrary::ExtensionLibrary(const std::string& path, int line) : m_path(p
         throw base::RuntimeError(base::kLibraryFailure, "The extension library cannot be loaded: " + loader_reason(),
                                  "Kestrel", line);
     }
-    m_create = reinterpret_cast<CreateObject*>(::dlsym(m_handle, kCreateObjectSymbol));
+    m_create = reinterpret_cast<contracts::CreateObject*>(::dlsym(m_handle, contracts::kCreateObjectSymbol));
     if (m_create == nullptr) {
         const std::string reason = loader_reason();
         ::dlclose(m_handle);
@@ -42,8 +42,8 @@ ExtensionLibrary::~ExtensionLibrary() {
     ::dlclose(m_handle);
 }
 
-std::unique_ptr<ExtensionObject> ExtensionLibrary::create(const std::string& class_id, int line) const {
-    std::unique_ptr<ExtensionObject> object(m_create(class_id.c_str()));
+std::unique_ptr<contracts::ExtensionObject> ExtensionLibrary::create(const std::string& class_id, int line) const {
+    std::unique_ptr<contracts::ExtensionObject> object(m_create(class_id.c_str()));
     if (!object) {
         throw base::RuntimeError(
             base::kObjectVariableNotSet,

@@ -6,7 +6,7 @@
 #include <string>
 #include <typeinfo>
 
-#include "platform/contracts/extension_object.h"
+#include "contracts/extension_object.h"
 
 /// \file
 /// How a host loads an extension library, and asks its objects for their contracts.
@@ -25,12 +25,12 @@ class ExtensionLibrary {
 
     /// \param class_id registered class name.
     /// \throws RuntimeError 91 when the library does not make such an object.
-    std::unique_ptr<ExtensionObject> create(const std::string& class_id, int line = __builtin_LINE()) const;
+    std::unique_ptr<contracts::ExtensionObject> create(const std::string& class_id, int line = __builtin_LINE()) const;
 
   private:
     std::string m_path;
     void* m_handle = nullptr;
-    CreateObject* m_create = nullptr;
+    contracts::CreateObject* m_create = nullptr;
 };
 
 /// \throws RuntimeError 13: an object has not the contract that it should have.
@@ -39,7 +39,7 @@ class ExtensionLibrary {
 /// The contract of an object, such as contract<IMenuDef>(object).
 /// \throws RuntimeError 13 when the object has none of that kind.
 template <typename Contract>
-Contract& contract(ExtensionObject& object) {
+Contract& contract(contracts::ExtensionObject& object) {
     auto* const found = dynamic_cast<Contract*>(&object);
     if (found == nullptr) {
         throw_missing_contract(typeid(Contract));

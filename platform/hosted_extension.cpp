@@ -5,20 +5,20 @@
 namespace kestrel::platform {
 
 HostedExtension::HostedExtension(const std::string& library_path)
-    : m_library(library_path), m_extension(m_library.create(kKestrelExtension)) {}
+    : m_library(library_path), m_extension(m_library.create(contracts::kKestrelExtension)) {}
 
 HostedExtension::~HostedExtension() {
     stop();
 }
 
-void HostedExtension::start(Application& application) {
+void HostedExtension::start(contracts::Application& application) {
     stop();
     extension().IExtension_Startup(&application);
     m_started = true;
-    m_toolbar = m_library.create(kKestrelToolbar);
-    const IToolBarDef& bar = toolbar();
+    m_toolbar = m_library.create(contracts::kKestrelToolbar);
+    const contracts::IToolBarDef& bar = toolbar();
     for (std::int32_t position = 0; position < bar.IToolBarDef_ItemCount(); ++position) {
-        ItemDef def;
+        contracts::ItemDef def;
         bar.IToolBarDef_GetItemInfo(position, def);
         m_items.push_back(make_item(def, application));
     }
@@ -33,19 +33,19 @@ void HostedExtension::stop() {
     }
 }
 
-HostedItem HostedExtension::make_item(const ItemDef& def, Application& application) const {
+HostedItem HostedExtension::make_item(const contracts::ItemDef& def, contracts::Application& application) const {
     HostedItem item{def, m_library.create(def.ID)};
-    item.menu = dynamic_cast<const IMenuDef*>(item.object.get());
+    item.menu = dynamic_cast<const contracts::IMenuDef*>(item.object.get());
     if (item.menu != nullptr) {
         for (std::int32_t position = 0; position < item.menu->IMenuDef_ItemCount(); ++position) {
-            ItemDef entry;
+            contracts::ItemDef entry;
             item.menu->IMenuDef_GetItemInfo(position, entry);
             item.items.push_back(make_item(entry, application));
         }
         return item;
     }
-    item.command = &contract<ICommand>(*item.object);
-    if (auto* const kinds = dynamic_cast<ICommandSubType*>(item.object.get())) {
+    item.command = &contract<contracts::ICommand>(*item.object);
+    if (auto* const kinds = dynamic_cast<contracts::ICommandSubType*>(item.object.get())) {
         kinds->ICommandSubType_SetSubType(def.SubType);
     }
     item.command->ICommand_OnCreate(&application);

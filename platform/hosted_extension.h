@@ -6,20 +6,20 @@
 #include <string>
 #include <vector>
 
-#include "platform/contracts/command.h"
-#include "platform/contracts/extension.h"
+#include "contracts/command.h"
+#include "contracts/extension.h"
 #include "platform/extension_library.h"
 
 namespace kestrel::platform {
 
 /// What stands at one place of a toolbar or menu, made and ready: a command, or a menu with items of its own.
 struct HostedItem {
-    ItemDef def;
-    std::unique_ptr<ExtensionObject> object;
+    contracts::ItemDef def;
+    std::unique_ptr<contracts::ExtensionObject> object;
     /// Nothing for a menu.
-    ICommand* command = nullptr;
+    contracts::ICommand* command = nullptr;
     /// Nothing for a command.
-    const IMenuDef* menu = nullptr;
+    const contracts::IMenuDef* menu = nullptr;
     std::vector<HostedItem> items{};
 };
 
@@ -43,23 +43,23 @@ class HostedExtension {
     /// Starts the extension up, and makes its toolbar. Commands look for the extension then, so `application` must find
     /// it by now.
     /// \param application outlives the time until stop().
-    void start(Application& application);
+    void start(contracts::Application& application);
     /// Takes the toolbar apart and shuts the extension down, which closes its windows. May be called twice.
     void stop();
 
-    IExtension& extension() { return contract<IExtension>(*m_extension); }
-    IExtensionConfig& config() { return contract<IExtensionConfig>(*m_extension); }
+    contracts::IExtension& extension() { return contract<contracts::IExtension>(*m_extension); }
+    contracts::IExtensionConfig& config() { return contract<contracts::IExtensionConfig>(*m_extension); }
     /// Between start() and stop() only.
-    const IToolBarDef& toolbar() const { return contract<IToolBarDef>(*m_toolbar); }
+    const contracts::IToolBarDef& toolbar() const { return contract<contracts::IToolBarDef>(*m_toolbar); }
     /// What is on the toolbar; empty outside start() and stop().
     const std::vector<HostedItem>& items() const noexcept { return m_items; }
 
   private:
-    HostedItem make_item(const ItemDef& def, Application& application) const;
+    HostedItem make_item(const contracts::ItemDef& def, contracts::Application& application) const;
 
     ExtensionLibrary m_library;
-    std::unique_ptr<ExtensionObject> m_extension;
-    std::unique_ptr<ExtensionObject> m_toolbar;
+    std::unique_ptr<contracts::ExtensionObject> m_extension;
+    std::unique_ptr<contracts::ExtensionObject> m_toolbar;
     std::vector<HostedItem> m_items;
     bool m_started = false;
 };

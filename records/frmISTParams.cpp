@@ -79,7 +79,7 @@ void frmISTParams::build_layout() {
     resize(kTextColumns * metrics.horizontalAdvance('m'), kTextLines * metrics.lineSpacing());
 }
 
-void frmISTParams::Application(platform::Application* application) try { m_application = application; } catch (...) {
+void frmISTParams::Application(contracts::Application* application) try { m_application = application; } catch (...) {
     report_current({"Application", kModule});
 }
 
@@ -183,7 +183,7 @@ std::vector<frmISTParams::FoundLayer> frmISTParams::scan_ParamLayers() try {
     return reported<std::vector<FoundLayer>>({"ParamLayers", kModule});
 }
 
-std::string frmISTParams::GetPath(const platform::FeatureLayer& layer) try {
+std::string frmISTParams::GetPath(const contracts::FeatureLayer& layer) try {
     return source_folder(layer.source());
 } catch (...) {
     return reported<std::string>({"GetPath", kModule});

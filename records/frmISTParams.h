@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/contracts/application.h"
+#include "contracts/application.h"
 #include "records/find_bar.h"
 
 namespace kestrel {
@@ -31,7 +31,7 @@ class frmISTParams final : public QDialog {
     explicit frmISTParams(QWidget* parent = nullptr);
 
     /// \param application whose map is looked through; it outlives the window's use of it.
-    void Application(platform::Application* application);
+    void Application(contracts::Application* application);
     /// \param file_type "prm" for run reports, "met" for metadata files.
     void FileType(std::string file_type);
     const std::string& FileType() const { return m_file_type; }
@@ -65,13 +65,13 @@ class frmISTParams final : public QDialog {
     /// The look through the map.
     std::vector<FoundLayer> scan_ParamLayers();
     /// The folder of a layer's data, with a separator at its end; empty when they are in no file.
-    std::string GetPath(const platform::FeatureLayer& layer);
+    std::string GetPath(const contracts::FeatureLayer& layer);
     void cboSelLayers_Click();
     void cmdClose_Click();
     void list_layers();
     QString chosen_path() const;
 
-    platform::Application* m_application = nullptr;
+    contracts::Application* m_application = nullptr;
     std::string m_file_type = "prm";
     std::vector<FoundLayer> m_layers;
     /// What the lists were filled for.

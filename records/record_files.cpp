@@ -6,11 +6,11 @@
 
 namespace kestrel {
 
-using platform::FeatureLayer;
+using contracts::FeatureLayer;
 
 namespace {
 
-void take_feature_layer(const std::shared_ptr<platform::Layer>& layer,
+void take_feature_layer(const std::shared_ptr<contracts::Layer>& layer,
                         std::vector<std::shared_ptr<FeatureLayer>>& taken) {
     if (auto features = std::dynamic_pointer_cast<FeatureLayer>(layer)) {
         taken.push_back(std::move(features));
@@ -27,11 +27,11 @@ bool has_record(const std::string& folder, const std::string& name, const std::s
 
 }  // namespace
 
-std::vector<std::shared_ptr<FeatureLayer>> feature_layers(const platform::Map& map) {
+std::vector<std::shared_ptr<FeatureLayer>> feature_layers(const contracts::Map& map) {
     std::vector<std::shared_ptr<FeatureLayer>> found;
     for (const auto& layer : map.layers()) {
         take_feature_layer(layer, found);
-        if (const auto* group = dynamic_cast<const platform::GroupLayer*>(layer.get())) {
+        if (const auto* group = dynamic_cast<const contracts::GroupLayer*>(layer.get())) {
             for (const auto& member : group->members()) {
                 take_feature_layer(member, found);
             }

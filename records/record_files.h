@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/contracts/map.h"
+#include "contracts/map.h"
 
 /// \file
 /// Where the run report or the metadata file of a layer is looked for.
@@ -15,7 +15,7 @@ namespace kestrel {
 
 /// The feature layers of the map from the top; groups are looked into one level deep, in place, as the engine finds
 /// its layers.
-std::vector<std::shared_ptr<platform::FeatureLayer>> feature_layers(const platform::Map& map);
+std::vector<std::shared_ptr<contracts::FeatureLayer>> feature_layers(const contracts::Map& map);
 
 /// The folder that holds a source, with a separator at its end; empty when the source names none.
 std::string source_folder(const data::FeatureSource& source);
@@ -25,7 +25,7 @@ std::string source_folder(const data::FeatureSource& source);
 /// \param folder as source_folder() gives it.
 /// \param ending "prm" or "met".
 /// \return nothing when neither file is there.
-std::optional<std::string> record_name(const platform::FeatureLayer& layer, const std::string& folder,
+std::optional<std::string> record_name(const contracts::FeatureLayer& layer, const std::string& folder,
                                        const std::string& ending);
 
 }  // namespace kestrel

@@ -13,9 +13,9 @@
 
 namespace kestrel::cli {
 
+using contracts::RunResult;
+using contracts::ZoneResult;
 using nlohmann::ordered_json;
-using platform::RunResult;
-using platform::ZoneResult;
 
 namespace {
 
@@ -127,7 +127,7 @@ ordered_json totals(const RunResult& result) {
 
 ordered_json legend_of(const RunResult& result) {
     ordered_json legend = ordered_json::array();
-    for (const platform::LegendCount& count : result.legend) {
+    for (const contracts::LegendCount& count : result.legend) {
         legend.push_back({{"label", count.label}, {"zones", count.zones}});
     }
     return legend;
@@ -135,7 +135,7 @@ ordered_json legend_of(const RunResult& result) {
 
 ordered_json unknown_classes_of(const RunResult& result) {
     ordered_json unknown_classes = ordered_json::array();
-    for (const platform::UnknownClass& unknown : result.unknown_classes) {
+    for (const contracts::UnknownClass& unknown : result.unknown_classes) {
         unknown_classes.push_back({{"code", unknown.code}, {"cells", unknown.cells}});
     }
     return unknown_classes;

@@ -13,8 +13,8 @@
 
 namespace kestrel::cli {
 
-using platform::RunResult;
-using platform::ZoneResult;
+using contracts::RunResult;
+using contracts::ZoneResult;
 
 namespace {
 
@@ -130,10 +130,10 @@ std::string result_table(const RunResult& result, bool every_zone) {
     if (!result.legend.empty()) {
         text += "\nZones in the classes of the legend\n";
         int width = 0;
-        for (const platform::LegendCount& count : result.legend) {
+        for (const contracts::LegendCount& count : result.legend) {
             width = std::max(width, display_width(count.label));
         }
-        for (const platform::LegendCount& count : result.legend) {
+        for (const contracts::LegendCount& count : result.legend) {
             text += fmt::format("  {}  {}\n", padded_right(count.label, width), count.zones);
         }
     }
@@ -152,7 +152,7 @@ std::string unknown_classes_text(const RunResult& result) {
     }
     std::string text = "Classes without coefficients in the chosen set:";
     std::string suspects;
-    for (const platform::UnknownClass& unknown : result.unknown_classes) {
+    for (const contracts::UnknownClass& unknown : result.unknown_classes) {
         text += fmt::format("\n  {}  in {} {}", unknown.code, unknown.cells, unknown.cells == 1 ? "cell" : "cells");
         if (looks_like_nodata(unknown.code)) {
             suspects += (suspects.empty() ? "" : ", ") + std::to_string(unknown.code);

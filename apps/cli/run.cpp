@@ -21,7 +21,7 @@
 
 namespace kestrel::cli {
 
-using platform::RunResult;
+using contracts::RunResult;
 
 namespace {
 

@@ -7,16 +7,16 @@
 
 #include "apps/cli/run_request.h"
 #include "coefficients/clsISModelProperties.h"
+#include "contracts/map.h"
 #include "host/run_layers.h"
 #include "parameters/model_parameters.h"
-#include "platform/contracts/map.h"
 
 namespace kestrel::cli {
 
 /// The inputs of a run, opened, checked and named.
 struct RunInputs {
     RunLayers layers;
-    platform::DistanceUnits distance_units = platform::kUnknownUnits;
+    contracts::DistanceUnits distance_units = contracts::kUnknownUnits;
     clsISModelProperties store;
     std::string set_name;
     /// Everything but the output.

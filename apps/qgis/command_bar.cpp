@@ -13,8 +13,8 @@
 
 namespace kestrel::qgis {
 
+using contracts::ICommand;
 using platform::HostedItem;
-using platform::ICommand;
 
 namespace {
 
@@ -49,7 +49,7 @@ CommandBar::~CommandBar() {
     delete m_toolbar;
 }
 
-void CommandBar::show_items(const platform::IToolBarDef& toolbar, const std::vector<HostedItem>& items) {
+void CommandBar::show_items(const contracts::IToolBarDef& toolbar, const std::vector<HostedItem>& items) {
     m_plugin_menu = QStringLiteral("Kestrel");
     m_toolbar = m_iface.addToolBar(qt(toolbar.IToolBarDef_Caption()));
     // QGIS keeps the toolbar's place by this name.

@@ -38,16 +38,16 @@ class CommandBar final : public QObject {
 
   private:
     struct Entry {
-        platform::ICommand* command;
+        contracts::ICommand* command;
         QAction* action;
     };
 
-    void show_items(const platform::IToolBarDef& toolbar, const std::vector<platform::HostedItem>& items);
+    void show_items(const contracts::IToolBarDef& toolbar, const std::vector<platform::HostedItem>& items);
     void add_to_plugins_menu(QAction& action);
     QMenu* menu_of(const platform::HostedItem& item);
     QAction* action_of(const platform::HostedItem& item);
     void triggered();
-    bool enabled(platform::ICommand& command);
+    bool enabled(contracts::ICommand& command);
     void report(const std::string& failure);
 
     QgisInterface& m_iface;

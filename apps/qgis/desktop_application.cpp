@@ -17,17 +17,17 @@ DesktopApplication::DesktopApplication(QgsProject& project, Desktop desktop)
 
 DesktopApplication::~DesktopApplication() = default;
 
-platform::IExtensionConfig* DesktopApplication::find_extension(std::string_view class_id) {
+contracts::IExtensionConfig* DesktopApplication::find_extension(std::string_view class_id) {
     const auto found = m_extensions.find(class_id);
     return found == m_extensions.end() ? nullptr : found->second;
 }
 
-std::shared_ptr<platform::FeatureLayer> DesktopApplication::make_feature_layer(const std::string& path,
-                                                                               const std::string& name) {
+std::shared_ptr<contracts::FeatureLayer> DesktopApplication::make_feature_layer(const std::string& path,
+                                                                                const std::string& name) {
     return m_map.make_layer(path, name);
 }
 
-void DesktopApplication::run_ended(platform::RunResult result) {
+void DesktopApplication::run_ended(contracts::RunResult result) {
     reload_rewritten_layers(result);
     if (m_desktop.run_ended) {
         m_desktop.run_ended(result);
@@ -35,7 +35,7 @@ void DesktopApplication::run_ended(platform::RunResult result) {
 }
 
 /// Layers on an older output of the same file go on reading what is gone.
-void DesktopApplication::reload_rewritten_layers(const platform::RunResult& result) const {
+void DesktopApplication::reload_rewritten_layers(const contracts::RunResult& result) const {
     if (!result.finished || result.files.empty()) {
         return;
     }
@@ -49,7 +49,7 @@ void DesktopApplication::reload_rewritten_layers(const platform::RunResult& resu
     }
 }
 
-void DesktopApplication::register_extension(std::string class_id, platform::IExtensionConfig& extension) {
+void DesktopApplication::register_extension(std::string class_id, contracts::IExtensionConfig& extension) {
     m_extensions.insert_or_assign(std::move(class_id), &extension);
 }
 

@@ -8,14 +8,14 @@
 #include <string>
 
 #include "apps/qgis/desktop_map.h"
-#include "platform/contracts/application.h"
+#include "contracts/application.h"
 
 class QgsProject;
 
 namespace kestrel::qgis {
 
 /// QGIS as the extension knows it.
-class DesktopApplication final : public platform::Application {
+class DesktopApplication final : public contracts::Application {
   public:
     /// What the windows of QGIS do for it.
     struct Desktop {
@@ -25,7 +25,7 @@ class DesktopApplication final : public platform::Application {
         /// Draws the canvas anew.
         std::function<void()> redraw;
         /// Tells the user how a run ended.
-        std::function<void(const platform::RunResult&)> run_ended;
+        std::function<void(const contracts::RunResult&)> run_ended;
         /// The folder for copies of layers.
         std::function<std::string()> copies_folder;
     };
@@ -33,35 +33,35 @@ class DesktopApplication final : public platform::Application {
     DesktopApplication(QgsProject& project, Desktop desktop);
     ~DesktopApplication() override;
 
-    platform::Document& document() override { return m_document; }
+    contracts::Document& document() override { return m_document; }
     DesktopMap& map() { return m_map; }
-    platform::IExtensionConfig* find_extension(std::string_view class_id) override;
-    std::shared_ptr<platform::FeatureLayer> make_feature_layer(const std::string& path,
-                                                               const std::string& name) override;
+    contracts::IExtensionConfig* find_extension(std::string_view class_id) override;
+    std::shared_ptr<contracts::FeatureLayer> make_feature_layer(const std::string& path,
+                                                                const std::string& name) override;
     reporting::Interaction& interaction() override { return m_desktop.interaction; }
     base::Progress& progress() override { return m_desktop.progress(); }
-    void run_ended(platform::RunResult result) override;
+    void run_ended(contracts::RunResult result) override;
 
     /// Makes an extension findable; it outlives the application.
-    void register_extension(std::string class_id, platform::IExtensionConfig& extension);
+    void register_extension(std::string class_id, contracts::IExtensionConfig& extension);
 
   private:
-    class ProjectDocument final : public platform::Document {
+    class ProjectDocument final : public contracts::Document {
       public:
-        explicit ProjectDocument(platform::Map& map) : m_map(map) {}
-        platform::Map& focus_map() override { return m_map; }
+        explicit ProjectDocument(contracts::Map& map) : m_map(map) {}
+        contracts::Map& focus_map() override { return m_map; }
 
       private:
-        platform::Map& m_map;
+        contracts::Map& m_map;
     };
 
-    void reload_rewritten_layers(const platform::RunResult& result) const;
+    void reload_rewritten_layers(const contracts::RunResult& result) const;
 
     QgsProject& m_project;
     Desktop m_desktop;
     DesktopMap m_map;
     ProjectDocument m_document{m_map};
-    std::map<std::string, platform::IExtensionConfig*, std::less<>> m_extensions;
+    std::map<std::string, contracts::IExtensionConfig*, std::less<>> m_extensions;
 };
 
 }  // namespace kestrel::qgis

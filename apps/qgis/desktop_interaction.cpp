@@ -75,7 +75,7 @@ void DesktopInteraction::notice(std::string_view text) {
     m_iface.messageBar()->pushMessage(kTitle, qt_text(text), Qgis::Warning, 0);
 }
 
-void DesktopInteraction::run_ended(const platform::RunResult& result) {
+void DesktopInteraction::run_ended(const contracts::RunResult& result) {
     if (result.finished) {
         log(finished_details(result), Qgis::Success);
         m_iface.messageBar()->pushMessage(kTitle, qt_text(finished_text(result)), Qgis::Success, 0);

@@ -5,8 +5,8 @@
 #include <memory>
 #include <string_view>
 
+#include "contracts/run_result.h"
 #include "host/qt_interaction.h"
-#include "platform/run_result.h"
 #include "reporting/interaction.h"
 
 class QgisInterface;
@@ -36,7 +36,7 @@ class DesktopInteraction final : public reporting::Interaction {
     /// As QtInteraction::progress().
     base::Progress& progress() { return m_boxes.progress(); }
     /// Tells how a run ended.
-    void run_ended(const platform::RunResult& result);
+    void run_ended(const contracts::RunResult& result);
     /// Tells of something that does not work, and why.
     void failure(std::string_view text);
 

@@ -133,7 +133,7 @@ std::string OtherDesktopLayer::name() const {
     return text_of(living(m_layer).name());
 }
 
-std::shared_ptr<platform::Layer> desktop_layer(QgsMapLayer& layer, const std::shared_ptr<LayerCopies>& copies) {
+std::shared_ptr<contracts::Layer> desktop_layer(QgsMapLayer& layer, const std::shared_ptr<LayerCopies>& copies) {
     if (layer.isValid()) {
         auto* const features = qobject_cast<QgsVectorLayer*>(&layer);
         if (features != nullptr && features->isSpatial()) {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "apps/qgis/layer_copies.h"
-#include "platform/contracts/layer.h"
+#include "contracts/layer.h"
 
 class QgsMapLayer;
 class QgsRasterLayer;
@@ -27,7 +27,7 @@ class DesktopLayer {
     virtual QgsMapLayer* map_layer() const = 0;
 };
 
-class DesktopFeatureLayer final : public platform::FeatureLayer, public DesktopLayer {
+class DesktopFeatureLayer final : public contracts::FeatureLayer, public DesktopLayer {
   public:
     /// A layer that is in the project.
     DesktopFeatureLayer(QgsVectorLayer& layer, std::shared_ptr<LayerCopies> copies);
@@ -40,7 +40,7 @@ class DesktopFeatureLayer final : public platform::FeatureLayer, public DesktopL
     data::FeatureSource source() const override;
     std::vector<data::Field> fields() const override;
     bool polygonal() const override;
-    const platform::Selection& selection() const override { return m_selection; }
+    const contracts::Selection& selection() const override { return m_selection; }
     void set_renderer(const data::ClassBreaksRenderer& renderer) override;
 
     QgsMapLayer* map_layer() const override;
@@ -48,7 +48,7 @@ class DesktopFeatureLayer final : public platform::FeatureLayer, public DesktopL
     std::unique_ptr<QgsVectorLayer> release() { return std::move(m_owned); }
 
   private:
-    class LayerSelection final : public platform::Selection {
+    class LayerSelection final : public contracts::Selection {
       public:
         explicit LayerSelection(const DesktopFeatureLayer& layer) : m_layer(layer) {}
         std::vector<std::int64_t> ids() const override;
@@ -65,7 +65,7 @@ class DesktopFeatureLayer final : public platform::FeatureLayer, public DesktopL
     LayerSelection m_selection{*this};
 };
 
-class DesktopRasterLayer final : public platform::RasterLayer, public DesktopLayer {
+class DesktopRasterLayer final : public contracts::RasterLayer, public DesktopLayer {
   public:
     explicit DesktopRasterLayer(QgsRasterLayer& layer);
     ~DesktopRasterLayer() override;
@@ -81,7 +81,7 @@ class DesktopRasterLayer final : public platform::RasterLayer, public DesktopLay
 };
 
 /// A layer that no part of the system can use, such as a web map or one whose file is gone.
-class OtherDesktopLayer final : public platform::Layer, public DesktopLayer {
+class OtherDesktopLayer final : public contracts::Layer, public DesktopLayer {
   public:
     explicit OtherDesktopLayer(QgsMapLayer& layer);
     ~OtherDesktopLayer() override;
@@ -94,19 +94,19 @@ class OtherDesktopLayer final : public platform::Layer, public DesktopLayer {
 };
 
 /// A group of the layer tree, with all layers in it, those of groups in the group included.
-class DesktopGroupLayer final : public platform::GroupLayer {
+class DesktopGroupLayer final : public contracts::GroupLayer {
   public:
-    DesktopGroupLayer(std::string name, std::vector<std::shared_ptr<platform::Layer>> members)
+    DesktopGroupLayer(std::string name, std::vector<std::shared_ptr<contracts::Layer>> members)
         : m_name(std::move(name)), m_members(std::move(members)) {}
     std::string name() const override { return m_name; }
-    std::vector<std::shared_ptr<platform::Layer>> members() const override { return m_members; }
+    std::vector<std::shared_ptr<contracts::Layer>> members() const override { return m_members; }
 
   private:
     std::string m_name;
-    std::vector<std::shared_ptr<platform::Layer>> m_members;
+    std::vector<std::shared_ptr<contracts::Layer>> m_members;
 };
 
 /// The layer by the contract that fits it.
-std::shared_ptr<platform::Layer> desktop_layer(QgsMapLayer& layer, const std::shared_ptr<LayerCopies>& copies);
+std::shared_ptr<contracts::Layer> desktop_layer(QgsMapLayer& layer, const std::shared_ptr<LayerCopies>& copies);
 
 }  // namespace kestrel::qgis

@@ -17,8 +17,8 @@
 
 namespace kestrel::qgis {
 
-using platform::Layer;
-using platform::MapEvents;
+using contracts::Layer;
+using contracts::MapEvents;
 
 namespace {
 
@@ -107,7 +107,7 @@ void DesktopMap::remove_layer(const std::shared_ptr<Layer>& layer) {
     }
 }
 
-platform::DistanceUnits DesktopMap::distance_units() const {
+contracts::DistanceUnits DesktopMap::distance_units() const {
     return units_of_map(m_project.crs());
 }
 
@@ -126,7 +126,8 @@ void DesktopMap::remove_listener(MapEvents& listener) {
     m_listeners.erase(std::remove(m_listeners.begin(), m_listeners.end(), &listener), m_listeners.end());
 }
 
-std::shared_ptr<platform::FeatureLayer> DesktopMap::make_layer(const std::string& path, const std::string& name) const {
+std::shared_ptr<contracts::FeatureLayer> DesktopMap::make_layer(const std::string& path,
+                                                                const std::string& name) const {
     auto layer = std::make_unique<QgsVectorLayer>(QString::fromStdString(path), QString::fromStdString(name),
                                                   QStringLiteral("ogr"));
     if (!layer->isValid()) {

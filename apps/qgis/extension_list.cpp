@@ -12,19 +12,19 @@ QString key_of(const std::string& class_id) {
     return "Kestrel/extensions/" + QString::fromStdString(class_id);
 }
 
-void set_state(platform::IExtensionConfig& extension, bool on) {
-    extension.IExtensionConfig_State(on ? platform::kExtensionEnabled : platform::kExtensionDisabled);
+void set_state(contracts::IExtensionConfig& extension, bool on) {
+    extension.IExtensionConfig_State(on ? contracts::kExtensionEnabled : contracts::kExtensionDisabled);
 }
 
 }  // namespace
 
-void ExtensionList::add(const std::string& class_id, platform::IExtensionConfig& extension) {
+void ExtensionList::add(const std::string& class_id, contracts::IExtensionConfig& extension) {
     m_entries.push_back({class_id, &extension});
     set_state(extension, QgsSettings().value(key_of(class_id), true).toBool());
 }
 
 bool ExtensionList::switched_on(const Entry& entry) {
-    return entry.extension->IExtensionConfig_State() == platform::kExtensionEnabled;
+    return entry.extension->IExtensionConfig_State() == contracts::kExtensionEnabled;
 }
 
 void ExtensionList::switch_on(const Entry& entry, bool on) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/contracts/extension.h"
+#include "contracts/extension.h"
 
 namespace kestrel::qgis {
 
@@ -16,11 +16,11 @@ class ExtensionList {
     struct Entry {
         /// Registered name.
         std::string class_id;
-        platform::IExtensionConfig* extension;
+        contracts::IExtensionConfig* extension;
     };
 
     /// Takes an extension into the list and gives it the state that is kept. It outlives its use here.
-    void add(const std::string& class_id, platform::IExtensionConfig& extension);
+    void add(const std::string& class_id, contracts::IExtensionConfig& extension);
 
     const std::vector<Entry>& entries() const noexcept { return m_entries; }
     /// \throws RuntimeError what the extension's state read throws.

@@ -77,10 +77,10 @@ void check_output(const RunOutput& output, const std::vector<std::string>& input
     }
 }
 
-QVariantMap outputs_of(const platform::RunResult& result, const RunOutput& output) {
+QVariantMap outputs_of(const contracts::RunResult& result, const RunOutput& output) {
     double area = 0;
     double impervious = 0;
-    for (const platform::ZoneResult& zone : result.zones) {
+    for (const contracts::ZoneResult& zone : result.zones) {
         area += zone.total_area;
         impervious += zone.impervious_area;
     }
@@ -95,7 +95,7 @@ QVariantMap outputs_of(const platform::RunResult& result, const RunOutput& outpu
 }
 
 /// \throws QgsProcessingException when there is no output.
-QVariantMap ended(const platform::RunResult& result, const RunOutput& output, const FeedbackInteraction& interaction,
+QVariantMap ended(const contracts::RunResult& result, const RunOutput& output, const FeedbackInteraction& interaction,
                   QgsProcessingFeedback& feedback) {
     if (result.finished) {
         feedback.pushInfo(qt(finished_details(result)));
@@ -119,7 +119,7 @@ struct ImperviousAlgorithm::Prepared {
     PrivateRunFolder folder;
     std::shared_ptr<LayerCopies> copies;
     RunLayers layers;
-    platform::DistanceUnits distance_units = platform::kUnknownUnits;
+    contracts::DistanceUnits distance_units = contracts::kUnknownUnits;
     clsISModelProperties store;
     std::string store_path;
     std::string set_name;

@@ -73,16 +73,16 @@ std::string gdal_source(const QgsRasterLayer& layer) {
     return text_of(layer.source());
 }
 
-platform::DistanceUnits units_of_map(const QgsCoordinateReferenceSystem& reference) {
+contracts::DistanceUnits units_of_map(const QgsCoordinateReferenceSystem& reference) {
     switch (reference.mapUnits()) {
         case QgsUnitTypes::DistanceMeters:
-            return platform::kMeters;
+            return contracts::kMeters;
         case QgsUnitTypes::DistanceFeet:
-            return platform::kFeet;
+            return contracts::kFeet;
         case QgsUnitTypes::DistanceDegrees:
-            return platform::kDecimalDegrees;
+            return contracts::kDecimalDegrees;
         default:
-            return platform::kUnknownUnits;
+            return contracts::kUnknownUnits;
     }
 }
 

@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "contracts/map.h"
 #include "data/feature_class.h"
-#include "platform/contracts/map.h"
 
 class QgsCoordinateReferenceSystem;
 class QgsRasterLayer;
@@ -32,6 +32,6 @@ bool shows_more_than_its_source(const QgsVectorLayer& layer);
 std::string gdal_source(const QgsRasterLayer& layer);
 
 /// The distance units of a map in this coordinate system.
-platform::DistanceUnits units_of_map(const QgsCoordinateReferenceSystem& reference);
+contracts::DistanceUnits units_of_map(const QgsCoordinateReferenceSystem& reference);
 
 }  // namespace kestrel::qgis

@@ -68,14 +68,14 @@ struct KestrelPlugin::Running {
                       {.interaction = interaction,
                        .progress = [this]() -> base::Progress& { return interaction.progress(); },
                        .redraw = [&iface] { iface.mapCanvas()->refresh(); },
-                       .run_ended = [this](const platform::RunResult& result) { interaction.run_ended(result); },
+                       .run_ended = [this](const contracts::RunResult& result) { interaction.run_ended(result); },
                        .copies_folder = working_folder}),
           kestrel(base::join_path(library_folder(), kLibrary)) {
-        application.register_extension(platform::kKestrelExtension, kestrel.config());
-        application.register_extension(platform::kRasterAnalysisExtension, raster_analysis);
+        application.register_extension(contracts::kKestrelExtension, kestrel.config());
+        application.register_extension(contracts::kRasterAnalysisExtension, raster_analysis);
         kestrel.start(application);
-        extensions.add(platform::kKestrelExtension, kestrel.config());
-        extensions.add(platform::kRasterAnalysisExtension, raster_analysis);
+        extensions.add(contracts::kKestrelExtension, kestrel.config());
+        extensions.add(contracts::kRasterAnalysisExtension, raster_analysis);
         commands = std::make_unique<CommandBar>(iface, kestrel,
                                                 [this](const std::string& failure) { interaction.failure(failure); });
         provider = add_provider();

@@ -10,9 +10,9 @@
 
 namespace kestrel::qgis {
 
-using platform::ZoneResult;
+using contracts::ZoneResult;
 
-std::string finished_text(const platform::RunResult& result) {
+std::string finished_text(const contracts::RunResult& result) {
     const auto incomplete = std::count_if(result.zones.begin(), result.zones.end(),
                                           [](const ZoneResult& zone) { return !zone.complete(); });
     std::string text = fmt::format("The layer \"{}\" shows the impervious surface of {} zone{}.", result.layer_name,
@@ -23,7 +23,7 @@ std::string finished_text(const platform::RunResult& result) {
     return text;
 }
 
-std::string finished_details(const platform::RunResult& result) {
+std::string finished_details(const contracts::RunResult& result) {
     std::string text = finished_text(result);
     for (const ZoneResult& zone : result.zones) {
         text += fmt::format("\n{} {}: {} of {} {}, {} %", result.analysis_field, zone.value,
@@ -33,7 +33,7 @@ std::string finished_details(const platform::RunResult& result) {
         text += zone.beyond_raster ? ", reaches beyond the land cover" : "";
         text += zone.without_cells() ? ", without any cell" : "";
     }
-    for (const platform::LegendCount& entry : result.legend) {
+    for (const contracts::LegendCount& entry : result.legend) {
         text += fmt::format("\n{}: {} zone{}", entry.label, entry.zones, entry.zones == 1 ? "" : "s");
     }
     for (const std::string& file : result.files) {
@@ -42,13 +42,13 @@ std::string finished_details(const platform::RunResult& result) {
     return text;
 }
 
-std::string unfinished_text(const platform::RunResult& result) {
+std::string unfinished_text(const contracts::RunResult& result) {
     if (result.cancelled) {
         return "The run was cancelled. Nothing has been changed.";
     }
     std::string text = "The run ended without an output.";
     for (std::size_t i = 0; i < result.unknown_classes.size(); ++i) {
-        const platform::UnknownClass& unknown = result.unknown_classes[i];
+        const contracts::UnknownClass& unknown = result.unknown_classes[i];
         text += fmt::format("{} {} ({} cell{})", i == 0 ? " Classes without coefficients:" : ",", unknown.code,
                             unknown.cells, unknown.cells == 1 ? "" : "s");
     }

@@ -7,12 +7,12 @@
 #include <string>
 #include <utility>
 
-#include "platform/contracts/application.h"
+#include "contracts/application.h"
 #include "platform/headless/headless_map.h"
 
 namespace kestrel::platform {
 
-class HeadlessDocument final : public Document {
+class HeadlessDocument final : public contracts::Document {
   public:
     HeadlessMap& focus_map() override { return m_map; }
 
@@ -21,32 +21,33 @@ class HeadlessDocument final : public Document {
 };
 
 /// The host that has no desktop: the command, worker threads and tests run on it.
-class HeadlessApplication final : public Application {
+class HeadlessApplication final : public contracts::Application {
   public:
     /// \param progress hears of the run, and may stop it; it outlives the application.
     explicit HeadlessApplication(base::Progress& progress) : m_progress(progress) {}
 
     HeadlessDocument& document() override { return m_document; }
     HeadlessMap& map() { return m_document.focus_map(); }
-    IExtensionConfig* find_extension(std::string_view class_id) override;
-    std::shared_ptr<FeatureLayer> make_feature_layer(const std::string& path, const std::string& name) override;
+    contracts::IExtensionConfig* find_extension(std::string_view class_id) override;
+    std::shared_ptr<contracts::FeatureLayer> make_feature_layer(const std::string& path,
+                                                                const std::string& name) override;
     /// The calling thread's own, which whoever runs the engine has set.
     reporting::Interaction& interaction() override { return reporting::interaction(); }
     base::Progress& progress() override { return m_progress; }
-    void run_ended(RunResult result) override { m_result = std::move(result); }
+    void run_ended(contracts::RunResult result) override { m_result = std::move(result); }
 
     /// Makes an extension findable; it outlives the application.
-    void register_extension(std::string class_id, IExtensionConfig& extension);
+    void register_extension(std::string class_id, contracts::IExtensionConfig& extension);
     /// What the last run made; nothing before one ended.
-    const std::optional<RunResult>& result() const noexcept { return m_result; }
+    const std::optional<contracts::RunResult>& result() const noexcept { return m_result; }
     /// Hands that over: it may be large.
-    std::optional<RunResult> take_result() noexcept { return std::exchange(m_result, std::nullopt); }
+    std::optional<contracts::RunResult> take_result() noexcept { return std::exchange(m_result, std::nullopt); }
 
   private:
     HeadlessDocument m_document;
     base::Progress& m_progress;
-    std::map<std::string, IExtensionConfig*, std::less<>> m_extensions;
-    std::optional<RunResult> m_result;
+    std::map<std::string, contracts::IExtensionConfig*, std::less<>> m_extensions;
+    std::optional<contracts::RunResult> m_result;
 };
 
 }  // namespace kestrel::platform

@@ -15,8 +15,8 @@
 namespace kestrel::cli {
 namespace {
 
-using platform::RunResult;
-using platform::ZoneResult;
+using contracts::RunResult;
+using contracts::ZoneResult;
 
 RunResult three_zones() {
     RunResult result;

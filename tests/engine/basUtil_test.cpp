@@ -12,6 +12,7 @@
 namespace kestrel {
 namespace {
 
+using contracts::Layer;
 using data::Field;
 using data::FieldType;
 using data::Value;
@@ -19,7 +20,6 @@ using platform::HeadlessFeatureLayer;
 using platform::HeadlessGroupLayer;
 using platform::HeadlessMap;
 using platform::HeadlessRasterLayer;
-using platform::Layer;
 using reporting::MessageBox;
 using test::Box;
 using test::Shape;
@@ -178,8 +178,8 @@ class CreateShapefile : public testing::Test {
         return {made->fields(),
                 made->read_polygons(field.empty() ? std::vector<std::string>{} : std::vector<std::string>{"analyfld"})};
     }
-    const platform::FeatureLayer& source() {
-        return dynamic_cast<const platform::FeatureLayer&>(*basUtil::FindLayer("source", world.application.map()));
+    const contracts::FeatureLayer& source() {
+        return dynamic_cast<const contracts::FeatureLayer&>(*basUtil::FindLayer("source", world.application.map()));
     }
 
     test::SmallWorld world;

@@ -215,12 +215,12 @@ TEST_F(Failing, WithoutAnApplicationThereIsAReport) {
 }
 
 /// The headless host, but it opens no layer on the output.
-class BlindApplication final : public platform::Application {
+class BlindApplication final : public contracts::Application {
   public:
     explicit BlindApplication(platform::HeadlessApplication& host) : m_host(host) {}
-    platform::Document& document() override { return m_host.document(); }
-    platform::IExtensionConfig* find_extension(std::string_view id) override { return m_host.find_extension(id); }
-    std::shared_ptr<platform::FeatureLayer> make_feature_layer(const std::string&, const std::string&) override {
+    contracts::Document& document() override { return m_host.document(); }
+    contracts::IExtensionConfig* find_extension(std::string_view id) override { return m_host.find_extension(id); }
+    std::shared_ptr<contracts::FeatureLayer> make_feature_layer(const std::string&, const std::string&) override {
         if (throws) {
             throw base::RuntimeError(base::kLibraryFailure, "no layer today");
         }
@@ -228,7 +228,7 @@ class BlindApplication final : public platform::Application {
     }
     reporting::Interaction& interaction() override { return m_host.interaction(); }
     base::Progress& progress() override { return m_host.progress(); }
-    void run_ended(platform::RunResult result) override { m_host.run_ended(std::move(result)); }
+    void run_ended(contracts::RunResult result) override { m_host.run_ended(std::move(result)); }
 
     bool throws = false;
 

@@ -222,7 +222,7 @@ TEST_F(Run, TheSameObjectRunsTwice) {
 
 TEST_F(Run, TheResultHoldsCountsZonesAndTheLegend) {
     ASSERT_TRUE(world.run());
-    const platform::RunResult& result = world.result();
+    const contracts::RunResult& result = world.result();
     EXPECT_EQ(result.layer_name, "Sheds IS");
     EXPECT_EQ(result.analysis_layer, "sheds");
     EXPECT_EQ(result.analysis_field, "ID");

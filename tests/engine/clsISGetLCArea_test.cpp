@@ -227,7 +227,7 @@ TEST_F(LandCoverAreas, RasterAnalysisIsSwitchedOn) {
     world.land_cover("5\n");
     zones({{{Box{0, 0, 1, 1}}}}, {Value("a")});
     EXPECT_TRUE(areas("Meters"));
-    EXPECT_EQ(world.raster_analysis.IExtensionConfig_State(), platform::kExtensionEnabled);
+    EXPECT_EQ(world.raster_analysis.IExtensionConfig_State(), contracts::kExtensionEnabled);
 }
 
 TEST_F(LandCoverAreas, RasterAnalysisIsAskedForBeforeAnythingElse) {

@@ -6,8 +6,8 @@
 #include <dlfcn.h>
 
 #include "base/errors.h"
-#include "platform/contracts/command.h"
-#include "platform/contracts/extension.h"
+#include "contracts/command.h"
+#include "contracts/extension.h"
 #include "platform/extension_library.h"
 #include "tests/support/error_of.h"
 #include "tests/support/test_files.h"
@@ -18,8 +18,8 @@ namespace kestrel {
 namespace {
 
 using base::RuntimeError;
+using contracts::ExtensionObject;
 using platform::ExtensionLibrary;
-using platform::ExtensionObject;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -35,12 +35,12 @@ TEST(ClassCreation, EveryRegisteredNameMakesAnObjectWithItsContracts) {
     const auto command = library.create("KESTREL_EXT.clsCommands");
     const auto menu = library.create("KESTREL_EXT.clsMenuDef");
     const auto toolbar = library.create("KESTREL_EXT.clsToolbar");
-    EXPECT_TRUE((has<platform::IExtension, platform::IExtensionConfig>(*extension)));
-    EXPECT_TRUE((has<platform::ICommand, platform::ICommandSubType>(*command)));
-    EXPECT_TRUE(has<platform::IMenuDef>(*menu));
-    EXPECT_TRUE(has<platform::IToolBarDef>(*toolbar));
-    EXPECT_FALSE(has<platform::IMenuDef>(*toolbar));
-    EXPECT_EQ(test::error_of([&] { platform::contract<platform::IMenuDef>(*toolbar); }).number(), 13);
+    EXPECT_TRUE((has<contracts::IExtension, contracts::IExtensionConfig>(*extension)));
+    EXPECT_TRUE((has<contracts::ICommand, contracts::ICommandSubType>(*command)));
+    EXPECT_TRUE(has<contracts::IMenuDef>(*menu));
+    EXPECT_TRUE(has<contracts::IToolBarDef>(*toolbar));
+    EXPECT_FALSE(has<contracts::IMenuDef>(*toolbar));
+    EXPECT_EQ(test::error_of([&] { platform::contract<contracts::IMenuDef>(*toolbar); }).number(), 13);
 }
 
 TEST(ClassCreation, EveryCallMakesANewObject) {
@@ -67,7 +67,7 @@ class PlainLoading : public testing::Test {
 };
 
 TEST_F(PlainLoading, TheFunctionAnswersNothingForUnknownNamesAndNoName) {
-    auto* const create = reinterpret_cast<platform::CreateObject*>(::dlsym(m_handle, "kestrel_create_object"));
+    auto* const create = reinterpret_cast<contracts::CreateObject*>(::dlsym(m_handle, "kestrel_create_object"));
     ASSERT_NE(create, nullptr);
     EXPECT_EQ(create("KESTREL_EXT.clsOther"), nullptr);
     EXPECT_EQ(create(nullptr), nullptr);
@@ -75,8 +75,8 @@ TEST_F(PlainLoading, TheFunctionAnswersNothingForUnknownNamesAndNoName) {
 
 TEST_F(PlainLoading, NoOtherNameIsExported) {
     ASSERT_NE(m_handle, nullptr);
-    for (const char* name : {"_ZN7kestrel9reporting11interactionEv", "_ZTIN7kestrel4base12RuntimeErrorE",
-                             "_ZTVN7kestrel11clsCommandsE"}) {
+    for (const char* name :
+         {"_ZN7kestrel9reporting11interactionEv", "_ZTIN7kestrel4base12RuntimeErrorE", "_ZTVN7kestrel11clsCommandsE"}) {
         void* const found = ::dlsym(m_handle, name);
         EXPECT_EQ(found, nullptr) << name;
     }

@@ -15,11 +15,11 @@
 namespace kestrel {
 namespace {
 
+using contracts::kExtensionDisabled;
+using contracts::kExtensionEnabled;
+using contracts::kKestrelExtension;
+using contracts::kRasterAnalysisExtension;
 using platform::HeadlessApplication;
-using platform::kExtensionDisabled;
-using platform::kExtensionEnabled;
-using platform::kKestrelExtension;
-using platform::kRasterAnalysisExtension;
 using reporting::MessageBox;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -29,17 +29,17 @@ using testing::StartsWith;
 /// Windows that are only counted.
 class ListedWindows final : public ExtensionWindows {
   public:
-    ListedWindows(std::vector<int>& opened, const platform::Application*& told) : m_opened(opened), m_told(told) {}
-    void start(platform::Application&) override {}
+    ListedWindows(std::vector<int>& opened, const contracts::Application*& told) : m_opened(opened), m_told(told) {}
+    void start(contracts::Application&) override {}
     void stop() override {}
-    void open(CommandKind command, platform::Application& application) override {
+    void open(CommandKind command, contracts::Application& application) override {
         m_opened.push_back(static_cast<int>(command));
         m_told = &application;
     }
 
   private:
     std::vector<int>& m_opened;
-    const platform::Application*& m_told;
+    const contracts::Application*& m_told;
 };
 
 class clsCommandsTest : public testing::Test {
@@ -51,7 +51,7 @@ class clsCommandsTest : public testing::Test {
         m_raster_analysis.IExtensionConfig_State(kExtensionEnabled);
     }
 
-    static clsCommands command(std::int32_t sub_type, platform::Application* hook) {
+    static clsCommands command(std::int32_t sub_type, contracts::Application* hook) {
         clsCommands made;
         made.ICommandSubType_SetSubType(sub_type);
         made.ICommand_OnCreate(hook);
@@ -63,7 +63,7 @@ class clsCommandsTest : public testing::Test {
     test::ScriptedInteraction m_said;
     base::NoProgress m_progress;
     std::vector<int> m_opened;
-    const platform::Application* m_told = nullptr;
+    const contracts::Application* m_told = nullptr;
     clsExtension m_extension{m_folder.path(), std::make_unique<ListedWindows>(m_opened, m_told)};
     test::RasterAnalysis m_raster_analysis;
     HeadlessApplication m_application{m_progress};
@@ -205,9 +205,9 @@ TEST_F(clsCommandsTest, ExtensionWithoutWindowsIsReported) {
 
 TEST_F(clsCommandsTest, ErrorOfAWindowIsReportedUnderTheNameApplication) {
     class Broken final : public ExtensionWindows {
-        void start(platform::Application&) override {}
+        void start(contracts::Application&) override {}
         void stop() override {}
-        void open(CommandKind, platform::Application&) override {
+        void open(CommandKind, contracts::Application&) override {
             throw base::RuntimeError(70, "Permission denied", "Kestrel", 45);
         }
     };

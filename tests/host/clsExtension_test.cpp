@@ -9,7 +9,7 @@
 
 #include "base/errors.h"
 #include "base/files.h"
-#include "platform/contracts/application.h"
+#include "contracts/application.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
 
@@ -26,16 +26,16 @@ class clsExtensionTest : public testing::Test {
 };
 
 /// An application that nothing is asked of.
-class IdleApplication final : public platform::Application {
+class IdleApplication final : public contracts::Application {
   public:
-    platform::Document& document() override { throw base::RuntimeError(5, "not asked"); }
-    platform::IExtensionConfig* find_extension(std::string_view) override { return nullptr; }
-    std::shared_ptr<platform::FeatureLayer> make_feature_layer(const std::string&, const std::string&) override {
+    contracts::Document& document() override { throw base::RuntimeError(5, "not asked"); }
+    contracts::IExtensionConfig* find_extension(std::string_view) override { return nullptr; }
+    std::shared_ptr<contracts::FeatureLayer> make_feature_layer(const std::string&, const std::string&) override {
         return nullptr;
     }
     reporting::Interaction& interaction() override { throw base::RuntimeError(5, "not asked"); }
     base::Progress& progress() override { throw base::RuntimeError(5, "not asked"); }
-    void run_ended(platform::RunResult) override {}
+    void run_ended(contracts::RunResult) override {}
 };
 
 TEST_F(clsExtensionTest, TellsItsNames) {
@@ -58,9 +58,9 @@ TEST_F(clsExtensionTest, KeepsTheApplicationFromStartUpToShutDown) {
 class NotedWindows final : public ExtensionWindows {
   public:
     explicit NotedWindows(std::vector<std::string>& notes) : m_notes(notes) {}
-    void start(platform::Application&) override { m_notes.emplace_back("start"); }
+    void start(contracts::Application&) override { m_notes.emplace_back("start"); }
     void stop() override { m_notes.emplace_back("stop"); }
-    void open(CommandKind, platform::Application&) override {}
+    void open(CommandKind, contracts::Application&) override {}
 
   private:
     std::vector<std::string>& m_notes;

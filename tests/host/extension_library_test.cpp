@@ -17,9 +17,9 @@
 namespace kestrel {
 namespace {
 
+using contracts::kExtensionDisabled;
+using contracts::kExtensionEnabled;
 using platform::HostedItem;
-using platform::kExtensionDisabled;
-using platform::kExtensionEnabled;
 using reporting::MessageBox;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -186,8 +186,8 @@ TEST(ExtensionLibrary, TwoExtensionObjectsHaveTheirOwnWindowsAndEndInAnyOrder) {
     host.click("Help...");
     {
         const platform::ExtensionLibrary library(host.library_path());
-        const auto second = library.create(platform::kKestrelExtension);
-        platform::contract<platform::IExtension>(*second).IExtension_Startup(&host.application);
+        const auto second = library.create(contracts::kKestrelExtension);
+        platform::contract<contracts::IExtension>(*second).IExtension_Startup(&host.application);
         host.shut_down();
         EXPECT_THAT(host.windows(), IsEmpty());
     }

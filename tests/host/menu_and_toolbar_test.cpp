@@ -8,7 +8,7 @@
 namespace kestrel {
 namespace {
 
-using platform::ItemDef;
+using contracts::ItemDef;
 
 /// What a position fills in over something that was there before.
 template <typename Ask>

@@ -100,7 +100,7 @@ TEST_F(RunLayersTest, LayersStandInTheOrderInWhichTheyWereNamed) {
         names.push_back(layer->name());
     }
     EXPECT_EQ(names, (std::vector<std::string>{"lc", "sheds", "blocks"}));
-    const auto* sheds = dynamic_cast<platform::FeatureLayer*>(m_layers.layers()[1].get());
+    const auto* sheds = dynamic_cast<contracts::FeatureLayer*>(m_layers.layers()[1].get());
     ASSERT_NE(sheds, nullptr);
     EXPECT_EQ(sheds->selection().ids(), (std::vector<std::int64_t>{1}));
 }

@@ -23,7 +23,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 /// A layer that draws from nothing, with these fields.
-class FieldsLayer final : public platform::FeatureLayer {
+class FieldsLayer final : public contracts::FeatureLayer {
   public:
     FieldsLayer(std::string name, std::vector<Field> fields, bool polygonal = true)
         : m_name(std::move(name)), m_fields(std::move(fields)), m_polygonal(polygonal) {}
@@ -34,7 +34,7 @@ class FieldsLayer final : public platform::FeatureLayer {
     data::FeatureSource source() const override { return {}; }
     std::vector<Field> fields() const override { return m_fields; }
     bool polygonal() const override { return m_polygonal; }
-    const platform::Selection& selection() const override { return m_selection; }
+    const contracts::Selection& selection() const override { return m_selection; }
     void set_renderer(const data::ClassBreaksRenderer&) override {}
 
   private:
@@ -54,7 +54,7 @@ std::shared_ptr<FieldsLayer> layer(const std::string& name,
     return std::make_shared<FieldsLayer>(name, std::move(fields), polygonal);
 }
 
-std::shared_ptr<platform::Layer> raster(const std::string& name) {
+std::shared_ptr<contracts::Layer> raster(const std::string& name) {
     return std::make_shared<platform::HeadlessRasterLayer>(name, name + ".tif");
 }
 
@@ -90,7 +90,7 @@ TEST(FieldNames, AreThoseOfTheModesTypesInOrder) {
 
 TEST(GetLayerIndex, ListsLayersOfAKindWithTheirPositions) {
     platform::HeadlessMap map;
-    for (const std::shared_ptr<platform::Layer>& added : std::vector<std::shared_ptr<platform::Layer>>{
+    for (const std::shared_ptr<contracts::Layer>& added : std::vector<std::shared_ptr<contracts::Layer>>{
              layer("sheds"), raster("cover"), layer("roads", {field("ID", FieldType::integer)}, false),
              layer("blocks", {field("DENSITY", FieldType::real)}), raster("relief")}) {
         map.append_layer(added);
@@ -105,10 +105,10 @@ TEST(GetLayerIndex, ListsLayersOfAKindWithTheirPositions) {
 TEST(GetLayerIndex, ListsTheMembersOfGroupsInPlaceButNoDeeper) {
     platform::HeadlessMap map;
     const auto inner = std::make_shared<platform::HeadlessGroupLayer>(
-        "inner", std::vector<std::shared_ptr<platform::Layer>>{layer("deep")});
+        "inner", std::vector<std::shared_ptr<contracts::Layer>>{layer("deep")});
     map.append_layer(layer("first"));
     map.append_layer(std::make_shared<platform::HeadlessGroupLayer>(
-        "group", std::vector<std::shared_ptr<platform::Layer>>{layer("second"), inner}));
+        "group", std::vector<std::shared_ptr<contracts::Layer>>{layer("second"), inner}));
     map.append_layer(layer("third"));
     EXPECT_THAT(GetLayerIndex(LayerKind::FeatureLayer, map).layers,
                 ElementsAre(ListedLayer{"first", 0}, ListedLayer{"second", 2}, ListedLayer{"third", 4}));
@@ -138,11 +138,11 @@ TEST(GetLayerIndex, LeavesOutWhatCannotBeOpenedAndSaysWhy) {
 }
 
 TEST(DefaultUnits, AreKnownForFeetAndMetresOnly) {
-    EXPECT_EQ(default_units(platform::kFeet), "Feet");
-    EXPECT_EQ(default_units(platform::kMeters), "Meters");
-    EXPECT_EQ(default_units(platform::kDecimalDegrees), "");
-    EXPECT_EQ(default_units(platform::kUnknownUnits), "");
-    EXPECT_EQ(default_units(static_cast<platform::DistanceUnits>(10)), "");
+    EXPECT_EQ(default_units(contracts::kFeet), "Feet");
+    EXPECT_EQ(default_units(contracts::kMeters), "Meters");
+    EXPECT_EQ(default_units(contracts::kDecimalDegrees), "");
+    EXPECT_EQ(default_units(contracts::kUnknownUnits), "");
+    EXPECT_EQ(default_units(static_cast<contracts::DistanceUnits>(10)), "");
 }
 
 class OutputNameTest : public testing::Test {

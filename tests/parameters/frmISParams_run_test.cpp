@@ -203,7 +203,7 @@ TEST_F(RunTest, AnEarlierOutputInsideAGroupGoes) {
     const auto earlier = map().layers().front();
     map().remove_layer(earlier);
     const auto group = std::make_shared<platform::HeadlessGroupLayer>(
-        "results", std::vector<std::shared_ptr<platform::Layer>>{earlier});
+        "results", std::vector<std::shared_ptr<contracts::Layer>>{earlier});
     map().append_layer(group);
     fill_again();
     run();

@@ -104,7 +104,7 @@ TEST_F(ParamsTest, AStoreThatDoesNotLoadIsToldAndTheFormStaysClosed) {
                              "Failed To Load XML - verify the file 'isprops.xml' is located in the " +
                                  m_world.extension.path() + "\\etc folder.",
                              "", Icon::critical, Buttons::ok_cancel}));
-    map().set_distance_units(platform::kFeet);
+    map().set_distance_units(contracts::kFeet);
     map().move_layer(0, 1);  // a form that is not loaded does not listen
     EXPECT_EQ(list("cboLCTheme").count(), 0);
 }
@@ -119,10 +119,10 @@ TEST_F(ParamsTest, WithoutAHostTheLoadIsReported) {
 }
 
 TEST_F(ParamsTest, UnitsFollowTheMapsDistanceUnits) {
-    for (const auto& [units, shown] : {std::pair{platform::kFeet, "Feet"},
-                                       {platform::kMeters, "Meters"},
-                                       {platform::kDecimalDegrees, ""},
-                                       {platform::kUnknownUnits, ""}}) {
+    for (const auto& [units, shown] : {std::pair{contracts::kFeet, "Feet"},
+                                       {contracts::kMeters, "Meters"},
+                                       {contracts::kDecimalDegrees, ""},
+                                       {contracts::kUnknownUnits, ""}}) {
         map().set_distance_units(units);
         m_form->show();
         EXPECT_EQ(chosen("cboLCUnits"), shown);

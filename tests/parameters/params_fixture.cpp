@@ -31,7 +31,7 @@ ParamsTest::ParamsTest() {
     m_world.layer("blocks", {integer_field("ID"), real_field("DENSITY"), text_field("KIND")},
                   {{{{0, 0, 4, 2}}, {1, 20.0, "a"}}, {{{0, 2, 4, 4}}, {2, 1.0, "b"}}});
     m_world.layer("plan", {integer_field("ID")}, {{{{0, 0, 1, 1}}, {1}}});
-    m_world.application.map().set_distance_units(platform::kMeters);
+    m_world.application.map().set_distance_units(contracts::kMeters);
     m_form = std::make_unique<frmISParams>(m_world.extension.path());
     m_form->Application(&m_host);
 }

@@ -29,24 +29,24 @@ class ActingProgress final : public base::Progress {
 };
 
 /// A host on the map of a small world, with progress of its own.
-class ActingHost final : public platform::Application {
+class ActingHost final : public contracts::Application {
   public:
     explicit ActingHost(SmallWorld& world) : m_world(world) {}
 
-    platform::Document& document() override { return m_world.application.document(); }
-    platform::IExtensionConfig* find_extension(std::string_view class_id) override {
+    contracts::Document& document() override { return m_world.application.document(); }
+    contracts::IExtensionConfig* find_extension(std::string_view class_id) override {
         return m_world.application.find_extension(class_id);
     }
-    std::shared_ptr<platform::FeatureLayer> make_feature_layer(const std::string& path,
-                                                               const std::string& name) override {
+    std::shared_ptr<contracts::FeatureLayer> make_feature_layer(const std::string& path,
+                                                                const std::string& name) override {
         return m_world.application.make_feature_layer(path, name);
     }
     reporting::Interaction& interaction() override { return m_world.said; }
     base::Progress& progress() override { return run_progress; }
-    void run_ended(platform::RunResult result) override { results.push_back(std::move(result)); }
+    void run_ended(contracts::RunResult result) override { results.push_back(std::move(result)); }
 
     ActingProgress run_progress;
-    std::vector<platform::RunResult> results;
+    std::vector<contracts::RunResult> results;
 
   private:
     SmallWorld& m_world;

@@ -65,7 +65,7 @@ void add_layers(kestrel::platform::HeadlessMap& map, const std::string& demo) {
             name, kestrel::data::FeatureSource{.path = demo + "/" + name + ".shp"}));
     }
     map.append_layer(std::make_shared<kestrel::platform::HeadlessRasterLayer>("land_cover", demo + "/land_cover.tif"));
-    map.set_distance_units(kestrel::platform::kMeters);
+    map.set_distance_units(kestrel::contracts::kMeters);
 }
 
 void fill_density(QDialog& dialog) {

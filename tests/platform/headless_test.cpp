@@ -14,11 +14,11 @@ namespace {
 
 using ::testing::ElementsAre;
 
-std::shared_ptr<Layer> layer(const std::string& name) {
+std::shared_ptr<contracts::Layer> layer(const std::string& name) {
     return std::make_shared<HeadlessRasterLayer>(name, "/data/" + name);
 }
 
-std::vector<std::string> names_of(const Map& map) {
+std::vector<std::string> names_of(const contracts::Map& map) {
     std::vector<std::string> names;
     for (const auto& each : map.layers()) {
         names.push_back(each->name());
@@ -27,7 +27,7 @@ std::vector<std::string> names_of(const Map& map) {
 }
 
 /// Notes what it is told, and does something more when asked to.
-class Listener final : public MapEvents {
+class Listener final : public contracts::MapEvents {
   public:
     void layer_added() override { note("added"); }
     void layer_deleted() override { note("deleted"); }
@@ -125,8 +125,8 @@ TEST(HeadlessMap, AListenerMayLeaveOrMakeAnotherLeaveWhileItIsTold) {
 
 TEST(HeadlessMap, CountsRefreshesAndKeepsItsUnits) {
     HeadlessMap map;
-    EXPECT_EQ(map.distance_units(), kUnknownUnits);
-    map.set_distance_units(kFeet);
+    EXPECT_EQ(map.distance_units(), contracts::kUnknownUnits);
+    map.set_distance_units(contracts::kFeet);
     map.refresh();
     map.refresh();
     EXPECT_EQ(map.distance_units(), 3);
@@ -161,11 +161,11 @@ TEST(HeadlessLayers, RasterLayersKnowTheirSource) {
     EXPECT_EQ(raster.source(), "/data/lc.tif");
 }
 
-class Config final : public IExtensionConfig {
+class Config final : public contracts::IExtensionConfig {
   public:
     std::string IExtensionConfig_ProductName() const override { return "p"; }
     std::string IExtensionConfig_Description() const override { return "d"; }
-    std::int32_t IExtensionConfig_State() override { return kExtensionEnabled; }
+    std::int32_t IExtensionConfig_State() override { return contracts::kExtensionEnabled; }
     void IExtensionConfig_State(std::int32_t) override {}
 };
 
@@ -193,7 +193,7 @@ TEST(HeadlessApplication, KeepsTheResultOfTheLastRun) {
     base::NoProgress progress;
     HeadlessApplication application(progress);
     EXPECT_FALSE(application.result().has_value());
-    RunResult result;
+    contracts::RunResult result;
     result.layer_name = "first";
     application.run_ended(result);
     result.layer_name = "second";

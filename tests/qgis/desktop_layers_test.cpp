@@ -29,7 +29,7 @@ class DesktopLayers : public QgisWorld {
 
     enum class Which { all, selected };
     /// Values of the field ID, as the engine reads them.
-    static std::vector<std::string> values(const platform::FeatureLayer& layer, Which which = Which::all) {
+    static std::vector<std::string> values(const contracts::FeatureLayer& layer, Which which = Which::all) {
         const std::vector<std::string> field{"ID"};
         const std::vector<std::int64_t> ids = layer.selection().ids();
         const auto features = which == Which::selected ? layer.feature_class().read_polygons(field, ids)
@@ -185,7 +185,7 @@ TEST_F(DesktopLayers, LayerThatIsGoneIsAnError) {
 
 TEST_F(DesktopLayers, RasterIsKnownByWhatGdalOpens) {
     const auto raster =
-        std::dynamic_pointer_cast<platform::RasterLayer>(basUtil::FindLayer("cover", application->map()));
+        std::dynamic_pointer_cast<contracts::RasterLayer>(basUtil::FindLayer("cover", application->map()));
     ASSERT_NE(raster, nullptr);
     EXPECT_EQ(raster->source(), world.folder / "cover.tif");
 }
@@ -196,8 +196,8 @@ TEST_F(DesktopLayers, LayersThatNoRunCanUseAreNeitherFeaturesNorRasters) {
     for (const char* name : {"gone", "table"}) {
         const auto layer = basUtil::FindLayer(name, application->map());
         ASSERT_NE(layer, nullptr) << name;
-        EXPECT_EQ(std::dynamic_pointer_cast<platform::FeatureLayer>(layer), nullptr) << name;
-        EXPECT_EQ(std::dynamic_pointer_cast<platform::RasterLayer>(layer), nullptr) << name;
+        EXPECT_EQ(std::dynamic_pointer_cast<contracts::FeatureLayer>(layer), nullptr) << name;
+        EXPECT_EQ(std::dynamic_pointer_cast<contracts::RasterLayer>(layer), nullptr) << name;
     }
 }
 

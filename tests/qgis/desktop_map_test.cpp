@@ -17,7 +17,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 /// Writes down what it is told.
-class Listener final : public platform::MapEvents {
+class Listener final : public contracts::MapEvents {
   public:
     void layer_added() override { told.emplace_back("added"); }
     void layer_deleted() override { told.emplace_back("deleted"); }
@@ -103,13 +103,13 @@ TEST_F(DesktopMapTest, LayerIsRemovedOnce) {
 
 TEST_F(DesktopMapTest, UnitsAreThoseOfTheProjectsCoordinateSystem) {
     project().setCrs(QgsCoordinateReferenceSystem("EPSG:26912"));
-    EXPECT_EQ(application->map().distance_units(), platform::kMeters);
+    EXPECT_EQ(application->map().distance_units(), contracts::kMeters);
     project().setCrs(QgsCoordinateReferenceSystem("EPSG:2263"));  // US survey feet
-    EXPECT_EQ(application->map().distance_units(), platform::kFeet);
+    EXPECT_EQ(application->map().distance_units(), contracts::kFeet);
     project().setCrs(QgsCoordinateReferenceSystem("EPSG:4326"));
-    EXPECT_EQ(application->map().distance_units(), platform::kDecimalDegrees);
+    EXPECT_EQ(application->map().distance_units(), contracts::kDecimalDegrees);
     project().setCrs(QgsCoordinateReferenceSystem());
-    EXPECT_EQ(application->map().distance_units(), platform::kUnknownUnits);
+    EXPECT_EQ(application->map().distance_units(), contracts::kUnknownUnits);
 }
 
 TEST_F(DesktopMapTest, RefreshRedrawsTheCanvas) {
@@ -169,9 +169,9 @@ TEST_F(DesktopMapTest, WhatChangesNoLayersIsNotTold) {
 }
 
 /// Leaves when it is told.
-class LeavingListener final : public platform::MapEvents {
+class LeavingListener final : public contracts::MapEvents {
   public:
-    explicit LeavingListener(platform::Map& map) : m_map(map) {}
+    explicit LeavingListener(contracts::Map& map) : m_map(map) {}
     void layer_added() override {
         ++told;
         m_map.remove_listener(*this);
@@ -182,7 +182,7 @@ class LeavingListener final : public platform::MapEvents {
     int told = 0;
 
   private:
-    platform::Map& m_map;
+    contracts::Map& m_map;
 };
 
 TEST_F(DesktopMapTest, ListenerMayLeaveWhileItIsTold) {

@@ -25,8 +25,8 @@ class ExtensionsWindowTest : public testing::Test {
   protected:
     ExtensionsWindowTest() {
         QgsSettings().remove("Kestrel");
-        list.add(platform::kKestrelExtension, kestrel);
-        list.add(platform::kRasterAnalysisExtension, raster);
+        list.add(contracts::kKestrelExtension, kestrel);
+        list.add(contracts::kRasterAnalysisExtension, raster);
     }
     ~ExtensionsWindowTest() override { QgsSettings().remove("Kestrel"); }
 
@@ -39,23 +39,23 @@ class ExtensionsWindowTest : public testing::Test {
 };
 
 TEST_F(ExtensionsWindowTest, BothAreOnAtFirst) {
-    EXPECT_THAT(states(), ElementsAre(platform::kExtensionEnabled, platform::kExtensionEnabled));
+    EXPECT_THAT(states(), ElementsAre(contracts::kExtensionEnabled, contracts::kExtensionEnabled));
 }
 
 TEST_F(ExtensionsWindowTest, StatesAreKeptForTheNextStart) {
     qgis::ExtensionList::switch_on(list.entries()[1], false);
-    EXPECT_THAT(states(), ElementsAre(platform::kExtensionEnabled, platform::kExtensionDisabled));
+    EXPECT_THAT(states(), ElementsAre(contracts::kExtensionEnabled, contracts::kExtensionDisabled));
     RasterAnalysis of_next_start;
     clsExtension other(folder.path());
     qgis::ExtensionList next;
-    next.add(platform::kKestrelExtension, other);
-    next.add(platform::kRasterAnalysisExtension, of_next_start);
-    EXPECT_EQ(other.IExtensionConfig_State(), platform::kExtensionEnabled);
-    EXPECT_EQ(of_next_start.IExtensionConfig_State(), platform::kExtensionDisabled);
+    next.add(contracts::kKestrelExtension, other);
+    next.add(contracts::kRasterAnalysisExtension, of_next_start);
+    EXPECT_EQ(other.IExtensionConfig_State(), contracts::kExtensionEnabled);
+    EXPECT_EQ(of_next_start.IExtensionConfig_State(), contracts::kExtensionDisabled);
 }
 
 TEST_F(ExtensionsWindowTest, ListsProductsWithTheirStatesAndDescribesTheChosenOne) {
-    raster.IExtensionConfig_State(platform::kExtensionDisabled);
+    raster.IExtensionConfig_State(contracts::kExtensionDisabled);
     qgis::ExtensionsWindow window(list);
     window.show();
     auto& rows = *window.findChild<QListWidget*>("kestrelExtensionList");
@@ -79,9 +79,9 @@ TEST_F(ExtensionsWindowTest, SpaceSwitchesAtOnceAndIsTold) {
     auto& rows = *window.findChild<QListWidget*>("kestrelExtensionList");
     QTest::keyClick(&rows, Qt::Key_Space);
     EXPECT_EQ(told, 1);
-    EXPECT_THAT(states(), ElementsAre(platform::kExtensionDisabled, platform::kExtensionEnabled));
+    EXPECT_THAT(states(), ElementsAre(contracts::kExtensionDisabled, contracts::kExtensionEnabled));
     QTest::keyClick(&rows, Qt::Key_Space);
-    EXPECT_THAT(states(), ElementsAre(platform::kExtensionEnabled, platform::kExtensionEnabled));
+    EXPECT_THAT(states(), ElementsAre(contracts::kExtensionEnabled, contracts::kExtensionEnabled));
 }
 
 TEST_F(ExtensionsWindowTest, OpenedAgainShowsTheStatesAsTheyAreNow) {

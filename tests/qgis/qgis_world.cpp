@@ -44,9 +44,9 @@ QgisWorld::QgisWorld() {
         qgis::DesktopApplication::Desktop{.interaction = world.said,
                                           .progress = [this]() -> base::Progress& { return world.progress; },
                                           .redraw = [this] { ++redrawn; },
-                                          .run_ended = [this](const platform::RunResult& ended) { result = ended; },
+                                          .run_ended = [this](const contracts::RunResult& ended) { result = ended; },
                                           .copies_folder = [this] { return world.extension / "temp"; }});
-    application->register_extension(platform::kRasterAnalysisExtension, world.raster_analysis);
+    application->register_extension(contracts::kRasterAnalysisExtension, world.raster_analysis);
 }
 
 QgisWorld::~QgisWorld() {
@@ -83,7 +83,7 @@ std::vector<std::string> QgisWorld::map_layers() {
     std::vector<std::string> names;
     for (const auto& layer : application->map().layers()) {
         names.push_back(layer->name());
-        if (const auto* group = dynamic_cast<const platform::GroupLayer*>(layer.get())) {
+        if (const auto* group = dynamic_cast<const contracts::GroupLayer*>(layer.get())) {
             std::string members;
             for (const auto& member : group->members()) {
                 members += (members.empty() ? "" : " ") + member->name();
@@ -94,8 +94,8 @@ std::vector<std::string> QgisWorld::map_layers() {
     return names;
 }
 
-std::shared_ptr<platform::FeatureLayer> QgisWorld::feature_layer(const std::string& name) {
-    return std::dynamic_pointer_cast<platform::FeatureLayer>(basUtil::FindLayer(name, application->map()));
+std::shared_ptr<contracts::FeatureLayer> QgisWorld::feature_layer(const std::string& name) {
+    return std::dynamic_pointer_cast<contracts::FeatureLayer>(basUtil::FindLayer(name, application->map()));
 }
 
 void QgisWorld::four_zones() {

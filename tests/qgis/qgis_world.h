@@ -34,7 +34,7 @@ class QgisWorld : public testing::Test {
 
     /// Names of the map's layers; a group is "name(member member)".
     std::vector<std::string> map_layers();
-    std::shared_ptr<platform::FeatureLayer> feature_layer(const std::string& name);
+    std::shared_ptr<contracts::FeatureLayer> feature_layer(const std::string& name);
     std::vector<std::string> copies() const { return names_in(world.extension / "temp"); }
 
     /// A land cover of three classes, and the zones 1 to 4 on it.
@@ -49,7 +49,7 @@ class QgisWorld : public testing::Test {
 
     SmallWorld world;
     int redrawn = 0;
-    std::optional<platform::RunResult> result;
+    std::optional<contracts::RunResult> result;
     std::optional<qgis::DesktopApplication> application;
 };
 

@@ -7,8 +7,8 @@
 namespace kestrel::test {
 namespace {
 
-platform::RunResult finished_run() {
-    platform::RunResult result;
+contracts::RunResult finished_run() {
+    contracts::RunResult result;
     result.finished = true;
     result.layer_name = "Sheds IS";
     result.analysis_field = "ID";
@@ -24,7 +24,7 @@ TEST(run_texts, FinishedRunIsToldInASentence) {
 }
 
 TEST(run_texts, IncompleteZonesAreCounted) {
-    platform::RunResult result = finished_run();
+    contracts::RunResult result = finished_run();
     result.zones.push_back({.value = "2", .touches_nodata = true});
     EXPECT_EQ(qgis::finished_text(result),
               "The layer \"Sheds IS\" shows the impervious surface of 2 zones. 1 of them is incomplete.");
@@ -44,7 +44,7 @@ TEST(run_texts, DetailsGiveFiguresLegendAndFiles) {
 }
 
 TEST(run_texts, DetailsSayWhatIsWrongWithAZone) {
-    platform::RunResult result = finished_run();
+    contracts::RunResult result = finished_run();
     result.zones = {{.value = "7", .touches_nodata = true, .beyond_raster = true}};
     EXPECT_NE(qgis::finished_details(result).find(
                   "\nID 7: 0 of 0 hectares, 0 %, incomplete, reaches beyond the land cover, without any cell\n"),
@@ -52,7 +52,7 @@ TEST(run_texts, DetailsSayWhatIsWrongWithAZone) {
 }
 
 TEST(run_texts, RunWithoutAnOutputSaysWhy) {
-    platform::RunResult result;
+    contracts::RunResult result;
     EXPECT_EQ(qgis::unfinished_text(result), "The run ended without an output.");
     result.unknown_classes = {{11, 1}, {255, 20}};
     EXPECT_EQ(qgis::unfinished_text(result),

@@ -61,12 +61,12 @@ void expect_same_table_row(const data::Table& table, std::size_t row, const Expe
 
 }  // namespace
 
-void expect_same_cells(const platform::RunResult& result, const ExpectedOutput& expected) {
+void expect_same_cells(const contracts::RunResult& result, const ExpectedOutput& expected) {
     expect_equal(cells_by_place(result.counts.rows, result.counts), expected.cells, "Cells");
     expect_equal(cells_by_place(result.counts.nodata_rows, result.counts), expected.nodata_cells, "NODATA cells");
 }
 
-void expect_same_tables(const platform::RunResult& result, const ExpectedOutput& expected) {
+void expect_same_tables(const contracts::RunResult& result, const ExpectedOutput& expected) {
     ASSERT_FALSE(expected.pieces.empty());
     const std::size_t states = expected.pieces.begin()->second.states.size();
     ASSERT_GE(result.zone_tables.size(), states);
@@ -94,10 +94,10 @@ void expect_same_rows(const OutputFile& output, const ExpectedOutput& expected) 
     }
 }
 
-void expect_same_result(const platform::RunResult& result, const OutputFile& output, const ExpectedOutput& expected) {
+void expect_same_result(const contracts::RunResult& result, const OutputFile& output, const ExpectedOutput& expected) {
     ASSERT_EQ(result.zones.size(), output.rows.size());
     for (std::size_t i = 0; i < result.zones.size(); ++i) {
-        const platform::ZoneResult& zone = result.zones[i];
+        const contracts::ZoneResult& zone = result.zones[i];
         const OutputRow& row = output.rows[i];
         EXPECT_EQ(zone.value, row.value);
         EXPECT_EQ(zone.total_area, row.total_area) << zone.value;

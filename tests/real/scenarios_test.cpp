@@ -52,7 +52,7 @@ TEST_F(RealRunWithScenarios, TheLaterOneOwnsTheCellsOfBoth) {
     expect_run_as_counted(resort_last);
     const auto impervious = [](const RunSettings& settings) {
         double sum = 0;
-        for (const platform::ZoneResult& zone : WholeRun(settings).result.zones) {
+        for (const contracts::ZoneResult& zone : WholeRun(settings).result.zones) {
             sum += zone.impervious_area;
         }
         return sum;

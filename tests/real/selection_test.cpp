@@ -22,7 +22,7 @@ class RealRunOfSelectedZones : public RealData {
 
     static std::vector<std::string> values_of(const WholeRun& run) {
         std::vector<std::string> values;
-        for (const platform::ZoneResult& zone : run.result.zones) {
+        for (const contracts::ZoneResult& zone : run.result.zones) {
             values.push_back(zone.value);
         }
         return values;
@@ -109,7 +109,7 @@ TEST_F(RealRunOfSelectedZones, GivesTheNeighboursTheCellsOfAnUnselectedLaterZone
     expect_run_as_counted(settings);
     const auto cells_of_neighbours = [](const WholeRun& run) {
         std::uint64_t sum = 0;
-        for (const platform::ZoneResult& zone : run.result.zones) {
+        for (const contracts::ZoneResult& zone : run.result.zones) {
             sum += zone.value == "60" ? 0 : zone.cells;
         }
         return sum;

@@ -12,7 +12,7 @@ namespace {
 
 class RealSpecialZones : public RealData {
   protected:
-    static platform::ZoneResult zone(const WholeRun& run, const std::string& value) {
+    static contracts::ZoneResult zone(const WholeRun& run, const std::string& value) {
         const auto& zones = run.result.zones;
         const auto found =
             std::find_if(zones.begin(), zones.end(), [&](const auto& one) { return one.value == value; });

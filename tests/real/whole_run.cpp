@@ -16,7 +16,7 @@ namespace kestrel::test {
 
 namespace {
 
-class EnabledExtension final : public platform::IExtensionConfig {
+class EnabledExtension final : public contracts::IExtensionConfig {
   public:
     std::string IExtensionConfig_ProductName() const override { return "Raster analysis"; }
     std::string IExtensionConfig_Description() const override { return {}; }
@@ -24,10 +24,10 @@ class EnabledExtension final : public platform::IExtensionConfig {
     void IExtensionConfig_State(std::int32_t state) override { m_state = state; }
 
   private:
-    std::int32_t m_state = platform::kExtensionEnabled;
+    std::int32_t m_state = contracts::kExtensionEnabled;
 };
 
-std::shared_ptr<platform::Layer> feature_layer(const std::string& source, const std::vector<std::int64_t>& selected) {
+std::shared_ptr<contracts::Layer> feature_layer(const std::string& source, const std::vector<std::int64_t>& selected) {
     return std::make_shared<platform::HeadlessFeatureLayer>(layer_name_of(source), data::FeatureSource::parse(source),
                                                             selected);
 }
@@ -82,7 +82,7 @@ WholeRun::WholeRun(const RunSettings& settings) {
     base::NoProgress progress;
     platform::HeadlessApplication application(progress);
     EnabledExtension raster_analysis;
-    application.register_extension(platform::kRasterAnalysisExtension, raster_analysis);
+    application.register_extension(contracts::kRasterAnalysisExtension, raster_analysis);
     fill_map(application.map(), settings);
     clsISModelProperties store;
     ModelParameters parameters = parameters_of(settings);

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/run_result.h"
+#include "contracts/run_result.h"
 #include "reporting/interaction.h"
 #include "tests/real/run_settings.h"
 #include "tests/support/test_files.h"
@@ -25,7 +25,7 @@ class WholeRun {
 
     std::vector<reporting::MessageBox> boxes;
     std::vector<std::string> call_stacks;
-    platform::RunResult result;
+    contracts::RunResult result;
 
   private:
     TemporaryFolder m_folder;

@@ -36,12 +36,12 @@ const MessageBox kNoMetadata = {"There are no layers with an associated \"Metada
                                 reporting::Icon::none, reporting::Buttons::ok};
 
 /// A layer whose source cannot be asked for.
-class BrokenLayer final : public platform::FeatureLayer {
+class BrokenLayer final : public contracts::FeatureLayer {
   public:
     std::string name() const override { return "broken"; }
     data::FeatureClass feature_class() const override { throw std::runtime_error("no data"); }
     data::FeatureSource source() const override { throw std::runtime_error("no source"); }
-    const platform::Selection& selection() const override { return m_selection; }
+    const contracts::Selection& selection() const override { return m_selection; }
     void set_renderer(const data::ClassBreaksRenderer&) override {}
 
   private:
@@ -384,7 +384,7 @@ TEST_F(frmISTParamsTest, FailingCloseIsReported) {
 TEST_F(frmISTParamsTest, LayersOfGroupsStandInTheirPlaceAndASourceTwiceIsListedTwice) {
     two_outputs();
     m_application.map().append_layer(std::make_shared<platform::HeadlessGroupLayer>(
-        "outputs", std::vector<std::shared_ptr<platform::Layer>>{
+        "outputs", std::vector<std::shared_ptr<contracts::Layer>>{
                        std::make_shared<HeadlessFeatureLayer>("once more", data::FeatureSource{m_folder / "north.shp"}),
                        std::make_shared<HeadlessFeatureLayer>("lost", data::FeatureSource{})}));
     open("prm");

@@ -42,10 +42,10 @@ TEST(feature_layers, StandInTheMapsOrderWithoutRasters) {
 TEST(feature_layers, OfAGroupStandInItsPlaceOneLevelDeep) {
     HeadlessMap map;
     const auto inner = std::make_shared<HeadlessGroupLayer>(
-        "inner", std::vector<std::shared_ptr<platform::Layer>>{features("too deep", "/d.shp")});
+        "inner", std::vector<std::shared_ptr<contracts::Layer>>{features("too deep", "/d.shp")});
     map.append_layer(features("above", "/a.shp"));
     map.append_layer(std::make_shared<HeadlessGroupLayer>(
-        "group", std::vector<std::shared_ptr<platform::Layer>>{features("in group", "/g.shp"), inner}));
+        "group", std::vector<std::shared_ptr<contracts::Layer>>{features("in group", "/g.shp"), inner}));
     map.append_layer(features("below", "/b.shp"));
     EXPECT_THAT(names_of(map), ElementsAre("above", "in group", "below"));
 }

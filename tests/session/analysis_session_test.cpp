@@ -57,7 +57,7 @@ class AnalysisSession : public RealData {
             map().append_layer(std::make_shared<platform::HeadlessFeatureLayer>(
                 base::base_name_of(file), data::FeatureSource{.path = m_data / file}));
         }
-        map().set_distance_units(platform::kMeters);
+        map().set_distance_units(contracts::kMeters);
     }
 
     static void fill_density(QDialog& dialog) {

@@ -14,23 +14,23 @@ namespace kestrel::test {
 
 /// A host whose boxes and windows are Qt's, as a desktop's are: a run's progress is that of the waiting window. Map and
 /// extensions are those of a headless one.
-class DesktopHost final : public platform::Application {
+class DesktopHost final : public contracts::Application {
   public:
     DesktopHost(platform::HeadlessApplication& rest, QtInteraction& user) : m_rest(rest), m_user(user) {}
 
-    platform::Document& document() override { return m_rest.document(); }
-    platform::IExtensionConfig* find_extension(std::string_view class_id) override {
+    contracts::Document& document() override { return m_rest.document(); }
+    contracts::IExtensionConfig* find_extension(std::string_view class_id) override {
         return m_rest.find_extension(class_id);
     }
-    std::shared_ptr<platform::FeatureLayer> make_feature_layer(const std::string& path,
-                                                               const std::string& name) override {
+    std::shared_ptr<contracts::FeatureLayer> make_feature_layer(const std::string& path,
+                                                                const std::string& name) override {
         return m_rest.make_feature_layer(path, name);
     }
     reporting::Interaction& interaction() override { return m_user; }
     base::Progress& progress() override { return m_user.progress(); }
-    void run_ended(platform::RunResult result) override { results.push_back(std::move(result)); }
+    void run_ended(contracts::RunResult result) override { results.push_back(std::move(result)); }
 
-    std::vector<platform::RunResult> results;
+    std::vector<contracts::RunResult> results;
 
   private:
     platform::HeadlessApplication& m_rest;

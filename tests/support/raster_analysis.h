@@ -4,12 +4,12 @@
 
 #include <string>
 
-#include "platform/contracts/extension.h"
+#include "contracts/extension.h"
 
 namespace kestrel::test {
 
 /// The host's raster analysis, which can be made to refuse its service.
-class RasterAnalysis final : public platform::IExtensionConfig {
+class RasterAnalysis final : public contracts::IExtensionConfig {
   public:
     std::string IExtensionConfig_ProductName() const override { return "Raster analysis"; }
     std::string IExtensionConfig_Description() const override { return {}; }
@@ -19,7 +19,7 @@ class RasterAnalysis final : public platform::IExtensionConfig {
     bool refuses = false;
 
   private:
-    std::int32_t m_state = platform::kExtensionDisabled;
+    std::int32_t m_state = contracts::kExtensionDisabled;
 };
 
 }  // namespace kestrel::test

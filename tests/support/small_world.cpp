@@ -86,7 +86,7 @@ bool LimitedProgress::report(double fraction, std::string_view text) {
 
 SmallWorld::SmallWorld() : output_folder(output.path()) {
     base::create_folder(extension / "temp");
-    application.register_extension(platform::kRasterAnalysisExtension, raster_analysis);
+    application.register_extension(contracts::kRasterAnalysisExtension, raster_analysis);
 }
 
 void SmallWorld::land_cover(const std::string& cells, const std::string& reference) {
@@ -162,7 +162,7 @@ void SmallWorld::write_parameters() const {
     base::write_file(extension / "temp/model_params.txt", text);
 }
 
-void SmallWorld::run_in(platform::Application& host, RunOptions options) {
+void SmallWorld::run_in(contracts::Application& host, RunOptions options) {
     write_parameters();
     clsISExecuteModel model(std::move(options));
     model.ExecuteModel(&host, extension.path(), "model_params.txt", output_folder, "out.shp", "Sheds IS");

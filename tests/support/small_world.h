@@ -85,9 +85,9 @@ class SmallWorld {
     /// Carries the run out. \return whether there is a finished output.
     bool run(RunOptions options = {});
     /// Carries the run out in another host than `application`.
-    void run_in(platform::Application& host, RunOptions options = {});
+    void run_in(contracts::Application& host, RunOptions options = {});
 
-    const platform::RunResult& result() const { return *application.result(); }
+    const contracts::RunResult& result() const { return *application.result(); }
     std::string output_path() const { return output / "out.shp"; }
     /// The output's features in order, as "value|total|impervious|percent|complete".
     std::vector<std::string> rows() const;

@@ -30,13 +30,13 @@ TestHost::TestHost(Raster raster) {
     }
     m_library_path = m_folder / file;
     m_kestrel = std::make_unique<platform::HostedExtension>(m_library_path);
-    application.register_extension(platform::kKestrelExtension, m_kestrel->config());
-    raster_analysis.IExtensionConfig_State(platform::kExtensionEnabled);
+    application.register_extension(contracts::kKestrelExtension, m_kestrel->config());
+    raster_analysis.IExtensionConfig_State(contracts::kExtensionEnabled);
     if (raster == Raster::registered) {
-        application.register_extension(platform::kRasterAnalysisExtension, raster_analysis);
+        application.register_extension(contracts::kRasterAnalysisExtension, raster_analysis);
     }
     m_kestrel->start(application);
-    set_state(platform::kExtensionEnabled);
+    set_state(contracts::kExtensionEnabled);
 }
 
 TestHost::~TestHost() = default;

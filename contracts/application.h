@@ -7,12 +7,12 @@
 #include <string_view>
 
 #include "base/progress.h"
-#include "platform/contracts/extension.h"
-#include "platform/contracts/map.h"
-#include "platform/run_result.h"
+#include "contracts/extension.h"
+#include "contracts/map.h"
+#include "contracts/run_result.h"
 #include "reporting/interaction.h"
 
-namespace kestrel::platform {
+namespace kestrel::contracts {
 
 /// An open document of the host: what holds the map.
 class Document {
@@ -45,4 +45,4 @@ class Application {
     virtual void run_ended(RunResult result) = 0;
 };
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::contracts

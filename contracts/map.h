@@ -5,9 +5,9 @@
 #include <memory>
 #include <vector>
 
-#include "platform/contracts/layer.h"
+#include "contracts/layer.h"
 
-namespace kestrel::platform {
+namespace kestrel::contracts {
 
 /// The host's codes of map distance units.
 enum DistanceUnits : int { kUnknownUnits = 0, kFeet = 3, kMeters = 9, kDecimalDegrees = 11 };
@@ -41,4 +41,4 @@ class Map {
     virtual void remove_listener(MapEvents& listener) = 0;
 };
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::contracts

@@ -13,7 +13,7 @@
 /// \file
 /// Layers as a host shows them. What a layer draws from is reached as data (FeatureClass, a raster's path); how it is
 /// named, selected and drawn is the host's.
-namespace kestrel::platform {
+namespace kestrel::contracts {
 
 class Layer {
   public:
@@ -56,4 +56,4 @@ class RasterLayer : public Layer {
     virtual std::string source() const = 0;
 };
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::contracts

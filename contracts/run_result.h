@@ -10,7 +10,7 @@
 #include "data/field.h"
 #include "data/table.h"
 
-namespace kestrel::platform {
+namespace kestrel::contracts {
 
 /// One row of a finished output: a group of analysis features of one value.
 struct ZoneResult {
@@ -69,4 +69,4 @@ struct RunResult {
     std::vector<std::string> files;
 };
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::contracts

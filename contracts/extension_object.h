@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-namespace kestrel::platform {
+namespace kestrel::contracts {
 
 /// What an extension library makes. A host asks it by dynamic_cast for the contracts that it needs: IExtension and
 /// IExtensionConfig, ICommand and ICommandSubType, IMenuDef, IToolBarDef.
@@ -22,4 +22,4 @@ inline constexpr const char* kCreateObjectSymbol = "kestrel_create_object";
 /// Registered name of this program's toolbar: where a host begins.
 inline constexpr const char* kKestrelToolbar = "KESTREL_EXT.clsToolbar";
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::contracts

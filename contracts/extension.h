@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-namespace kestrel::platform {
+namespace kestrel::contracts {
 
 class Application;
 
@@ -38,4 +38,4 @@ inline constexpr const char* kKestrelExtension = "KESTREL_EXT.clsExtension";
 /// Registered name under which a host offers its raster analysis.
 inline constexpr const char* kRasterAnalysisExtension = "esriCore.SAExtension.1";
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::contracts

@@ -7,7 +7,7 @@
 
 /// \file
 /// The contracts through which a host shows an extension's toolbar, menu and commands. Members stand in slot order.
-namespace kestrel::platform {
+namespace kestrel::contracts {
 
 class Application;
 
@@ -76,4 +76,4 @@ class IToolBarDef {
     virtual std::string IToolBarDef_Caption() const = 0;
 };
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::contracts
