@@ -8,12 +8,12 @@
 #include "engine/clsISExecuteModel.h"
 #include "host/clsExtension.h"
 #include "host/raster_analysis.h"
-#include "platform/headless/headless_application.h"
+#include "hosting/headless_application.h"
 
 namespace kestrel {
 
 using base::RuntimeError;
-using platform::HeadlessApplication;
+using hosting::HeadlessApplication;
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "data/feature_class.h"
-#include "platform/headless/headless_map.h"
+#include "hosting/headless_map.h"
 
 namespace kestrel {
 

@@ -151,7 +151,7 @@ void add_zones(RunInputs& inputs, const RunRequest& request) {
     const FeatureSource source = FeatureSource::parse(request.zones);
     const FeatureClass zones = open_polygons("--zones", source);
     check_analysis_field(zones, request.field);
-    inputs.distance_units = platform::distance_units_of(zones.spatial_reference());
+    inputs.distance_units = hosting::distance_units_of(zones.spatial_reference());
     inputs.parameters.analysis_layer = inputs.layers.add_features(source, zones, selected_zones(zones, request.where));
     inputs.parameters.analysis_field = request.field;
 }

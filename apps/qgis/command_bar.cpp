@@ -14,7 +14,7 @@
 namespace kestrel::qgis {
 
 using contracts::ICommand;
-using platform::HostedItem;
+using hosting::HostedItem;
 
 namespace {
 
@@ -31,7 +31,7 @@ QString caption(const std::string& text) {
 
 }  // namespace
 
-CommandBar::CommandBar(QgisInterface& iface, const platform::HostedExtension& extension, Report report)
+CommandBar::CommandBar(QgisInterface& iface, const hosting::HostedExtension& extension, Report report)
     : m_iface(iface), m_report(std::move(report)) {
     show_items(extension.toolbar(), extension.items());
     connect(&m_timer, &QTimer::timeout, this, &CommandBar::poll);

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/hosted_extension.h"
+#include "hosting/hosted_extension.h"
 
 class QAction;
 class QMenu;
@@ -28,7 +28,7 @@ class CommandBar final : public QObject {
 
     /// \param extension started, and outlives this.
     /// \param report takes what goes wrong in a command; it is told once.
-    CommandBar(QgisInterface& iface, const platform::HostedExtension& extension, Report report);
+    CommandBar(QgisInterface& iface, const hosting::HostedExtension& extension, Report report);
     ~CommandBar() override;
 
     /// Adds an action of the host's own below the extension's in the Plugins menu.
@@ -42,10 +42,10 @@ class CommandBar final : public QObject {
         QAction* action;
     };
 
-    void show_items(const contracts::IToolBarDef& toolbar, const std::vector<platform::HostedItem>& items);
+    void show_items(const contracts::IToolBarDef& toolbar, const std::vector<hosting::HostedItem>& items);
     void add_to_plugins_menu(QAction& action);
-    QMenu* menu_of(const platform::HostedItem& item);
-    QAction* action_of(const platform::HostedItem& item);
+    QMenu* menu_of(const hosting::HostedItem& item);
+    QAction* action_of(const hosting::HostedItem& item);
     void triggered();
     bool enabled(contracts::ICommand& command);
     void report(const std::string& failure);

@@ -200,7 +200,7 @@ void ImperviousAlgorithm::prepare_zones(const QVariantMap& parameters, QgsProces
     const QgsProject* project = context.project();
     prepared.distance_units = project != nullptr && project->crs().isValid()
                                   ? units_of_map(project->crs())
-                                  : platform::distance_units_of(opened.spatial_reference());
+                                  : hosting::distance_units_of(opened.spatial_reference());
 }
 
 void ImperviousAlgorithm::prepare_density(const QVariantMap& parameters, QgsProcessingContext& context) {

@@ -23,7 +23,7 @@
 #include "base/files.h"
 #include "host/extension_folder.h"
 #include "host/raster_analysis.h"
-#include "platform/hosted_extension.h"
+#include "hosting/hosted_extension.h"
 
 namespace kestrel::qgis {
 
@@ -94,7 +94,7 @@ struct KestrelPlugin::Running {
     RasterAnalysis raster_analysis;
     DesktopApplication application;
     ExtensionList extensions;
-    platform::HostedExtension kestrel;
+    hosting::HostedExtension kestrel;
     std::unique_ptr<CommandBar> commands;
     QPointer<QgsProcessingProvider> provider;
     std::unique_ptr<ExtensionsWindow> extensions_window;

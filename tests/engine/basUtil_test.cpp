@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "base/errors.h"
-#include "platform/headless/headless_map.h"
+#include "hosting/headless_map.h"
 #include "tests/support/small_world.h"
 
 namespace kestrel {
@@ -16,10 +16,10 @@ using contracts::Layer;
 using data::Field;
 using data::FieldType;
 using data::Value;
-using platform::HeadlessFeatureLayer;
-using platform::HeadlessGroupLayer;
-using platform::HeadlessMap;
-using platform::HeadlessRasterLayer;
+using hosting::HeadlessFeatureLayer;
+using hosting::HeadlessGroupLayer;
+using hosting::HeadlessMap;
+using hosting::HeadlessRasterLayer;
 using reporting::MessageBox;
 using test::Box;
 using test::Shape;

@@ -77,7 +77,7 @@ class Adjustment : public testing::Test {
     }
 
     test::SmallWorld world;
-    platform::HeadlessRasterLayer cover{"cover", world.folder / "cover.tif"};
+    hosting::HeadlessRasterLayer cover{"cover", world.folder / "cover.tif"};
     LandClassDictionary classes;
     ZoneGroups groups{std::vector<Value>{std::int64_t{1}}};
     std::optional<RunZones> zones;

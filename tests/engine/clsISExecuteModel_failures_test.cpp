@@ -217,7 +217,7 @@ TEST_F(Failing, WithoutAnApplicationThereIsAReport) {
 /// The headless host, but it opens no layer on the output.
 class BlindApplication final : public contracts::Application {
   public:
-    explicit BlindApplication(platform::HeadlessApplication& host) : m_host(host) {}
+    explicit BlindApplication(hosting::HeadlessApplication& host) : m_host(host) {}
     contracts::Document& document() override { return m_host.document(); }
     contracts::IExtensionConfig* find_extension(std::string_view id) override { return m_host.find_extension(id); }
     std::shared_ptr<contracts::FeatureLayer> make_feature_layer(const std::string&, const std::string&) override {
@@ -233,7 +233,7 @@ class BlindApplication final : public contracts::Application {
     bool throws = false;
 
   private:
-    platform::HeadlessApplication& m_host;
+    hosting::HeadlessApplication& m_host;
 };
 
 TEST_F(Failing, AnOutputThatIsNoFeatureClassIsToldAndRemoved) {

@@ -6,7 +6,7 @@
 #include "base/files.h"
 #include "engine/clsISExecuteModel.h"
 #include "engine/output_layer.h"
-#include "platform/headless/headless_map.h"
+#include "hosting/headless_map.h"
 #include "tests/support/small_world.h"
 
 /// \file
@@ -14,7 +14,7 @@
 namespace kestrel {
 namespace {
 
-using platform::HeadlessFeatureLayer;
+using hosting::HeadlessFeatureLayer;
 using test::Box;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;

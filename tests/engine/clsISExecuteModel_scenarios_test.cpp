@@ -170,7 +170,7 @@ TEST_F(Scenarios, AnotherSystemOfTheSameProjectionIsProjected) {
     writer.insert(polygons, 0, values);
     writer.close();
     world.application.map().append_layer(
-        std::make_shared<platform::HeadlessFeatureLayer>("mall", data::FeatureSource{.path = path}));
+        std::make_shared<hosting::HeadlessFeatureLayer>("mall", data::FeatureSource{.path = path}));
     world.parameters.scenarios = {"1#mall#Developed#2"};
     ASSERT_TRUE(world.run());
     EXPECT_THAT(world.said.boxes, IsEmpty());

@@ -56,7 +56,7 @@ class LandCoverAreas : public testing::Test {
         }
         const LandClassDictionary known = classes();
         AreaTheme theme{.name = "sheds", .fields = fields, .zones = &*run_zones};
-        const platform::HeadlessRasterLayer cover("cover", world.folder / "cover.tif");
+        const hosting::HeadlessRasterLayer cover("cover", world.folder / "cover.tif");
         return engine.isGetLCArea(world.extension.path(), theme, cover, "Value", zone_field,
                                   run_zones->density != nullptr, units, known, "tmpZone", "areaTemp");
     }

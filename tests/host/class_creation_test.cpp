@@ -8,7 +8,7 @@
 #include "base/errors.h"
 #include "contracts/command.h"
 #include "contracts/extension.h"
-#include "platform/extension_library.h"
+#include "hosting/extension_library.h"
 #include "tests/support/error_of.h"
 #include "tests/support/test_files.h"
 
@@ -19,7 +19,7 @@ namespace {
 
 using base::RuntimeError;
 using contracts::ExtensionObject;
-using platform::ExtensionLibrary;
+using hosting::ExtensionLibrary;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -40,7 +40,7 @@ TEST(ClassCreation, EveryRegisteredNameMakesAnObjectWithItsContracts) {
     EXPECT_TRUE(has<contracts::IMenuDef>(*menu));
     EXPECT_TRUE(has<contracts::IToolBarDef>(*toolbar));
     EXPECT_FALSE(has<contracts::IMenuDef>(*toolbar));
-    EXPECT_EQ(test::error_of([&] { platform::contract<contracts::IMenuDef>(*toolbar); }).number(), 13);
+    EXPECT_EQ(test::error_of([&] { hosting::contract<contracts::IMenuDef>(*toolbar); }).number(), 13);
 }
 
 TEST(ClassCreation, EveryCallMakesANewObject) {

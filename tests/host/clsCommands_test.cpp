@@ -7,7 +7,7 @@
 
 #include "base/errors.h"
 #include "host/clsExtension.h"
-#include "platform/headless/headless_application.h"
+#include "hosting/headless_application.h"
 #include "tests/support/raster_analysis.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
@@ -19,7 +19,7 @@ using contracts::kExtensionDisabled;
 using contracts::kExtensionEnabled;
 using contracts::kKestrelExtension;
 using contracts::kRasterAnalysisExtension;
-using platform::HeadlessApplication;
+using hosting::HeadlessApplication;
 using reporting::MessageBox;
 using testing::ElementsAre;
 using testing::HasSubstr;

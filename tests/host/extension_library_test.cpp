@@ -19,7 +19,7 @@ namespace {
 
 using contracts::kExtensionDisabled;
 using contracts::kExtensionEnabled;
-using platform::HostedItem;
+using hosting::HostedItem;
 using reporting::MessageBox;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -185,9 +185,9 @@ TEST(ExtensionLibrary, TwoExtensionObjectsHaveTheirOwnWindowsAndEndInAnyOrder) {
     test::TestHost host;
     host.click("Help...");
     {
-        const platform::ExtensionLibrary library(host.library_path());
+        const hosting::ExtensionLibrary library(host.library_path());
         const auto second = library.create(contracts::kKestrelExtension);
-        platform::contract<contracts::IExtension>(*second).IExtension_Startup(&host.application);
+        hosting::contract<contracts::IExtension>(*second).IExtension_Startup(&host.application);
         host.shut_down();
         EXPECT_THAT(host.windows(), IsEmpty());
     }
@@ -212,7 +212,7 @@ void add_output(test::TestHost& host, const test::TemporaryFolder& folder, const
         base::write_file(folder / ("sheds." + ending), "the " + ending + " of sheds");
     }
     host.application.map().append_layer(
-        std::make_shared<platform::HeadlessFeatureLayer>("sheds", data::FeatureSource{folder / "sheds.shp"}));
+        std::make_shared<hosting::HeadlessFeatureLayer>("sheds", data::FeatureSource{folder / "sheds.shp"}));
 }
 
 TEST(ExtensionLibrary, OneViewerShowsRunReportsAndMetadata) {

@@ -19,9 +19,9 @@
 #include "coefficients/frmAddLCType.h"
 #include "coefficients/frmISModelProps.h"
 #include "host/clsCommands.h"
+#include "hosting/headless_application.h"
 #include "parameters/frmISPDensity.h"
 #include "parameters/frmISParams.h"
-#include "platform/headless/headless_application.h"
 #include "records/frmISTParams.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
@@ -183,7 +183,7 @@ TEST(HelpPages, ExplainEveryControlOfTheAnalysisWindows) {
     base::create_folder(folder / "etc");
     base::copy_file(KESTREL_SOURCE_DIR "/etc/isprops.xml", folder / "etc/isprops.xml");
     base::NoProgress progress;
-    platform::HeadlessApplication application(progress);
+    hosting::HeadlessApplication application(progress);
     frmISParams form(folder.path());
     form.Application(&application);
     form.show();

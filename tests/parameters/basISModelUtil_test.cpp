@@ -41,7 +41,7 @@ class FieldsLayer final : public contracts::FeatureLayer {
     std::string m_name;
     std::vector<Field> m_fields;
     bool m_polygonal;
-    platform::HeadlessSelection m_selection{{}};
+    hosting::HeadlessSelection m_selection{{}};
 };
 
 Field field(const std::string& name, FieldType type) {
@@ -55,7 +55,7 @@ std::shared_ptr<FieldsLayer> layer(const std::string& name,
 }
 
 std::shared_ptr<contracts::Layer> raster(const std::string& name) {
-    return std::make_shared<platform::HeadlessRasterLayer>(name, name + ".tif");
+    return std::make_shared<hosting::HeadlessRasterLayer>(name, name + ".tif");
 }
 
 const std::vector<Field> kOfEveryType = {
@@ -89,7 +89,7 @@ TEST(FieldNames, AreThoseOfTheModesTypesInOrder) {
 }
 
 TEST(GetLayerIndex, ListsLayersOfAKindWithTheirPositions) {
-    platform::HeadlessMap map;
+    hosting::HeadlessMap map;
     for (const std::shared_ptr<contracts::Layer>& added : std::vector<std::shared_ptr<contracts::Layer>>{
              layer("sheds"), raster("cover"), layer("roads", {field("ID", FieldType::integer)}, false),
              layer("blocks", {field("DENSITY", FieldType::real)}), raster("relief")}) {
@@ -103,11 +103,11 @@ TEST(GetLayerIndex, ListsLayersOfAKindWithTheirPositions) {
 }
 
 TEST(GetLayerIndex, ListsTheMembersOfGroupsInPlaceButNoDeeper) {
-    platform::HeadlessMap map;
-    const auto inner = std::make_shared<platform::HeadlessGroupLayer>(
+    hosting::HeadlessMap map;
+    const auto inner = std::make_shared<hosting::HeadlessGroupLayer>(
         "inner", std::vector<std::shared_ptr<contracts::Layer>>{layer("deep")});
     map.append_layer(layer("first"));
-    map.append_layer(std::make_shared<platform::HeadlessGroupLayer>(
+    map.append_layer(std::make_shared<hosting::HeadlessGroupLayer>(
         "group", std::vector<std::shared_ptr<contracts::Layer>>{layer("second"), inner}));
     map.append_layer(layer("third"));
     EXPECT_THAT(GetLayerIndex(LayerKind::FeatureLayer, map).layers,
@@ -115,7 +115,7 @@ TEST(GetLayerIndex, ListsTheMembersOfGroupsInPlaceButNoDeeper) {
 }
 
 TEST(GetLayerIndex, ListsLayersOfOneNameInTheMapsOrder) {
-    platform::HeadlessMap map;
+    hosting::HeadlessMap map;
     map.append_layer(layer("sheds"));
     map.append_layer(layer("sheds"));
     EXPECT_THAT(GetLayerIndex(LayerKind::FeatureLayer, map).layers,

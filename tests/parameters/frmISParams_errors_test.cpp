@@ -40,7 +40,7 @@ class ErrorsTest : public ParamsTest {
     }
     /// A layer whose file is not there.
     void add_lost_layer() {
-        map().add_layer(std::make_shared<platform::HeadlessFeatureLayer>(
+        map().add_layer(std::make_shared<hosting::HeadlessFeatureLayer>(
             "lost", data::FeatureSource{.path = m_world.folder / "lost.shp"}));
     }
     void lose(const std::string& layer) { base::remove_file(m_world.folder / (layer + ".shp")); }

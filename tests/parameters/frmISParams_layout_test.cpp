@@ -154,7 +154,7 @@ TEST_F(LayoutTest, TheDensityDialogHasRoomForItsNumbersInABigFont) {
 TEST_F(LayoutTest, ALongNameIsCutWithDotsAndShownWholeInTheTip) {
     const std::string name = "sheds of the upper valley, as surveyed in 2019 and revised twice since then";
     m_world.layer("west", {integer_field("ID")}, {{{{0, 0, 1, 1}}, {1}}});
-    map().append_layer(std::make_shared<platform::HeadlessFeatureLayer>(
+    map().append_layer(std::make_shared<hosting::HeadlessFeatureLayer>(
         name, data::FeatureSource{.path = m_world.folder / "west.shp"}));
     open();
     const QSize before = m_form->size();

@@ -53,7 +53,7 @@ TEST_F(RefreshTest, RefreshKeepsUnitsSetOptionAndScenarios) {
 }
 
 TEST_F(RefreshTest, RefreshPutsTheLandCoverBackToo) {
-    map().append_layer(std::make_shared<platform::HeadlessRasterLayer>("relief", m_world.folder / "cover.tif"));
+    map().append_layer(std::make_shared<hosting::HeadlessRasterLayer>("relief", m_world.folder / "cover.tif"));
     choose("cboLCTheme", "relief");
     type_output(out("is"));
     tab();

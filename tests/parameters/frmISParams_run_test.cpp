@@ -189,8 +189,8 @@ TEST_F(RunTest, OneLayerDrawsFromAReplacedFileWhateverItIsCalled) {
     fill();
     run();
     map().append_layer(
-        std::make_shared<platform::HeadlessFeatureLayer>("renamed", data::FeatureSource{.path = out("is.shp")}));
-    map().append_layer(std::make_shared<platform::HeadlessFeatureLayer>(
+        std::make_shared<hosting::HeadlessFeatureLayer>("renamed", data::FeatureSource{.path = out("is.shp")}));
+    map().append_layer(std::make_shared<hosting::HeadlessFeatureLayer>(
         "in a folder", data::FeatureSource{.path = m_world.output.path(), .layer_name = "is"}));
     fill_again();
     run();
@@ -202,7 +202,7 @@ TEST_F(RunTest, AnEarlierOutputInsideAGroupGoes) {
     run();
     const auto earlier = map().layers().front();
     map().remove_layer(earlier);
-    const auto group = std::make_shared<platform::HeadlessGroupLayer>(
+    const auto group = std::make_shared<hosting::HeadlessGroupLayer>(
         "results", std::vector<std::shared_ptr<contracts::Layer>>{earlier});
     map().append_layer(group);
     fill_again();
@@ -381,7 +381,7 @@ TEST_F(RunTest, AnErrorIsReportedAndTheFormIsUsableAgain) {
 
 TEST_F(RunTest, LayersOfOneNameAreToldOf) {
     m_world.layer("plan2", {integer_field("ID")}, {{{{0, 0, 1, 1}}, {1}}});
-    map().append_layer(std::make_shared<platform::HeadlessFeatureLayer>(
+    map().append_layer(std::make_shared<hosting::HeadlessFeatureLayer>(
         "sheds", data::FeatureSource{.path = m_world.folder / "plan2.shp"}));
     fill();
     run();

@@ -97,7 +97,7 @@ class ParamsTest : public testing::Test {
     std::string out(const std::string& name) const { return m_world.output / name; }
     std::vector<std::string> layers() { return m_world.layer_names(); }
     std::vector<reporting::MessageBox>& boxes() { return m_world.said.boxes; }
-    platform::HeadlessMap& map() { return m_world.application.map(); }
+    hosting::HeadlessMap& map() { return m_world.application.map(); }
 
     SmallWorld m_world;
     ActingHost m_host{m_world};

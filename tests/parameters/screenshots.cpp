@@ -16,8 +16,8 @@
 
 #include "base/files.h"
 #include "host/qt_interaction.h"
+#include "hosting/headless_application.h"
 #include "parameters/frmISParams.h"
-#include "platform/headless/headless_application.h"
 #include "tests/support/window_pictures.h"
 
 namespace {
@@ -59,12 +59,12 @@ void press(QWidget& form, const char* name) {
     QTest::mouseClick(button, Qt::LeftButton, Qt::NoModifier, {8, button->height() / 2});
 }
 
-void add_layers(kestrel::platform::HeadlessMap& map, const std::string& demo) {
+void add_layers(kestrel::hosting::HeadlessMap& map, const std::string& demo) {
     for (const char* name : {"watersheds", "census_blocks", "new_mall", "subdivision"}) {
-        map.append_layer(std::make_shared<kestrel::platform::HeadlessFeatureLayer>(
+        map.append_layer(std::make_shared<kestrel::hosting::HeadlessFeatureLayer>(
             name, kestrel::data::FeatureSource{.path = demo + "/" + name + ".shp"}));
     }
-    map.append_layer(std::make_shared<kestrel::platform::HeadlessRasterLayer>("land_cover", demo + "/land_cover.tif"));
+    map.append_layer(std::make_shared<kestrel::hosting::HeadlessRasterLayer>("land_cover", demo + "/land_cover.tif"));
     map.set_distance_units(kestrel::contracts::kMeters);
 }
 
@@ -125,7 +125,7 @@ int main(int argc, char** argv) {
     kestrel::base::create_folder(demo + "/etc");
     kestrel::base::copy_file(demo + "/isprops.xml", demo + "/etc/isprops.xml");
 
-    kestrel::platform::HeadlessApplication host(user.progress());
+    kestrel::hosting::HeadlessApplication host(user.progress());
     add_layers(host.map(), demo);
     frmISParams form(demo);
     form.Application(&host);

@@ -8,8 +8,8 @@
 
 #include "coefficients/basUtil.h"
 #include "engine/clsISExecuteModel.h"
+#include "hosting/headless_application.h"
 #include "parameters/model_parameters.h"
-#include "platform/headless/headless_application.h"
 #include "tests/support/scripted_interaction.h"
 
 namespace kestrel::test {
@@ -28,13 +28,13 @@ class EnabledExtension final : public contracts::IExtensionConfig {
 };
 
 std::shared_ptr<contracts::Layer> feature_layer(const std::string& source, const std::vector<std::int64_t>& selected) {
-    return std::make_shared<platform::HeadlessFeatureLayer>(layer_name_of(source), data::FeatureSource::parse(source),
-                                                            selected);
+    return std::make_shared<hosting::HeadlessFeatureLayer>(layer_name_of(source), data::FeatureSource::parse(source),
+                                                           selected);
 }
 
-void fill_map(platform::HeadlessMap& map, const RunSettings& settings) {
+void fill_map(hosting::HeadlessMap& map, const RunSettings& settings) {
     map.append_layer(
-        std::make_shared<platform::HeadlessRasterLayer>(layer_name_of(settings.land_cover), settings.land_cover));
+        std::make_shared<hosting::HeadlessRasterLayer>(layer_name_of(settings.land_cover), settings.land_cover));
     map.append_layer(feature_layer(settings.zones, settings.selected));
     if (settings.option == kByDensity && settings.density != settings.zones) {
         map.append_layer(feature_layer(settings.density, {}));
@@ -80,7 +80,7 @@ WholeRun::WholeRun(const RunSettings& settings) {
     std::filesystem::create_directories(output_folder);
     ScriptedInteraction user;
     base::NoProgress progress;
-    platform::HeadlessApplication application(progress);
+    hosting::HeadlessApplication application(progress);
     EnabledExtension raster_analysis;
     application.register_extension(contracts::kRasterAnalysisExtension, raster_analysis);
     fill_map(application.map(), settings);

@@ -9,7 +9,7 @@
 #include <QTest>
 
 #include "base/files.h"
-#include "platform/headless/headless_application.h"
+#include "hosting/headless_application.h"
 #include "records/frmISTParams.h"
 #include "tests/support/failing_interaction.h"
 #include "tests/support/failure.h"
@@ -40,7 +40,7 @@ class FindBarTest : public testing::Test {
     void add(const std::string& name, const std::string& report) {
         base::write_file(m_folder / (name + ".prm"), report);
         m_application.map().append_layer(
-            std::make_shared<platform::HeadlessFeatureLayer>(name, data::FeatureSource{m_folder / (name + ".shp")}));
+            std::make_shared<hosting::HeadlessFeatureLayer>(name, data::FeatureSource{m_folder / (name + ".shp")}));
     }
     QPlainTextEdit& text() { return control_in<QPlainTextEdit>(m_form, "txtTParams"); }
     QWidget& bar() { return control_in<QWidget>(m_form, "fraFind"); }
@@ -63,7 +63,7 @@ class FindBarTest : public testing::Test {
     TemporaryFolder m_folder;
     ScriptedInteraction m_user;
     base::NoProgress m_progress;
-    platform::HeadlessApplication m_application{m_progress};
+    hosting::HeadlessApplication m_application{m_progress};
     frmISTParams m_form;
 };
 

@@ -13,7 +13,7 @@
 #include <memory>
 
 #include "base/files.h"
-#include "platform/headless/headless_application.h"
+#include "hosting/headless_application.h"
 #include "tests/support/failing_event.h"
 #include "tests/support/failing_interaction.h"
 #include "tests/support/scripted_interaction.h"
@@ -22,7 +22,7 @@
 namespace kestrel::test {
 namespace {
 
-using platform::HeadlessFeatureLayer;
+using hosting::HeadlessFeatureLayer;
 using reporting::MessageBox;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -45,7 +45,7 @@ class BrokenLayer final : public contracts::FeatureLayer {
     void set_renderer(const data::ClassBreaksRenderer&) override {}
 
   private:
-    platform::HeadlessSelection m_selection{{}};
+    hosting::HeadlessSelection m_selection{{}};
 };
 
 class frmISTParamsTest : public testing::Test {
@@ -116,7 +116,7 @@ class frmISTParamsTest : public testing::Test {
     TemporaryFolder m_folder;
     ScriptedInteraction m_user;
     base::NoProgress m_progress;
-    platform::HeadlessApplication m_application{m_progress};
+    hosting::HeadlessApplication m_application{m_progress};
     frmISTParams m_form;
     bool m_opened_before = false;
 };
@@ -383,7 +383,7 @@ TEST_F(frmISTParamsTest, FailingCloseIsReported) {
 
 TEST_F(frmISTParamsTest, LayersOfGroupsStandInTheirPlaceAndASourceTwiceIsListedTwice) {
     two_outputs();
-    m_application.map().append_layer(std::make_shared<platform::HeadlessGroupLayer>(
+    m_application.map().append_layer(std::make_shared<hosting::HeadlessGroupLayer>(
         "outputs", std::vector<std::shared_ptr<contracts::Layer>>{
                        std::make_shared<HeadlessFeatureLayer>("once more", data::FeatureSource{m_folder / "north.shp"}),
                        std::make_shared<HeadlessFeatureLayer>("lost", data::FeatureSource{})}));

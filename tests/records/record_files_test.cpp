@@ -6,16 +6,16 @@
 #include <gtest/gtest.h>
 
 #include "base/files.h"
-#include "platform/headless/headless_map.h"
+#include "hosting/headless_map.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel::test {
 namespace {
 
-using platform::HeadlessFeatureLayer;
-using platform::HeadlessGroupLayer;
-using platform::HeadlessMap;
-using platform::HeadlessRasterLayer;
+using hosting::HeadlessFeatureLayer;
+using hosting::HeadlessGroupLayer;
+using hosting::HeadlessMap;
+using hosting::HeadlessRasterLayer;
 using testing::ElementsAre;
 
 std::shared_ptr<HeadlessFeatureLayer> features(const std::string& name, const std::string& path,

@@ -11,7 +11,7 @@
 
 #include "base/files.h"
 #include "host/qt_interaction.h"
-#include "platform/headless/headless_application.h"
+#include "hosting/headless_application.h"
 #include "records/frmISTParams.h"
 #include "tests/support/window_pictures.h"
 
@@ -35,8 +35,8 @@ int main(int argc, char** argv) {
     const std::string output = argv[1];
     const std::string folder = argv[2];
 
-    kestrel::platform::HeadlessApplication host(user.progress());
-    host.map().append_layer(std::make_shared<kestrel::platform::HeadlessFeatureLayer>(
+    kestrel::hosting::HeadlessApplication host(user.progress());
+    host.map().append_layer(std::make_shared<kestrel::hosting::HeadlessFeatureLayer>(
         kestrel::base::base_name_of(output), kestrel::data::FeatureSource{.path = output}));
     kestrel::frmISTParams viewer;
     viewer.Application(&host);

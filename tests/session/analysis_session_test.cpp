@@ -52,9 +52,9 @@ class AnalysisSession : public RealData {
     }
 
     void add_layers() {
-        map().append_layer(std::make_shared<platform::HeadlessRasterLayer>("nlcd2011", m_data / "nlcd2011.tif"));
+        map().append_layer(std::make_shared<hosting::HeadlessRasterLayer>("nlcd2011", m_data / "nlcd2011.tif"));
         for (const char* file : {"sheds.shp", "blockgroups.shp", "town_plan.shp", "resort_wgs84.gpkg"}) {
-            map().append_layer(std::make_shared<platform::HeadlessFeatureLayer>(
+            map().append_layer(std::make_shared<hosting::HeadlessFeatureLayer>(
                 base::base_name_of(file), data::FeatureSource{.path = m_data / file}));
         }
         map().set_distance_units(contracts::kMeters);
@@ -171,11 +171,11 @@ class AnalysisSession : public RealData {
             names.push_back(layer->name());
         return names;
     }
-    platform::HeadlessMap& map() { return m_host->application.map(); }
+    hosting::HeadlessMap& map() { return m_host->application.map(); }
 
     void expect_output_in_the_map() {
         EXPECT_THAT(layers(), ElementsAre("result", "nlcd2011", "sheds", "blockgroups", "town_plan", "resort_wgs84"));
-        const auto* output = dynamic_cast<const platform::HeadlessFeatureLayer*>(map().layers().front().get());
+        const auto* output = dynamic_cast<const hosting::HeadlessFeatureLayer*>(map().layers().front().get());
         ASSERT_NE(output, nullptr);
         EXPECT_EQ(output->source().file(), m_output + "/result.shp");
         ASSERT_TRUE(output->renderer().has_value());

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "host/qt_interaction.h"
-#include "platform/headless/headless_application.h"
+#include "hosting/headless_application.h"
 
 namespace kestrel::test {
 
@@ -16,7 +16,7 @@ namespace kestrel::test {
 /// extensions are those of a headless one.
 class DesktopHost final : public contracts::Application {
   public:
-    DesktopHost(platform::HeadlessApplication& rest, QtInteraction& user) : m_rest(rest), m_user(user) {}
+    DesktopHost(hosting::HeadlessApplication& rest, QtInteraction& user) : m_rest(rest), m_user(user) {}
 
     contracts::Document& document() override { return m_rest.document(); }
     contracts::IExtensionConfig* find_extension(std::string_view class_id) override {
@@ -33,7 +33,7 @@ class DesktopHost final : public contracts::Application {
     std::vector<contracts::RunResult> results;
 
   private:
-    platform::HeadlessApplication& m_rest;
+    hosting::HeadlessApplication& m_rest;
     QtInteraction& m_user;
 };
 

@@ -105,7 +105,7 @@ void SmallWorld::land_cover(const std::string& cells, const std::string& referen
     raster.grid.dx = cell;
     raster.grid.dy = -cell;
     write_raster(folder / "cover.tif", raster);
-    application.map().append_layer(std::make_shared<platform::HeadlessRasterLayer>("cover", folder / "cover.tif"));
+    application.map().append_layer(std::make_shared<hosting::HeadlessRasterLayer>("cover", folder / "cover.tif"));
 }
 
 void SmallWorld::layer(const std::string& name, const std::vector<Field>& fields, const std::vector<Shape>& shapes,
@@ -118,7 +118,7 @@ void SmallWorld::layer(const std::string& name, const std::vector<Field>& fields
     }
     writer.close();
     application.map().append_layer(
-        std::make_shared<platform::HeadlessFeatureLayer>(name, data::FeatureSource{.path = path}, std::move(selected)));
+        std::make_shared<hosting::HeadlessFeatureLayer>(name, data::FeatureSource{.path = path}, std::move(selected)));
 }
 
 void SmallWorld::json_layer(const std::string& name, const std::vector<std::pair<Box, std::string>>& features,
@@ -133,7 +133,7 @@ void SmallWorld::json_layer(const std::string& name, const std::vector<std::pair
     const std::string path = folder / (name + ".geojson");
     base::write_file(path, text + "]}");
     application.map().append_layer(
-        std::make_shared<platform::HeadlessFeatureLayer>(name, data::FeatureSource{.path = path}, std::move(selected)));
+        std::make_shared<hosting::HeadlessFeatureLayer>(name, data::FeatureSource{.path = path}, std::move(selected)));
 }
 
 void SmallWorld::write_parameters() const {

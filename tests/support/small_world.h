@@ -9,7 +9,7 @@
 
 #include "data/field.h"
 #include "engine/clsISExecuteModel.h"
-#include "platform/headless/headless_application.h"
+#include "hosting/headless_application.h"
 #include "polygons/polygons.h"
 #include "tests/support/raster_analysis.h"
 #include "tests/support/scripted_interaction.h"
@@ -108,7 +108,7 @@ class SmallWorld {
     ScriptedInteraction said;
     LimitedProgress progress;
     RasterAnalysis raster_analysis;
-    platform::HeadlessApplication application{progress};
+    hosting::HeadlessApplication application{progress};
     WorldParameters parameters;
 
   private:

@@ -29,7 +29,7 @@ TestHost::TestHost(Raster raster) {
         copy_part(part, m_folder.path());
     }
     m_library_path = m_folder / file;
-    m_kestrel = std::make_unique<platform::HostedExtension>(m_library_path);
+    m_kestrel = std::make_unique<hosting::HostedExtension>(m_library_path);
     application.register_extension(contracts::kKestrelExtension, m_kestrel->config());
     raster_analysis.IExtensionConfig_State(contracts::kExtensionEnabled);
     if (raster == Raster::registered) {
@@ -43,7 +43,7 @@ TestHost::~TestHost() = default;
 
 std::vector<std::string> TestHost::shown_menu() const {
     std::vector<std::string> lines;
-    for (const platform::HostedItem& item : menu().items) {
+    for (const hosting::HostedItem& item : menu().items) {
         if (item.def.Group) {
             lines.emplace_back("-");
         }
@@ -54,7 +54,7 @@ std::vector<std::string> TestHost::shown_menu() const {
 }
 
 void TestHost::click(const std::string& caption) {
-    for (const platform::HostedItem& item : menu().items) {
+    for (const hosting::HostedItem& item : menu().items) {
         if (item.command->ICommand_Caption() == caption) {
             if (!item.command->ICommand_Enabled()) {
                 throw std::logic_error("'" + caption + "' is greyed");

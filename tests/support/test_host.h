@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/headless/headless_application.h"
-#include "platform/hosted_extension.h"
+#include "hosting/headless_application.h"
+#include "hosting/hosted_extension.h"
 #include "tests/support/raster_analysis.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
@@ -35,12 +35,12 @@ class TestHost {
 
     const std::string& extension_folder() const noexcept { return m_folder.path(); }
     const std::string& library_path() const noexcept { return m_library_path; }
-    platform::HostedExtension& kestrel() noexcept { return *m_kestrel; }
+    hosting::HostedExtension& kestrel() noexcept { return *m_kestrel; }
     /// The extension's state, as its user sets it.
     void set_state(std::int32_t state) { m_kestrel->config().IExtensionConfig_State(state); }
 
     /// The menu on the toolbar.
-    const platform::HostedItem& menu() const { return m_kestrel->items().at(0); }
+    const hosting::HostedItem& menu() const { return m_kestrel->items().at(0); }
     /// The menu as its user sees it: captions from the top, "-" for a separator, those that are greyed in brackets.
     /// Asks every command whether it is enabled, as a host does before it shows a menu.
     std::vector<std::string> shown_menu() const;
@@ -63,10 +63,10 @@ class TestHost {
     ScriptedInteraction said;
     base::NoProgress progress;
     RasterAnalysis raster_analysis;
-    platform::HeadlessApplication application{progress};
+    hosting::HeadlessApplication application{progress};
 
   private:
-    std::unique_ptr<platform::HostedExtension> m_kestrel;
+    std::unique_ptr<hosting::HostedExtension> m_kestrel;
 };
 
 }  // namespace kestrel::test

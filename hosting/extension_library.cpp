@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/extension_library.h"
+#include "hosting/extension_library.h"
 
 #include <dlfcn.h>
 
 #include "base/errors.h"
 #include "base/files.h"
 
-namespace kestrel::platform {
+namespace kestrel::hosting {
 
 namespace {
 
@@ -58,4 +58,4 @@ void throw_missing_contract(const std::type_info& contract) {
                              std::string("An object of the extension lacks the contract ") + contract.name());
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::hosting

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/hosted_extension.h"
+#include "hosting/hosted_extension.h"
 
-namespace kestrel::platform {
+namespace kestrel::hosting {
 
 HostedExtension::HostedExtension(const std::string& library_path)
     : m_library(library_path), m_extension(m_library.create(contracts::kKestrelExtension)) {}
@@ -52,4 +52,4 @@ HostedItem HostedExtension::make_item(const contracts::ItemDef& def, contracts::
     return item;
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::hosting

@@ -10,7 +10,7 @@
 
 /// \file
 /// How a host loads an extension library, and asks its objects for their contracts.
-namespace kestrel::platform {
+namespace kestrel::hosting {
 
 /// A loaded extension library. It outlives every object that it made.
 class ExtensionLibrary {
@@ -47,4 +47,4 @@ Contract& contract(contracts::ExtensionObject& object) {
     return *found;
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::hosting

@@ -8,9 +8,9 @@
 #include <utility>
 
 #include "contracts/application.h"
-#include "platform/headless/headless_map.h"
+#include "hosting/headless_map.h"
 
-namespace kestrel::platform {
+namespace kestrel::hosting {
 
 class HeadlessDocument final : public contracts::Document {
   public:
@@ -50,4 +50,4 @@ class HeadlessApplication final : public contracts::Application {
     std::optional<contracts::RunResult> m_result;
 };
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::hosting

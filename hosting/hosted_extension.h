@@ -8,9 +8,9 @@
 
 #include "contracts/command.h"
 #include "contracts/extension.h"
-#include "platform/extension_library.h"
+#include "hosting/extension_library.h"
 
-namespace kestrel::platform {
+namespace kestrel::hosting {
 
 /// What stands at one place of a toolbar or menu, made and ready: a command, or a menu with items of its own.
 struct HostedItem {
@@ -64,4 +64,4 @@ class HostedExtension {
     bool m_started = false;
 };
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::hosting

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/headless/headless_map.h"
+#include "hosting/headless_map.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace kestrel::platform {
+namespace kestrel::hosting {
 
 HeadlessFeatureLayer::HeadlessFeatureLayer(std::string name, data::FeatureSource source,
                                            std::vector<std::int64_t> selected)
@@ -78,4 +78,4 @@ contracts::DistanceUnits distance_units_of(const data::SpatialReference& referen
     return std::abs(metres - 0.3048) < 1e-5 ? contracts::kFeet : contracts::kUnknownUnits;
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::hosting

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/headless/headless_application.h"
+#include "hosting/headless_application.h"
 
-namespace kestrel::platform {
+namespace kestrel::hosting {
 
 contracts::IExtensionConfig* HeadlessApplication::find_extension(std::string_view class_id) {
     const auto found = m_extensions.find(class_id);
@@ -18,4 +18,4 @@ void HeadlessApplication::register_extension(std::string class_id, contracts::IE
     m_extensions.insert_or_assign(std::move(class_id), &extension);
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::hosting

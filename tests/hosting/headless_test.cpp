@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "platform/headless/headless_application.h"
+#include "hosting/headless_application.h"
 #include "tests/support/error_of.h"
 
 #include <gmock/gmock.h>
@@ -8,7 +8,7 @@
 
 #include <functional>
 
-namespace kestrel::platform {
+namespace kestrel::hosting {
 
 namespace {
 
@@ -215,4 +215,4 @@ TEST(DistanceUnitsOf, TellsMetresFeetAndDegreesApart) {
 
 }  // namespace
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::hosting

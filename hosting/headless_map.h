@@ -11,7 +11,7 @@
 
 /// \file
 /// A map without a screen: the layers that somebody put into it, in order.
-namespace kestrel::platform {
+namespace kestrel::hosting {
 
 class HeadlessSelection final : public contracts::Selection {
   public:
@@ -98,4 +98,4 @@ class HeadlessMap final : public contracts::Map {
 /// The distance units of a coordinate system as the host would code them.
 contracts::DistanceUnits distance_units_of(const data::SpatialReference& reference);
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::hosting
