@@ -6,7 +6,7 @@
 #include "base/files.h"
 #include "data/output_files.h"
 #include "engine/clsISExecuteModel.h"
-#include "host/clsExtension.h"
+#include "extension/clsExtension.h"
 #include "host/raster_analysis.h"
 #include "hosting/headless_application.h"
 

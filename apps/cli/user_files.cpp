@@ -8,7 +8,7 @@
 
 #include "apps/cli/refusal.h"
 #include "base/files.h"
-#include "host/extension_folder.h"
+#include "extension/extension_folder.h"
 
 namespace kestrel::cli {
 

@@ -21,7 +21,7 @@
 #include "apps/qgis/extensions_window.h"
 #include "apps/qgis/kestrel_provider.h"
 #include "base/files.h"
-#include "host/extension_folder.h"
+#include "extension/extension_folder.h"
 #include "host/raster_analysis.h"
 #include "hosting/hosted_extension.h"
 

@@ -18,7 +18,7 @@
 #include "base/files.h"
 #include "coefficients/frmAddLCType.h"
 #include "coefficients/frmISModelProps.h"
-#include "host/clsCommands.h"
+#include "extension/clsCommands.h"
 #include "hosting/headless_application.h"
 #include "parameters/frmISPDensity.h"
 #include "parameters/frmISParams.h"

@@ -11,7 +11,7 @@
 #include <QListWidget>
 #include <QTest>
 
-#include "host/clsExtension.h"
+#include "extension/clsExtension.h"
 #include "host/raster_analysis.h"
 #include "tests/support/test_files.h"
 

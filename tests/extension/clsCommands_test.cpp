@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/clsCommands.h"
+#include "extension/clsCommands.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "base/errors.h"
-#include "host/clsExtension.h"
+#include "extension/clsExtension.h"
 #include "hosting/headless_application.h"
 #include "tests/support/raster_analysis.h"
 #include "tests/support/scripted_interaction.h"

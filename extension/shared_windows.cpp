@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/shared_windows.h"
+#include "extension/shared_windows.h"
 
 #include "base/errors.h"
 #include "coefficients/frmISModelProps.h"

@@ -9,13 +9,13 @@
 #include <memory>
 #include <string_view>
 
-#include "host/class_ids.h"
-#include "host/clsCommands.h"
-#include "host/clsExtension.h"
-#include "host/clsMenuDef.h"
-#include "host/clsToolbar.h"
-#include "host/extension_folder.h"
-#include "host/shared_windows.h"
+#include "extension/class_ids.h"
+#include "extension/clsCommands.h"
+#include "extension/clsExtension.h"
+#include "extension/clsMenuDef.h"
+#include "extension/clsToolbar.h"
+#include "extension/extension_folder.h"
+#include "extension/shared_windows.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/extension_folder.h"
+#include "extension/extension_folder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

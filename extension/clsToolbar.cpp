@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/clsToolbar.h"
+#include "extension/clsToolbar.h"
 
-#include "host/class_ids.h"
+#include "extension/class_ids.h"
 
 namespace kestrel {
 

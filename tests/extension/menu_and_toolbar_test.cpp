@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
-#include "host/clsMenuDef.h"
-#include "host/clsToolbar.h"
+#include "extension/clsMenuDef.h"
+#include "extension/clsToolbar.h"
 
 namespace kestrel {
 namespace {

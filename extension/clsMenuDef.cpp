@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/clsMenuDef.h"
+#include "extension/clsMenuDef.h"
 
-#include "host/class_ids.h"
-#include "host/extension_windows.h"
+#include "extension/class_ids.h"
+#include "extension/extension_windows.h"
 
 namespace kestrel {
 

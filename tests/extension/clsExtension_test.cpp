@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/clsExtension.h"
+#include "extension/clsExtension.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

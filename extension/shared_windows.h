@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "host/extension_windows.h"
+#include "extension/extension_windows.h"
 
 class QWidget;
 

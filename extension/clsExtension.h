@@ -7,7 +7,7 @@
 
 #include "contracts/extension.h"
 #include "contracts/extension_object.h"
-#include "host/extension_windows.h"
+#include "extension/extension_windows.h"
 
 namespace kestrel {
 

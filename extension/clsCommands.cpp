@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/clsCommands.h"
+#include "extension/clsCommands.h"
 
 #include <array>
 
 #include "base/errors.h"
-#include "host/clsExtension.h"
+#include "extension/clsExtension.h"
 #include "reporting/error_report.h"
 
 namespace kestrel {
