@@ -17,7 +17,7 @@
 #include "apps/cli/run_output.h"
 #include "apps/cli/user_files.h"
 #include "base/files.h"
-#include "host/headless_run.h"
+#include "hosting/headless_run.h"
 
 namespace kestrel::cli {
 

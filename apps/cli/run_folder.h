@@ -6,7 +6,7 @@
 #include <string>
 
 #include "base/files.h"
-#include "host/headless_run.h"
+#include "hosting/headless_run.h"
 
 namespace kestrel::cli {
 

@@ -11,7 +11,7 @@
 #include "apps/cli/refusal.h"
 #include "base/conversions.h"
 #include "data/raster.h"
-#include "host/run_choices.h"
+#include "hosting/run_choices.h"
 
 namespace kestrel::cli {
 

@@ -8,7 +8,7 @@
 #include "apps/cli/run_request.h"
 #include "coefficients/clsISModelProperties.h"
 #include "contracts/map.h"
-#include "host/run_layers.h"
+#include "hosting/run_layers.h"
 #include "parameters/model_parameters.h"
 
 namespace kestrel::cli {

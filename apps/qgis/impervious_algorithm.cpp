@@ -17,9 +17,9 @@
 #include "base/files.h"
 #include "coefficients/basUtil.h"
 #include "data/raster.h"
-#include "host/headless_run.h"
-#include "host/run_choices.h"
-#include "host/run_layers.h"
+#include "hosting/headless_run.h"
+#include "hosting/run_choices.h"
+#include "hosting/run_layers.h"
 
 namespace kestrel::qgis {
 

@@ -22,8 +22,8 @@
 #include "apps/qgis/kestrel_provider.h"
 #include "base/files.h"
 #include "extension/extension_folder.h"
-#include "host/raster_analysis.h"
 #include "hosting/hosted_extension.h"
+#include "hosting/raster_analysis.h"
 
 namespace kestrel::qgis {
 

@@ -12,7 +12,7 @@
 #include <QTest>
 
 #include "extension/clsExtension.h"
-#include "host/raster_analysis.h"
+#include "hosting/raster_analysis.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel::test {

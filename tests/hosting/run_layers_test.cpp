@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/run_layers.h"
+#include "hosting/run_layers.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/run_choices.h"
+#include "hosting/run_choices.h"
 
 #include <cmath>
 

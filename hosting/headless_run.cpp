@@ -1,14 +1,14 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/headless_run.h"
+#include "hosting/headless_run.h"
 
 #include "base/errors.h"
 #include "base/files.h"
 #include "data/output_files.h"
 #include "engine/clsISExecuteModel.h"
 #include "extension/clsExtension.h"
-#include "host/raster_analysis.h"
 #include "hosting/headless_application.h"
+#include "hosting/raster_analysis.h"
 
 namespace kestrel {
 
