@@ -3,7 +3,7 @@
 #include "extension/shared_windows.h"
 
 #include "base/errors.h"
-#include "coefficients/frmISModelProps.h"
+#include "forms/coefficients/frmISModelProps.h"
 #include "host/frmHelpBrowser2.h"
 #include "host/frmISAbout.h"
 #include "parameters/frmISParams.h"

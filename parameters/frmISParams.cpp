@@ -9,7 +9,7 @@
 #include "base/errors.h"
 #include "base/files.h"
 #include "coefficients/basUtil.h"
-#include "coefficients/combo_boxes.h"
+#include "forms/coefficients/combo_boxes.h"
 #include "parameters/basISModelUtil.h"
 #include "parameters/form_texts.h"
 #include "parameters/parameter_controls.h"

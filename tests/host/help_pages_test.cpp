@@ -16,9 +16,9 @@
 #include <QTextFragment>
 
 #include "base/files.h"
-#include "coefficients/frmAddLCType.h"
-#include "coefficients/frmISModelProps.h"
 #include "extension/clsCommands.h"
+#include "forms/coefficients/frmAddLCType.h"
+#include "forms/coefficients/frmISModelProps.h"
 #include "hosting/headless_application.h"
 #include "parameters/frmISPDensity.h"
 #include "parameters/frmISParams.h"
