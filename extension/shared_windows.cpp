@@ -3,10 +3,10 @@
 #include "extension/shared_windows.h"
 
 #include "base/errors.h"
+#include "forms/analysis/frmISParams.h"
 #include "forms/coefficients/frmISModelProps.h"
 #include "host/frmHelpBrowser2.h"
 #include "host/frmISAbout.h"
-#include "parameters/frmISParams.h"
 #include "records/frmISTParams.h"
 
 namespace kestrel {

@@ -14,7 +14,7 @@
 #include <QUrl>
 
 #include "base/files.h"
-#include "parameters/named_control.h"
+#include "forms/analysis/named_control.h"
 #include "records/find_words.h"
 #include "reporting/error_report.h"
 #include "reporting/interaction.h"

@@ -7,7 +7,7 @@
 #include "apps/qgis/impervious_algorithm.h"
 #include "base/files.h"
 #include "coefficients/basUtil.h"
-#include "parameters/form_texts.h"
+#include "forms/analysis/form_texts.h"
 
 /// \file
 /// What the algorithm asks for, and what it says of itself.

@@ -17,11 +17,11 @@
 
 #include "base/files.h"
 #include "extension/clsCommands.h"
+#include "forms/analysis/frmISPDensity.h"
+#include "forms/analysis/frmISParams.h"
 #include "forms/coefficients/frmAddLCType.h"
 #include "forms/coefficients/frmISModelProps.h"
 #include "hosting/headless_application.h"
-#include "parameters/frmISPDensity.h"
-#include "parameters/frmISParams.h"
 #include "records/frmISTParams.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"

@@ -1,15 +1,15 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "parameters/frmISPDensity.h"
+#include "forms/analysis/frmISPDensity.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
 #include "base/errors.h"
-#include "parameters/name_list.h"
-#include "parameters/named_control.h"
-#include "parameters/parameter_controls.h"
+#include "forms/analysis/name_list.h"
+#include "forms/analysis/named_control.h"
+#include "forms/analysis/parameter_controls.h"
 #include "reporting/error_report.h"
 #include "reporting/interaction.h"
 

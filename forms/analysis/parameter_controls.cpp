@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "parameters/parameter_controls.h"
+#include "forms/analysis/parameter_controls.h"
 
 #include <QSignalBlocker>
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "parameters/scenario_rows.h"
+#include "forms/analysis/scenario_rows.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -8,9 +8,9 @@
 #include <algorithm>
 
 #include "base/conversions.h"
+#include "forms/analysis/form_texts.h"
+#include "forms/analysis/parameter_controls.h"
 #include "parameters/basISModelUtil.h"
-#include "parameters/form_texts.h"
-#include "parameters/parameter_controls.h"
 #include "reporting/error_report.h"
 #include "reporting/interaction.h"
 

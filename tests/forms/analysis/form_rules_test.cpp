@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "parameters/form_rules.h"
+#include "forms/analysis/form_rules.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "parameters/frmISParams.h"
+#include "forms/analysis/frmISParams.h"
 
 #include <QButtonGroup>
 #include <QPointer>
@@ -9,10 +9,10 @@
 #include "base/errors.h"
 #include "base/files.h"
 #include "coefficients/basUtil.h"
+#include "forms/analysis/form_texts.h"
+#include "forms/analysis/parameter_controls.h"
 #include "forms/coefficients/combo_boxes.h"
 #include "parameters/basISModelUtil.h"
-#include "parameters/form_texts.h"
-#include "parameters/parameter_controls.h"
 #include "reporting/error_report.h"
 
 namespace kestrel {

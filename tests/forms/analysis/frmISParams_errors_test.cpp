@@ -4,8 +4,8 @@
 #include <QScrollBar>
 
 #include "base/files.h"
-#include "parameters/frmISParams.h"
-#include "tests/parameters/params_fixture.h"
+#include "forms/analysis/frmISParams.h"
+#include "tests/forms/analysis/params_fixture.h"
 #include "tests/support/failing_event.h"
 #include "tests/support/failing_interaction.h"
 #include "tests/support/failure.h"

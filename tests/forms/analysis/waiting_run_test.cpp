@@ -8,8 +8,8 @@
 #include <QTimer>
 
 #include "base/files.h"
-#include "parameters/frmISParams.h"
-#include "tests/parameters/params_fixture.h"
+#include "forms/analysis/frmISParams.h"
+#include "tests/forms/analysis/params_fixture.h"
 #include "tests/support/desktop_host.h"
 
 /// \file

@@ -5,9 +5,9 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "parameters/name_list.h"
-#include "parameters/named_control.h"
-#include "parameters/scenario_rows.h"
+#include "forms/analysis/name_list.h"
+#include "forms/analysis/named_control.h"
+#include "forms/analysis/scenario_rows.h"
 
 /// \file
 /// The scenario area's controls: made, laid out, loaded and unloaded.

@@ -6,9 +6,9 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
-#include "parameters/frmISParams.h"
-#include "parameters/name_list.h"
-#include "parameters/named_control.h"
+#include "forms/analysis/frmISParams.h"
+#include "forms/analysis/name_list.h"
+#include "forms/analysis/named_control.h"
 
 /// \file
 /// The parameter form's controls: made, laid out, connected.

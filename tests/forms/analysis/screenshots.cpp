@@ -15,9 +15,9 @@
 #include <iostream>
 
 #include "base/files.h"
+#include "forms/analysis/frmISParams.h"
 #include "host/qt_interaction.h"
 #include "hosting/headless_application.h"
-#include "parameters/frmISParams.h"
 #include "tests/support/window_pictures.h"
 
 namespace {

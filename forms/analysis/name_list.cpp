@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "parameters/name_list.h"
+#include "forms/analysis/name_list.h"
 
 #include <QAbstractItemView>
 #include <QHelpEvent>

@@ -5,9 +5,9 @@
 #include <QLabel>
 #include <QToolTip>
 
-#include "parameters/frmISParams.h"
-#include "parameters/name_list.h"
-#include "tests/parameters/params_fixture.h"
+#include "forms/analysis/frmISParams.h"
+#include "forms/analysis/name_list.h"
+#include "tests/forms/analysis/params_fixture.h"
 
 /// \file
 /// How the form looks, whatever font the desktop has and however much stands in it.

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "parameters/frmISParams.h"
-#include "tests/parameters/params_fixture.h"
+#include "forms/analysis/frmISParams.h"
+#include "tests/forms/analysis/params_fixture.h"
 
 /// \file
 /// What the form remembers when the output is named, and puts back after a click on Run.

@@ -7,7 +7,7 @@
 
 #include "apps/cli/run.h"
 #include "base/files.h"
-#include "tests/parameters/params_fixture.h"
+#include "tests/forms/analysis/params_fixture.h"
 
 /// \file
 /// The form and the command hand the same choices to a run in the same file, byte for byte.

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "parameters/frmISParams.h"
+#include "forms/analysis/frmISParams.h"
 #include "tests/support/small_world.h"
 #include "tests/support/user_actions.h"
 

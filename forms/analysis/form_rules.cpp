@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "parameters/form_rules.h"
+#include "forms/analysis/form_rules.h"
 
 #include <array>
 
 #include "base/conversions.h"
-#include "parameters/form_texts.h"
+#include "forms/analysis/form_texts.h"
 
 namespace kestrel {
 

@@ -17,10 +17,10 @@
 
 #include "coefficients/clsISModelProperties.h"
 #include "contracts/application.h"
-#include "parameters/form_rules.h"
-#include "parameters/frmISPDensity.h"
+#include "forms/analysis/form_rules.h"
+#include "forms/analysis/frmISPDensity.h"
+#include "forms/analysis/scenario_rows.h"
 #include "parameters/run_output.h"
-#include "parameters/scenario_rows.h"
 
 class QButtonGroup;
 

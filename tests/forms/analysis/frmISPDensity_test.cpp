@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "parameters/frmISPDensity.h"
+#include "forms/analysis/frmISPDensity.h"
 
 #include <QApplication>
 #include <QLabel>
 
 #include "base/files.h"
-#include "tests/parameters/params_fixture.h"
+#include "tests/forms/analysis/params_fixture.h"
 
 namespace kestrel::test {
 namespace {

@@ -9,9 +9,9 @@
 #include "data/output_files.h"
 #include "engine/basUtil.h"
 #include "engine/clsISExecuteModel.h"
+#include "forms/analysis/form_texts.h"
+#include "forms/analysis/frmISParams.h"
 #include "parameters/basISModelUtil.h"
-#include "parameters/form_texts.h"
-#include "parameters/frmISParams.h"
 #include "reporting/error_report.h"
 
 /// \file

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "contracts/application.h"
-#include "parameters/form_rules.h"
+#include "forms/analysis/form_rules.h"
 #include "parameters/model_parameters.h"
 
 class QGridLayout;

@@ -14,7 +14,7 @@
 
 #include "coefficients/clsISModelProperties.h"
 #include "contracts/map.h"
-#include "parameters/form_rules.h"
+#include "forms/analysis/form_rules.h"
 #include "parameters/model_parameters.h"
 
 class QGridLayout;

@@ -5,9 +5,9 @@
 #include <QScopedValueRollback>
 
 #include "base/files.h"
+#include "forms/analysis/form_texts.h"
+#include "forms/analysis/frmISParams.h"
 #include "parameters/basISModelUtil.h"
-#include "parameters/form_texts.h"
-#include "parameters/frmISParams.h"
 #include "reporting/error_report.h"
 
 /// \file

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "parameters/frmISParams.h"
+#include "forms/analysis/frmISParams.h"
 
 #include <QApplication>
 #include <QGroupBox>
@@ -8,7 +8,7 @@
 #include <set>
 
 #include "base/files.h"
-#include "tests/parameters/params_fixture.h"
+#include "tests/forms/analysis/params_fixture.h"
 
 namespace kestrel::test {
 namespace {

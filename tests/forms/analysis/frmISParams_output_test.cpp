@@ -5,8 +5,8 @@
 
 #include "base/errors.h"
 #include "base/files.h"
-#include "parameters/frmISParams.h"
-#include "tests/parameters/params_fixture.h"
+#include "forms/analysis/frmISParams.h"
+#include "tests/forms/analysis/params_fixture.h"
 
 namespace kestrel::test {
 namespace {

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "tests/parameters/params_fixture.h"
+#include "tests/forms/analysis/params_fixture.h"
 
 #include <QApplication>
 #include <QTimer>
