@@ -15,7 +15,7 @@
 
 #include "base/files.h"
 #include "forms/analysis/named_control.h"
-#include "records/find_words.h"
+#include "forms/records/find_words.h"
 #include "reporting/error_report.h"
 #include "reporting/interaction.h"
 

@@ -21,8 +21,8 @@
 #include "forms/analysis/frmISParams.h"
 #include "forms/coefficients/frmAddLCType.h"
 #include "forms/coefficients/frmISModelProps.h"
+#include "forms/records/frmISTParams.h"
 #include "hosting/headless_application.h"
-#include "records/frmISTParams.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"
 

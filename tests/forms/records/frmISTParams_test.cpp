@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "records/frmISTParams.h"
+#include "forms/records/frmISTParams.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

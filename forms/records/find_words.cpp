@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "records/find_words.h"
+#include "forms/records/find_words.h"
 
 namespace kestrel {
 

@@ -1,14 +1,14 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "records/find_bar.h"
+#include "forms/records/find_bar.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QShortcut>
 #include <QTextCursor>
 
-#include "records/find_words.h"
-#include "records/viewer_texts.h"
+#include "forms/records/find_words.h"
+#include "forms/records/viewer_texts.h"
 #include "reporting/error_report.h"
 
 namespace kestrel {

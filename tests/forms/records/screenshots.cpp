@@ -10,9 +10,9 @@
 #include <iostream>
 
 #include "base/files.h"
+#include "forms/records/frmISTParams.h"
 #include "host/qt_interaction.h"
 #include "hosting/headless_application.h"
-#include "records/frmISTParams.h"
 #include "tests/support/window_pictures.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "records/find_bar.h"
+#include "forms/records/find_bar.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,8 +9,8 @@
 #include <QTest>
 
 #include "base/files.h"
+#include "forms/records/frmISTParams.h"
 #include "hosting/headless_application.h"
-#include "records/frmISTParams.h"
 #include "tests/support/failing_interaction.h"
 #include "tests/support/failure.h"
 #include "tests/support/leaks_of_qt.h"

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "records/frmISTParams.h"
+#include "forms/records/frmISTParams.h"
 
 #include <QDialogButtonBox>
 #include <QEvent>
@@ -14,8 +14,8 @@
 
 #include "base/errors.h"
 #include "base/files.h"
+#include "forms/records/viewer_texts.h"
 #include "records/record_files.h"
-#include "records/viewer_texts.h"
 #include "reporting/error_report.h"
 
 namespace kestrel {

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "contracts/application.h"
-#include "records/find_bar.h"
+#include "forms/records/find_bar.h"
 
 namespace kestrel {
 
