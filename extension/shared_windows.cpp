@@ -5,9 +5,9 @@
 #include "base/errors.h"
 #include "forms/analysis/frmISParams.h"
 #include "forms/coefficients/frmISModelProps.h"
+#include "forms/help/frmHelpBrowser2.h"
+#include "forms/help/frmISAbout.h"
 #include "forms/records/frmISTParams.h"
-#include "host/frmHelpBrowser2.h"
-#include "host/frmISAbout.h"
 
 namespace kestrel {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "contracts/run_result.h"
-#include "host/qt_interaction.h"
+#include "forms/desktop/qt_interaction.h"
 #include "reporting/interaction.h"
 
 class QgisInterface;

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/qt_interaction.h"
+#include "forms/desktop/qt_interaction.h"
 #include "hosting/headless_application.h"
 
 namespace kestrel::test {

@@ -16,7 +16,7 @@
 
 #include "base/files.h"
 #include "forms/analysis/frmISParams.h"
-#include "host/qt_interaction.h"
+#include "forms/desktop/qt_interaction.h"
 #include "hosting/headless_application.h"
 #include "tests/support/window_pictures.h"
 

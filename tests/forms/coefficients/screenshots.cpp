@@ -13,7 +13,7 @@
 
 #include "base/files.h"
 #include "forms/coefficients/frmISModelProps.h"
-#include "host/qt_interaction.h"
+#include "forms/desktop/qt_interaction.h"
 #include "tests/support/window_pictures.h"
 
 namespace {

@@ -10,8 +10,8 @@
 #include <iostream>
 
 #include "base/files.h"
+#include "forms/desktop/qt_interaction.h"
 #include "forms/records/frmISTParams.h"
-#include "host/qt_interaction.h"
 #include "hosting/headless_application.h"
 #include "tests/support/window_pictures.h"
 

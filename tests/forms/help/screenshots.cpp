@@ -9,10 +9,10 @@
 #include <QDialog>
 #include <iostream>
 
-#include "host/call_stack_window.h"
-#include "host/frmHelpBrowser2.h"
-#include "host/frmISAbout.h"
-#include "host/qt_interaction.h"
+#include "forms/desktop/call_stack_window.h"
+#include "forms/desktop/qt_interaction.h"
+#include "forms/help/frmHelpBrowser2.h"
+#include "forms/help/frmISAbout.h"
 #include "tests/support/window_pictures.h"
 
 namespace {

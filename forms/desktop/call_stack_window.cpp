@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/call_stack_window.h"
+#include "forms/desktop/call_stack_window.h"
 
 #include <QClipboard>
 #include <QDialogButtonBox>

@@ -7,7 +7,7 @@
 #include <functional>
 #include <memory>
 
-#include "host/input_filter.h"
+#include "forms/desktop/input_filter.h"
 #include "reporting/interaction.h"
 
 class QLabel;

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/frmISProcessing.h"
+#include "forms/desktop/frmISProcessing.h"
 
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
-#include "host/qt_interaction.h"
+#include "forms/desktop/qt_interaction.h"
 
 namespace kestrel {
 namespace {

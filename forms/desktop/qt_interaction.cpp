@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/qt_interaction.h"
+#include "forms/desktop/qt_interaction.h"
 
 #include <QApplication>
 #include <QFileDialog>
@@ -8,8 +8,8 @@
 #include <QMessageBox>
 #include <cstdio>
 
-#include "host/call_stack_window.h"
-#include "host/frmISProcessing.h"
+#include "forms/desktop/call_stack_window.h"
+#include "forms/desktop/frmISProcessing.h"
 
 namespace kestrel {
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/frmHelpBrowser2.h"
+#include "forms/help/frmHelpBrowser2.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@
 #include <QToolButton>
 
 #include "base/files.h"
-#include "tests/host/desktop_stand_in.h"
+#include "tests/forms/help/desktop_stand_in.h"
 #include "tests/support/failing_event.h"
 #include "tests/support/failing_interaction.h"
 #include "tests/support/scripted_interaction.h"

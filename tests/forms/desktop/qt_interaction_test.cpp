@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/qt_interaction.h"
+#include "forms/desktop/qt_interaction.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/frmISProcessing.h"
+#include "forms/desktop/frmISProcessing.h"
 
 #include <QApplication>
 #include <QKeyEvent>

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/input_filter.h"
+#include "forms/desktop/input_filter.h"
 
 #include <QApplication>
 #include <QEvent>

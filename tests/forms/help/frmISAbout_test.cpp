@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/frmISAbout.h"
+#include "forms/help/frmISAbout.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@
 #include <QTest>
 
 #include "base/files.h"
-#include "host/about_texts.h"
+#include "forms/help/about_texts.h"
 #include "tests/support/failing_event.h"
 #include "tests/support/scripted_interaction.h"
 #include "tests/support/test_files.h"

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/frmHelpBrowser2.h"
+#include "forms/help/frmHelpBrowser2.h"
 
 #include <QDesktopServices>
 #include <QHBoxLayout>

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/call_stack_window.h"
+#include "forms/desktop/call_stack_window.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,7 +15,7 @@
 #include <QTimer>
 
 #include "base/errors.h"
-#include "host/qt_interaction.h"
+#include "forms/desktop/qt_interaction.h"
 #include "reporting/error_report.h"
 
 namespace kestrel {

@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "host/frmISAbout.h"
+#include "forms/help/frmISAbout.h"
 
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "host/about_texts.h"
+#include "forms/help/about_texts.h"
 #include "records/contact.h"
 #include "reporting/error_report.h"
 
