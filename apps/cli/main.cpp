@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "apps/cli/coefficients_command.h"
-#include "apps/cli/demo_command.h"
+#include "apps/cli/demo/demo_command.h"
 #include "apps/cli/records_command.h"
 #include "apps/cli/refusal.h"
 #include "apps/cli/run_command.h"

@@ -6,7 +6,7 @@
 
 #include <filesystem>
 
-#include "tests/apps/run_data.h"
+#include "tests/apps/cli/run_data.h"
 
 namespace kestrel {
 namespace {

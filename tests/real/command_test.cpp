@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
-#include "tests/apps/command_runner.h"
+#include "tests/apps/cli/command_runner.h"
 #include "tests/real/comparison.h"
 
 namespace kestrel::test {

@@ -15,7 +15,7 @@ from qgis.PyQt.QtWidgets import (QApplication, QCheckBox, QComboBox, QLineEdit, 
                                  QToolButton)
 from qgis.utils import iface
 
-ROOT = Path(drive.__file__).resolve().parents[2]
+ROOT = Path(drive.__file__).resolve().parents[3]
 # Pictures show a short path.
 DEMO = Path("/tmp/demo") if os.environ.get("KESTREL_DRIVE_PICTURES") else drive.WORK / "demo"
 

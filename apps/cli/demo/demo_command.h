@@ -6,7 +6,7 @@
 #include <ostream>
 #include <string>
 
-#include "apps/cli/demo_data.h"
+#include "apps/cli/demo/demo_data.h"
 #include "apps/cli/run_command.h"
 
 namespace kestrel::cli {

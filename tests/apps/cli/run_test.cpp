@@ -14,8 +14,8 @@
 
 #include "base/files.h"
 #include "data/feature_class.h"
-#include "tests/apps/command_runner.h"
-#include "tests/apps/run_data.h"
+#include "tests/apps/cli/command_runner.h"
+#include "tests/apps/cli/run_data.h"
 
 namespace kestrel::test {
 namespace {

@@ -10,7 +10,7 @@
 
 #include "data/layer_file.h"
 #include "engine/output_layer.h"
-#include "tests/qgis/qgis_world.h"
+#include "tests/apps/qgis/qgis_world.h"
 
 namespace kestrel::test {
 namespace {

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "apps/cli/demo_regions.h"
+#include "apps/cli/demo/demo_regions.h"
 
 #include <algorithm>
 #include <array>

@@ -45,7 +45,7 @@ def prepare(folder, built):
 
 def real_data():
     """Where the tests on real data have theirs."""
-    return Path(os.environ.get("KESTREL_REAL_DATA") or HERE.parents[2] / "shared" / "data" / "zion")
+    return Path(os.environ.get("KESTREL_REAL_DATA") or HERE.parents[3] / "shared" / "data" / "zion")
 
 
 def preloaded():

@@ -6,10 +6,10 @@
 #include <set>
 #include <sstream>
 
-#include "apps/cli/demo_command.h"
-#include "apps/cli/demo_land.h"
-#include "apps/cli/demo_noise.h"
-#include "apps/cli/demo_regions.h"
+#include "apps/cli/demo/demo_command.h"
+#include "apps/cli/demo/demo_land.h"
+#include "apps/cli/demo/demo_noise.h"
+#include "apps/cli/demo/demo_regions.h"
 #include "base/errors.h"
 #include "base/files.h"
 #include "data/feature_class.h"

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "apps/cli/demo_command.h"
+#include "apps/cli/demo/demo_command.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -11,7 +11,7 @@
 
 #include "apps/cli/chosen_store.h"
 #include "apps/cli/console_interaction.h"
-#include "apps/cli/demo_land.h"
+#include "apps/cli/demo/demo_land.h"
 #include "apps/cli/refusal.h"
 #include "apps/cli/user_files.h"
 #include "base/files.h"

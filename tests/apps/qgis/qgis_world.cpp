@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "tests/qgis/qgis_world.h"
+#include "tests/apps/qgis/qgis_world.h"
 
 #include <qgsfeatureiterator.h>
 #include <qgslayertree.h>

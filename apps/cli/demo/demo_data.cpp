@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "apps/cli/demo_data.h"
+#include "apps/cli/demo/demo_data.h"
 
 #include <algorithm>
 #include <array>
@@ -9,9 +9,9 @@
 #include <span>
 #include <vector>
 
-#include "apps/cli/demo_land.h"
-#include "apps/cli/demo_noise.h"
-#include "apps/cli/demo_regions.h"
+#include "apps/cli/demo/demo_land.h"
+#include "apps/cli/demo/demo_noise.h"
+#include "apps/cli/demo/demo_regions.h"
 #include "base/conversions.h"
 #include "base/files.h"
 #include "data/raster_writer.h"

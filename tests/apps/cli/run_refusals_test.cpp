@@ -7,8 +7,8 @@
 #include <nlohmann/json.hpp>
 
 #include "base/files.h"
-#include "tests/apps/command_runner.h"
-#include "tests/apps/run_data.h"
+#include "tests/apps/cli/command_runner.h"
+#include "tests/apps/cli/run_data.h"
 
 namespace kestrel::test {
 namespace {

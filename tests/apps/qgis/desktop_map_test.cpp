@@ -7,7 +7,7 @@
 #include <qgslayertreelayer.h>
 
 #include "apps/qgis/desktop_layers.h"
-#include "tests/qgis/qgis_world.h"
+#include "tests/apps/qgis/qgis_world.h"
 #include "tests/support/error_of.h"
 
 namespace kestrel::test {

@@ -18,8 +18,8 @@
 #include "base/files.h"
 #include "coefficients/basUtil.h"
 #include "coefficients/clsISLCDef.h"
+#include "tests/apps/qgis/qgis_world.h"
 #include "tests/coefficients/sets.h"
-#include "tests/qgis/qgis_world.h"
 
 namespace kestrel::test {
 namespace {

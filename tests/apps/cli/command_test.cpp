@@ -5,8 +5,8 @@
 #include <filesystem>
 
 #include "base/files.h"
-#include "tests/apps/command_runner.h"
-#include "tests/apps/run_data.h"
+#include "tests/apps/cli/command_runner.h"
+#include "tests/apps/cli/run_data.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel::test {

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "apps/cli/demo_land.h"
+#include "apps/cli/demo/demo_land.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "apps/cli/demo_noise.h"
+#include "apps/cli/demo/demo_noise.h"
 
 namespace kestrel::cli {
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "tests/apps/run_data.h"
+#include "tests/apps/cli/run_data.h"
 
 #include <algorithm>
 

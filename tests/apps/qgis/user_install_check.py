@@ -13,7 +13,7 @@ from pathlib import Path
 
 import run_desktop
 
-ROOT = Path(__file__).resolve().parents[2]
+ROOT = Path(__file__).resolve().parents[3]
 BEFORE = "[PythonPlugins]\nother=true\n\n[plugins]\nsearchPathsForPlugins=/somewhere/else\n\n[Other]\nlibkestrel_qgis=7\n"
 
 
@@ -44,7 +44,7 @@ def main():
             print("SKIPPED: QGIS cannot be started here; tools/install-packages installs what is missing")
             sys.exit(run_desktop.SKIPPED)
         (folder / "plugin.ini").write_text("[qgis]\ncheckVersion=false\n")
-        sys.exit(run_desktop.start(folder, ROOT / "tests/qgis/drive_start.py", 60, ""))
+        sys.exit(run_desktop.start(folder, ROOT / "tests/apps/qgis/drive_start.py", 60, ""))
     finally:
         shutil.rmtree(folder, ignore_errors=True)
 

@@ -6,7 +6,7 @@
 #include <qgsgraduatedsymbolrenderer.h>
 #include <qgslayertree.h>
 
-#include "tests/qgis/qgis_world.h"
+#include "tests/apps/qgis/qgis_world.h"
 
 namespace kestrel::test {
 namespace {

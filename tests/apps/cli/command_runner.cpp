@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "tests/apps/command_runner.h"
+#include "tests/apps/cli/command_runner.h"
 
 #include <fcntl.h>
 #include <spawn.h>

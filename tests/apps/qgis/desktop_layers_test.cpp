@@ -10,7 +10,7 @@
 #include "base/files.h"
 #include "engine/basUtil.h"
 #include "engine/output_layer.h"
-#include "tests/qgis/qgis_world.h"
+#include "tests/apps/qgis/qgis_world.h"
 #include "tests/support/error_of.h"
 
 namespace kestrel::test {
