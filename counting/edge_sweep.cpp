@@ -12,7 +12,7 @@
 #include "base/errors.h"
 #include "base/parallel.h"
 #include "base/part_of_progress.h"
-#include "polygons/geometry.h"
+#include "polygons/orientation.h"
 
 namespace kestrel::counting {
 

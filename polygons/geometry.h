@@ -44,8 +44,4 @@ using PieceVisitor = std::function<bool(std::size_t input, std::size_t overlay, 
 /// points are none.
 void intersect(const PolygonSet& input, const PolygonSet& overlay, const PieceVisitor& visit);
 
-/// On which side of the line from `a` to `b` the point `c` lies, decided exactly: 1 left, -1 right, 0 on the line.
-/// Coordinates may not be so large or so small that products of two leave the range of a double.
-int orientation(Point a, Point b, Point c);
-
 }  // namespace kestrel::polygons

@@ -9,7 +9,7 @@
 #include <tuple>
 #include <utility>
 
-#include "polygons/geometry.h"
+#include "polygons/orientation.h"
 
 namespace kestrel::polygons {
 

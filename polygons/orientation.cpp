@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
+#include "polygons/orientation.h"
+
 #include <array>
 #include <cmath>
 #include <cstddef>
 #include <limits>
-
-#include "polygons/geometry.h"
 
 namespace kestrel::polygons {
 

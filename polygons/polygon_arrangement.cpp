@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "polygons/geometry.h"
 #include "polygons/noded_edges.h"
+#include "polygons/orientation.h"
 #include "polygons/ring_assembly.h"
 #include "polygons/side_counter.h"
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <bit>
 
-#include "polygons/geometry.h"
+#include "polygons/orientation.h"
 
 namespace kestrel::polygons {
 

@@ -7,7 +7,7 @@
 #include <limits>
 #include <numeric>
 
-#include "polygons/geometry.h"
+#include "polygons/orientation.h"
 
 namespace kestrel::polygons {
 

@@ -6,7 +6,7 @@
 #include <limits>
 #include <random>
 
-#include "polygons/geometry.h"
+#include "polygons/orientation.h"
 
 namespace kestrel::polygons {
 namespace {
