@@ -13,8 +13,8 @@
 #include "counting/piece_counter.h"
 #include "counting/piece_spans.h"
 #include "counting/row_spans.h"
+#include "polygons/dissolve.h"
 #include "polygons/edge_cancelling.h"
-#include "polygons/geometry.h"
 #include "polygons/polygon_check.h"
 #include "tests/support/exact_reference.h"
 

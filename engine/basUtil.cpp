@@ -10,7 +10,8 @@
 #include "base/errors.h"
 #include "base/files.h"
 #include "engine/engine_texts.h"
-#include "polygons/geometry.h"
+#include "polygons/intersect.h"
+#include "polygons/repair.h"
 #include "reporting/error_report.h"
 
 namespace kestrel::basUtil {

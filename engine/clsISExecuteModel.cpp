@@ -22,7 +22,7 @@
 #include "engine/engine_texts.h"
 #include "engine/model_run.h"
 #include "engine/run_records.h"
-#include "polygons/geometry.h"
+#include "polygons/dissolve.h"
 #include "records/metadata.h"
 #include "records/run_report.h"
 #include "reporting/error_report.h"

@@ -7,7 +7,7 @@
 #include "base/errors.h"
 #include "base/part_of_progress.h"
 #include "engine/engine_texts.h"
-#include "polygons/geometry.h"
+#include "polygons/repair.h"
 #include "reporting/interaction.h"
 
 namespace kestrel {

@@ -7,7 +7,7 @@
 #include "engine/basUtil.h"
 #include "engine/engine_texts.h"
 #include "engine/model_run.h"
-#include "polygons/geometry.h"
+#include "polygons/intersect.h"
 
 namespace kestrel {
 

@@ -84,6 +84,10 @@ Geos::Geometry Geos::polygon(const PolygonSet& set, std::size_t polygon) const {
                  "A polygon cannot be taken over");
 }
 
+bool Geos::valid(const Geometry& geometry) const {
+    return answer(GEOSisValid_r(m_handle, geometry.get()), "A polygon cannot be checked");
+}
+
 Geos::Geometry Geos::multipolygon(const PolygonSet& set, std::span<const std::size_t> features) const {
     std::vector<Geometry> polygons;
     for (const std::size_t feature : features) {

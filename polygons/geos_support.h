@@ -6,6 +6,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "polygons/polygons.h"
 
@@ -40,6 +41,7 @@ class Geos {
     /// The answer of a predicate. \throws RuntimeError (library failure) when it could not tell.
     bool answer(char result, const char* what) const;
 
+    bool valid(const Geometry& geometry) const;
     /// The polygons of these features as one multipolygon (valid or not); empty when they have none.
     Geometry multipolygon(const PolygonSet& set, std::span<const std::size_t> features) const;
     Geometry multipolygon(const PolygonSet& set, std::size_t feature) const { return multipolygon(set, {&feature, 1}); }
@@ -57,6 +59,23 @@ class Geos {
 
     GEOSContextHandle_HS* m_handle;
     std::string m_message;  // of the last error
+};
+
+/// A context of GEOS for each thread, made when the thread first needs it.
+class ThreadContexts {
+  public:
+    explicit ThreadContexts(int threads) : m_contexts(static_cast<std::size_t>(threads)) {}
+
+    const Geos& of(int worker) {
+        auto& context = m_contexts[static_cast<std::size_t>(worker)];
+        if (!context) {
+            context = std::make_unique<Geos>();
+        }
+        return *context;
+    }
+
+  private:
+    std::vector<std::unique_ptr<Geos>> m_contexts;
 };
 
 }  // namespace kestrel::polygons

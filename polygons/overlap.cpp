@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "polygons/geometry.h"
+#include "polygons/intersect.h"
 
 namespace kestrel::polygons {
 

@@ -5,7 +5,6 @@
 
 #include "data/shapefile_writer.h"
 #include "engine/clsISExecuteModel.h"
-#include "polygons/geometry.h"
 #include "tests/support/small_world.h"
 
 namespace kestrel {

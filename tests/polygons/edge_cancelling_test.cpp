@@ -8,7 +8,8 @@
 #include <numeric>
 #include <random>
 
-#include "polygons/geometry.h"
+#include "polygons/dissolve.h"
+#include "polygons/repair.h"
 #include "tests/support/dissolved_copy.h"
 #include "tests/support/exact_reference.h"
 

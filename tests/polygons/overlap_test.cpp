@@ -6,7 +6,8 @@
 
 #include <random>
 
-#include "polygons/geometry.h"
+#include "polygons/intersect.h"
+#include "polygons/repair.h"
 #include "tests/support/lattice_polygons.h"
 
 namespace kestrel::polygons {

@@ -10,8 +10,8 @@
 #include <numeric>
 #include <random>
 
-#include "polygons/geometry.h"
 #include "polygons/geos_support.h"
+#include "polygons/repair.h"
 #include "tests/support/exact_reference.h"
 
 namespace kestrel::polygons {
