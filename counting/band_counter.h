@@ -11,7 +11,7 @@
 #include "counting/edge_sweep.h"
 #include "counting/piece_counter.h"
 #include "counting/piece_spans.h"
-#include "counting/zonal_tabulation.h"
+#include "counting/tabulation_input.h"
 #include "counting/zone_counts.h"
 #include "data/raster.h"
 

@@ -2,25 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <vector>
-
 #include "base/progress.h"
+#include "counting/tabulation_input.h"
 #include "counting/zone_counts.h"
 #include "data/raster.h"
-#include "polygons/polygons.h"
 
 namespace kestrel::counting {
-
-/// What lies over the raster. All coordinates are in the raster's coordinate system.
-struct TabulationInput {
-    /// The zones; required. Where they overlap, the later one owns the cell.
-    const polygons::PolygonSet* zones = nullptr;
-    /// Polygons that split the zones into pieces (later ones own the cell); may be missing. With an overlay, cells
-    /// outside of it are counted with kNoOverlay.
-    const polygons::PolygonSet* overlay = nullptr;
-    /// Scenarios, each a set of polygons; a cell belongs to a scenario when any of its polygons holds the centre.
-    std::vector<const polygons::PolygonSet*> scenarios{};
-};
 
 /// Counts, in one pass over the raster, the cells of every class in every piece of every zone.
 ///
@@ -32,7 +19,7 @@ struct TabulationInput {
 /// \param threads 0 for as many as there are cores. The result does not depend on it.
 /// \param progress hears the share of the raster's rows that is done, as a fraction of this call. When it answers stop,
 ///        the result is incomplete and must not be used.
-/// \throws RuntimeError as RasterDataset::read_rows() does.
+/// \throws RuntimeError as RasterDataset::read() does.
 ZoneCounts tabulate(const data::RasterDataset& raster, const TabulationInput& input, int threads,
                     base::Progress& progress);
 
