@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "data/spatial_reference.h"
+#include "data/tile_lines.h"
 #include "polygons/polygons.h"
 
 namespace kestrel::data {
@@ -62,16 +63,6 @@ struct CellBuffer {
     std::vector<std::uint8_t> bytes;
     std::vector<std::int32_t> integers;
     std::vector<std::int64_t> wide;
-};
-
-/// Where a raster is best cut in order to read every stored block once: ascending, from 0 to the raster's size.
-struct TileLines {
-    /// Rows at which bands of rows begin, and the number of rows.
-    std::vector<int> rows;
-    /// Columns at which tiles begin, and the number of columns.
-    std::vector<int> columns;
-    /// Rows of a tile that are cheap to read together; a band's height or less.
-    int rows_at_once = 0;
 };
 
 /// What a NODATA cell holds in a buffer of wide cells.

@@ -2,11 +2,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "data/raster.h"
+#include <vector>
 
 /// \file
-/// For this folder's own sources: how rasters of stored blocks, and mosaics of such rasters, are cut into tiles.
+/// How rasters of stored blocks, and mosaics of such rasters, are cut into tiles.
 namespace kestrel::data {
+
+/// Where a raster is best cut in order to read every stored block once: ascending, from 0 to the raster's size.
+struct TileLines {
+    /// Rows at which bands of rows begin, and the number of rows.
+    std::vector<int> rows;
+    /// Columns at which tiles begin, and the number of columns.
+    std::vector<int> columns;
+    /// Rows of a tile that are cheap to read together; a band's height or less.
+    int rows_at_once = 0;
+};
 
 /// The lines between the stored blocks of a raster. Blocks that are low are joined to bands of some hundred rows, and
 /// their tiles are as wide as the raster.
