@@ -11,37 +11,13 @@
 #include <vector>
 
 #include "base/progress.h"
+#include "data/feature_source.h"
 #include "data/field.h"
+#include "data/polygon_features.h"
 #include "data/spatial_reference.h"
 #include "polygons/polygons.h"
 
 namespace kestrel::data {
-
-/// Where features are read from.
-struct FeatureSource {
-    /// A file, folder or dataset name that OGR opens.
-    std::string path;
-    /// Layer inside the source; the first when empty.
-    std::string layer_name{};
-    /// Attribute filter in OGR's SQL; all features when empty.
-    std::string subset{};
-
-    /// A source as QGIS writes it: `path`, `path|layername=NAME`, `path|layername=NAME|subset=FILTER`. The filter goes
-    /// to the end of the text; `geometrytype` and `option:` parts are passed over. \throws RuntimeError 5 for a layer
-    /// given by its number.
-    static FeatureSource parse(std::string_view text);
-    /// The file that the features lie in: the path, or in a folder of shapefiles the one of the layer.
-    std::string file() const;
-    friend bool operator==(const FeatureSource&, const FeatureSource&) = default;
-};
-
-/// Polygons with the attributes that were asked for: position i of every member belongs to feature i.
-struct PolygonFeatures {
-    std::vector<std::int64_t> ids;
-    polygons::PolygonSet polygons;
-    /// One column of values for each field asked for, in that order.
-    std::vector<std::vector<Value>> columns;
-};
 
 /// A set of features of one geometry type, read through OGR. Cheap to copy; copies share the open dataset, and are
 /// used on one thread.

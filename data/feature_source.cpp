@@ -1,12 +1,14 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
+#include "data/feature_source.h"
+
 #include <fmt/format.h>
 
 #include <array>
+#include <optional>
 
 #include "base/errors.h"
 #include "base/files.h"
-#include "data/feature_class.h"
 
 namespace kestrel::data {
 

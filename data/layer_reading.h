@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "data/feature_class.h"
+#include "data/feature_source.h"
 #include "data/field.h"
 
 class GDALDataset;

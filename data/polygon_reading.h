@@ -6,16 +6,16 @@
 #include <vector>
 
 #include "base/progress.h"
-#include "data/feature_class.h"
+#include "data/feature_source.h"
 #include "data/field.h"
+#include "data/layer_reading.h"
+#include "data/polygon_features.h"
 
 class OGRFeature;
 
 /// \file
 /// For this folder's own sources: features of OGR turned into polygons and columns of values.
 namespace kestrel::data {
-
-struct OpenLayer;
 
 /// The fields of a layer, and the positions of those that are read.
 struct FieldChoice {
