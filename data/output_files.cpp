@@ -4,7 +4,7 @@
 
 #include "base/errors.h"
 #include "base/files.h"
-#include "data/shapefile_writer.h"
+#include "data/shapefile_members.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -8,26 +8,15 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <filesystem>
-#include <string_view>
-#include <vector>
 
 #include "base/errors.h"
 #include "base/files.h"
-#include "data/shapefile_writer.h"
 
 namespace kestrel::data {
 
 namespace {
-
-namespace fs = std::filesystem;
-
-constexpr std::array<std::string_view, 18> kExtensions{".shp", ".shx", ".dbf", ".prj", ".cpg", ".qix",
-                                                       ".sbn", ".sbx", ".idm", ".ind", ".fbn", ".fbx",
-                                                       ".ain", ".aih", ".ixs", ".mxs", ".qpj", ".shp.xml"};
 
 constexpr std::size_t kHeaderSize = 32;
 using Header = std::array<unsigned char, kHeaderSize>;
@@ -115,17 +104,6 @@ void check_text(const std::string& path) {
     file.expect(file.size() > 0);
 }
 
-char lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-/// Whether `rest` is an extension of a shapefile's files, an attribute index (.FIELD.atx) included.
-bool member_extension(std::string rest) {
-    std::transform(rest.begin(), rest.end(), rest.begin(), lower);
-    return std::find(kExtensions.begin(), kExtensions.end(), rest) != kExtensions.end() ||
-           (rest.starts_with('.') && rest.ends_with(".atx"));
-}
-
 }  // namespace
 
 bool device_full(const std::string& folder) {
@@ -142,26 +120,6 @@ void check_shapefile_files(const std::string& path, std::int64_t features, bool 
     if (referenced) {
         check_text(stem + ".prj");
     }
-}
-
-std::vector<std::string> shapefile_members(const std::string& path) {
-    const std::string folder = base::folder_of(path);
-    const std::string base = base::base_name_of(path);
-    std::vector<std::string> members;
-    std::error_code error;
-    fs::directory_iterator entry(folder.empty() ? "." : folder, error);
-    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-        const std::string name = entry->path().filename().string();
-        std::error_code ignored;
-        if (name.starts_with(base) && member_extension(name.substr(base.size())) && !entry->is_directory(ignored)) {
-            members.push_back(base::join_path(folder, name));
-        }
-    }
-    if (error && error != std::errc::no_such_file_or_directory) {
-        throw base::system_error(error.value(), folder);
-    }
-    std::sort(members.begin(), members.end());
-    return members;
 }
 
 }  // namespace kestrel::data

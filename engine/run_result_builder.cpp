@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "base/files.h"
+#include "data/shapefile_members.h"
 #include "data/shapefile_writer.h"
 #include "engine/basUtil.h"
 #include "engine/engine_texts.h"

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "base/files.h"
-#include "data/shapefile_writer.h"
+#include "data/shapefile_members.h"
 
 namespace kestrel {
 

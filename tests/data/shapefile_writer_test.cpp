@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
 #include "data/shapefile_writer.h"
+#include "data/shapefile_members.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
