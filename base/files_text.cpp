@@ -3,7 +3,7 @@
 #include "base/files.h"
 
 #include "base/file_descriptor.h"
-#include "base/utf8.h"
+#include "base/text.h"
 
 #include <fcntl.h>
 #include <unistd.h>

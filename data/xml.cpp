@@ -14,7 +14,7 @@
 
 #include "base/errors.h"
 #include "base/files.h"
-#include "base/utf8.h"
+#include "base/text.h"
 
 namespace kestrel::data {
 

@@ -128,12 +128,6 @@ std::string text_on_leaving(int column, const std::string& text) {
     return column != kNameColumn && without_spaces(text).empty() ? "0" : text;
 }
 
-std::string without_spaces(std::string_view text) {
-    std::string result(text);
-    std::erase(result, ' ');
-    return result;
-}
-
 PasteResult paste_block(GridContents& grid, GridCell at, std::string_view block) {
     PasteResult result;
     std::size_t row = static_cast<std::size_t>(at.row - kFirstDataRow);

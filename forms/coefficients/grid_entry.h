@@ -47,8 +47,6 @@ std::optional<reporting::MessageBox> text_fault(int column, std::string_view tex
 /// The text that a cell is left with: "0" for a value or coefficient that is blank.
 std::string text_on_leaving(int column, const std::string& text);
 
-std::string without_spaces(std::string_view text);
-
 /// How many cells of a pasted block were refused, and why.
 struct PasteResult {
     int cells = 0;

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "base/utf8.h"
+#include "base/text.h"
 
 #include <gtest/gtest.h>
 
@@ -43,6 +43,47 @@ TEST(ValidUtf8, RefusesStrayCutOverlongAndForbiddenForms) {
                              "\xEF\xBB\xBF\xE9"}) {
         EXPECT_FALSE(valid_utf8(text)) << testing::PrintToString(text);
     }
+}
+
+TEST(CharacterCount, CountsCharactersNotBytes) {
+    EXPECT_EQ(character_count(""), 0U);
+    EXPECT_EQ(character_count("abc"), 3U);
+    EXPECT_EQ(character_count("h\u00e4user \u20ac \U0001F30D"), 10U);
+}
+
+TEST(FirstBytes, NeverEndsWithinACharacter) {
+    EXPECT_EQ(first_bytes("abc", 3), "abc");
+    EXPECT_EQ(first_bytes("abc", 2), "ab");
+    EXPECT_EQ(first_bytes("a\u20ac", 4), "a\u20ac");
+    EXPECT_EQ(first_bytes("a\u20ac", 3), "a");
+    EXPECT_EQ(first_bytes("a\u20ac", 2), "a");
+    EXPECT_EQ(first_bytes("\u20ac", 2), "");
+    EXPECT_EQ(first_bytes("", 5), "");
+}
+
+TEST(Trimmed, TakesTheGivenBlanksFromBothEndsOnly) {
+    EXPECT_EQ(trimmed(" \t a b\t "), "a b");
+    EXPECT_EQ(trimmed("\ta ", " "), "\ta");
+    EXPECT_EQ(trimmed("a\n"), "a\n");
+    EXPECT_EQ(trimmed(" \t"), "");
+    EXPECT_EQ(trimmed(""), "");
+}
+
+TEST(WithoutSpaces, LeavesOtherBlanks) {
+    EXPECT_EQ(without_spaces(" 1 2\t3 "), "12\t3");
+}
+
+TEST(LowerCase, ChangesLettersOfAsciiAlone) {
+    EXPECT_EQ(lower_case("AbZ09_@[`{"), "abz09_@[`{");
+    EXPECT_EQ(lower_case("\u00c4"), "\u00c4");
+}
+
+TEST(SameButForCase, ComparesLettersWithoutTheirCase) {
+    EXPECT_TRUE(same_but_for_case("Shed_ID", "SHED_id"));
+    EXPECT_TRUE(same_but_for_case("", ""));
+    EXPECT_FALSE(same_but_for_case("shed", "sheds"));
+    EXPECT_FALSE(same_but_for_case("@", "`"));
+    EXPECT_FALSE(same_but_for_case("\u00c4", "\u00e4"));
 }
 
 }  // namespace
