@@ -16,6 +16,7 @@
 #include "base/conversions.h"
 #include "base/errors.h"
 #include "base/files.h"
+#include "base/text.h"
 #include "coefficients/indented_text.h"
 
 namespace kestrel {
@@ -25,16 +26,9 @@ namespace {
 enum Column : std::size_t { kValue, kClassName, kHigh, kMedium, kLow, kColumns };
 using Fields = std::array<std::string_view, kColumns>;
 
-/// Without spaces at both ends; other white space is part of the fields.
-std::string_view without_spaces(std::string_view line) {
-    const std::size_t first = line.find_first_not_of(' ');
-    return first == std::string_view::npos ? std::string_view()
-                                           : line.substr(first, line.find_last_not_of(' ') - first + 1);
-}
-
 /// Nothing when there are not exactly five.
 std::optional<Fields> fields_of(std::string_view line) {
-    line = without_spaces(line);
+    line = base::trimmed(line, " ");  // other white space is part of the fields
     if (std::count(line.begin(), line.end(), ',') != kColumns - 1) {
         return std::nullopt;
     }

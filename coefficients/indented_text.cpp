@@ -2,17 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "coefficients/indented_text.h"
 
-#include <algorithm>
+#include "base/text.h"
 
 namespace kestrel {
 
 namespace {
-
-/// Characters, not bytes: how many classes a store can hold must not depend on the letters of their names.
-std::size_t characters_in(std::string_view utf8) {
-    return static_cast<std::size_t>(std::count_if(
-        utf8.begin(), utf8.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
-}
 
 /// The tag or the text at the start of `flat`.
 std::string_view first_piece(std::string_view flat) {
@@ -29,7 +23,8 @@ IndentedText indented(std::string_view flat) {
     std::size_t position = 0;
     while (!flat.empty()) {
         const std::string_view piece = first_piece(flat);
-        position += characters_in(piece);
+        // Characters, not bytes: how many classes a store can hold must not depend on the letters of their names.
+        position += base::character_count(piece);
         if (position > kMaxStoreCharacters) {
             result.whole = false;
             break;

@@ -10,6 +10,7 @@
 
 #include "base/errors.h"
 #include "base/files.h"
+#include "base/text.h"
 
 namespace kestrel::data {
 
@@ -21,13 +22,9 @@ constexpr std::array<std::string_view, 18> kExtensions{".shp", ".shx", ".dbf", "
                                                        ".sbn", ".sbx", ".idm", ".ind", ".fbn", ".fbx",
                                                        ".ain", ".aih", ".ixs", ".mxs", ".qpj", ".shp.xml"};
 
-char lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 /// Whether `rest` is an extension of a shapefile's files, an attribute index (.FIELD.atx) included.
-bool member_extension(std::string rest) {
-    std::transform(rest.begin(), rest.end(), rest.begin(), lower);
+bool member_extension(std::string_view text) {
+    const std::string rest = base::lower_case(text);
     return std::find(kExtensions.begin(), kExtensions.end(), rest) != kExtensions.end() ||
            (rest.starts_with('.') && rest.ends_with(".atx"));
 }

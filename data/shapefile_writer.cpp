@@ -14,6 +14,7 @@
 
 #include "base/errors.h"
 #include "base/files.h"
+#include "base/text.h"
 #include "data/dbase_records.h"
 #include "data/gdal_support.h"
 #include "data/shape_records.h"
@@ -66,18 +67,6 @@ double bound_of(const Storage& storage) {
 
 bool real(FieldType type) {
     return type == FieldType::single || type == FieldType::real;
-}
-
-/// `text` cut to what a dBASE field holds, not within a character.
-std::string cut(std::string text) {
-    if (text.size() > kLongestText) {
-        std::size_t end = kLongestText;
-        while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
-            --end;
-        }
-        text.resize(end);
-    }
-    return text;
 }
 
 std::int64_t integer_of(const Value& value, const std::string& field) {
@@ -251,7 +240,7 @@ void ShapefileWriter::State::set(std::size_t field, const Value& value) {
                text != nullptr && text->size() <= kLongestText) {
         table.set_text(field, *text);
     } else {
-        table.set_text(field, cut(text_of(value)));
+        table.set_text(field, base::first_bytes(text_of(value), kLongestText));
     }
 }
 

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
+#include "base/text.h"
 #include "data/table.h"
 
 #include "base/files.h"
@@ -18,17 +19,6 @@ namespace {
 
 constexpr std::size_t kLongestName = 10;
 constexpr std::size_t kLongestText = 254;
-
-/// At most `length` bytes of a text, cut at the border of a character.
-std::string cut(const std::string& text, std::size_t length) {
-    if (text.size() <= length) {
-        return text;
-    }
-    while (length > 0 && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) {
-        --length;
-    }
-    return text.substr(0, length);
-}
 
 /// A folder in memory, in which the driver works: a full disk then fails in write_file(), which can tell.
 class MemoryFolder {
@@ -57,7 +47,8 @@ void create_fields(OGRLayer& layer, const Table& table) {
     }
     for (std::size_t i = 1; i < table.fields().size(); ++i) {
         const Field& field = table.fields()[i];
-        OGRFieldDefn definition(cut(field.name, kLongestName).c_str(), i == 1 ? OFTString : OFTReal);
+        OGRFieldDefn definition(std::string(base::first_bytes(field.name, kLongestName)).c_str(),
+                                i == 1 ? OFTString : OFTReal);
         definition.SetWidth(i == 1 ? static_cast<int>(std::min(key_width, kLongestText)) : field.length);
         definition.SetPrecision(i == 1 ? 0 : field.scale);
         if (layer.CreateField(&definition) != OGRERR_NONE) {
@@ -69,7 +60,7 @@ void create_fields(OGRLayer& layer, const Table& table) {
 void write_rows(OGRLayer& layer, const Table& table) {
     for (std::size_t row = 0; row < table.row_count(); ++row) {
         OGRFeature feature(layer.GetLayerDefn());
-        feature.SetField(0, cut(table.key(row), kLongestText).c_str());
+        feature.SetField(0, std::string(base::first_bytes(table.key(row), kLongestText)).c_str());
         for (int field = 2; field < static_cast<int>(table.fields().size()); ++field) {
             feature.SetField(field - 1, table.number(row, field));
         }

@@ -38,12 +38,6 @@ base::RuntimeError not_readable(std::string_view text, std::size_t offset, std::
                         line);
 }
 
-std::string_view trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(kWhiteSpace);
-    return first == std::string_view::npos ? std::string_view()
-                                           : text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
-}
-
 /// Position of the first control character that XML excludes, or npos.
 std::size_t find_control_character(std::string_view text) {
     const auto found = std::find_if(text.begin(), text.end(), [](char c) {
@@ -294,7 +288,7 @@ std::string XmlElement::text() const {
     };
     Gathering gathering;
     m_node->node.traverse(gathering);
-    return std::string(trimmed(gathering.text));
+    return std::string(base::trimmed(gathering.text, kWhiteSpace));
 }
 
 std::string XmlElement::xml() const {
@@ -318,7 +312,8 @@ std::vector<XmlElement> XmlElement::children(std::string_view name) const {
 
 std::string XmlElement::node_text(std::string_view path) const {
     if (path.starts_with('@')) {
-        return std::string(trimmed(m_node->node.attribute(std::string(path.substr(1)).c_str()).value()));
+        return std::string(
+            base::trimmed(m_node->node.attribute(std::string(path.substr(1)).c_str()).value(), kWhiteSpace));
     }
     return child(path).text();
 }

@@ -9,6 +9,7 @@
 #include "base/conversions.h"
 #include "base/errors.h"
 #include "base/files.h"
+#include "base/text.h"
 #include "engine/engine_texts.h"
 #include "polygons/intersect.h"
 #include "polygons/repair.h"
@@ -28,23 +29,6 @@ namespace {
 constexpr const char* kModule = "basUtil";
 constexpr std::size_t kLongestName = 10;  // of a dBASE field, in bytes
 constexpr std::size_t kFlushAfter = 100;
-
-/// The first bytes of a text, without half a character at the end.
-std::string_view first_bytes(std::string_view text, std::size_t count) {
-    if (text.size() <= count) {
-        return text;
-    }
-    while (count > 0 && (static_cast<unsigned char>(text[count]) & 0xC0) == 0x80) {
-        --count;
-    }
-    return text.substr(0, count);
-}
-
-bool same_letters(std::string_view a, std::string_view b) {
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-    return a.size() == b.size() &&
-           std::equal(a.begin(), a.end(), b.begin(), [&](char x, char y) { return lower(x) == lower(y); });
-}
 
 /// The fields as a shapefile can hold them.
 std::vector<Field> storable(std::span<const IntersectedField> fields) {
@@ -88,7 +72,7 @@ class PieceWriter {
             const auto position = static_cast<std::size_t>(field.position);
             values.push_back(field.from_overlay ? m_overlay.columns[position][overlay]
                                                 : m_input.columns[position][input]);
-            if (same_letters(field.field.name, "Area")) {
+            if (base::same_but_for_case(field.field.name, "Area")) {
                 values.back() = piece.area(0);
             }
         }
@@ -134,10 +118,10 @@ std::string SetFieldName(const std::string& name, std::span<const Field> table) 
     if (name.size() <= kLongestName) {
         return {};
     }
-    const std::string_view prefix = first_bytes(name, kLongestName);
+    const std::string_view prefix = base::first_bytes(name, kLongestName);
     int position = 0;
     for (const Field& field : table) {
-        if (first_bytes(field.name, kLongestName) != prefix) {
+        if (base::first_bytes(field.name, kLongestName) != prefix) {
             continue;
         }
         if (field.name == name) {
@@ -148,7 +132,7 @@ std::string SetFieldName(const std::string& name, std::span<const Field> table) 
     const std::string counter = base::text_of(position);
     // From the 11th field on, a longer counter takes the place of letters: the name must fit.
     const std::size_t letters = std::min<std::size_t>(8, kLongestName - 1 - counter.size());
-    return fmt::format("{}_{}", first_bytes(name, letters), counter);
+    return fmt::format("{}_{}", base::first_bytes(name, letters), counter);
 } catch (...) {
     return reported<std::string>({"SetFieldName", kModule});
 }
@@ -231,8 +215,9 @@ std::vector<IntersectedField> intersected_fields(std::span<const Field> input, s
     }
     for (std::size_t i = 0; i < overlay.size(); ++i) {
         IntersectedField made{overlay[i], true, static_cast<int>(i)};
-        const bool shared = std::any_of(input.begin(), input.end(),
-                                        [&](const Field& field) { return same_letters(field.name, overlay[i].name); });
+        const bool shared = std::any_of(input.begin(), input.end(), [&](const Field& field) {
+            return base::same_but_for_case(field.name, overlay[i].name);
+        });
         if (shared) {
             made.field.name += "_1";
         }

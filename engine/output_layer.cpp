@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "engine/output_layer.h"
 
+#include "base/text.h"
 #include "data/shapefile_writer.h"
 #include "engine/basUtil.h"
 
@@ -17,13 +18,6 @@ namespace {
 
 /// Some milliseconds of writing.
 constexpr std::size_t kFeaturesPerReport = 4096;
-
-/// Whether a shapefile could not tell the two names apart.
-bool same_name(const std::string& a, const std::string& b) {
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-    return a.size() == b.size() &&
-           std::equal(a.begin(), a.end(), b.begin(), [&](char x, char y) { return lower(x) == lower(y); });
-}
 
 /// Gives the field the width of its source, or more where a value needs it.
 void set_width(Field& field, const ZoneGroups& groups) {
@@ -58,7 +52,8 @@ Field output_analysis_field(Field source, const ZoneGroups& groups, std::span<co
     set_width(source, groups);
     source.name = basUtil::stored_field_name(source.name, table);
     const std::vector<Field> others = output_area_fields(units);
-    if (std::any_of(others.begin(), others.end(), [&](const Field& f) { return same_name(f.name, source.name); })) {
+    if (std::any_of(others.begin(), others.end(),
+                    [&](const Field& f) { return base::same_but_for_case(f.name, source.name); })) {
         source.name = source.name.substr(0, 8) + "_0";
     }
     return source;

@@ -10,6 +10,7 @@
 #include "base/conversions.h"
 #include "base/errors.h"
 #include "base/files.h"
+#include "base/text.h"
 #include "parameters/run_output.h"
 #include "reporting/error_report.h"
 
@@ -33,22 +34,9 @@ bool suits(FieldType type, FieldMode mode) {
     return true;
 }
 
-std::string lower_case(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return result;
-}
-
-std::string_view trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(" \t");
-    return first == std::string_view::npos ? std::string_view()
-                                           : text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
-
 std::string with_extension(std::string_view name) {
     // Three letters without the point are enough. Intended; do not "fix".
-    if (lower_case(name).ends_with("shp")) {
+    if (base::lower_case(name).ends_with("shp")) {
         return std::string(name);
     }
     return std::string(name) + (name.ends_with('.') ? "shp" : ".shp");
@@ -126,7 +114,7 @@ std::string_view default_units(contracts::DistanceUnits units) {
 
 OutputName completed_output_name(std::string_view typed, const std::string& temporary_folder,
                                  const std::string& extension_folder) {
-    const std::string_view text = trimmed(typed);
+    const std::string_view text = base::trimmed(typed);
     if (text.empty()) {
         return {};
     }
@@ -147,7 +135,7 @@ OutputName completed_output_name(std::string_view typed, const std::string& temp
 
 std::string SetThemeName(std::string_view path) try {
     std::string name = base::file_name_of(path);
-    if (lower_case(name).ends_with(".shp")) {
+    if (base::lower_case(name).ends_with(".shp")) {
         name.resize(name.size() - 4);
     }
     return name;

@@ -7,30 +7,22 @@
 #include <unordered_map>
 
 #include "base/files.h"
+#include "base/text.h"
 
 namespace kestrel {
 
 namespace {
 
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view kBlanks = " \t";
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
 /// Takes the value of a line, if it is one of a known key.
 void read_entry(std::string_view line, const std::unordered_map<std::string_view, std::string*>& values) {
-    line = trimmed(line);
+    line = base::trimmed(line);
     const std::size_t equals = line.find('=');
     if (line.starts_with('#') || line.starts_with(';') || equals == std::string_view::npos) {
         return;
     }
-    const auto entry = values.find(trimmed(line.substr(0, equals)));
+    const auto entry = values.find(base::trimmed(line.substr(0, equals)));
     if (entry != values.end()) {
-        const std::string_view value = trimmed(line.substr(equals + 1));
+        const std::string_view value = base::trimmed(line.substr(equals + 1));
         *entry->second = value.empty() ? std::string_view(kEnterValue) : value;
     }
 }

@@ -17,6 +17,7 @@
 #include "apps/cli/refusal.h"
 #include "apps/cli/text_width.h"
 #include "base/conversions.h"
+#include "base/text.h"
 #include "coefficients/basISModelPropsUtil.h"
 #include "coefficients/clsLCClass.h"
 #include "coefficients/indented_text.h"
@@ -62,11 +63,6 @@ void check_set(const clsISLCDef& set, StoreFindings& findings) {
                 fmt::format("Set '{}': class {} stands in it {} times.", set.LCType, code, count));
         }
     }
-}
-
-std::size_t characters_of(std::string_view text) {
-    return static_cast<std::size_t>(
-        std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
 int list(const CoefficientsOptions& options) {
@@ -171,7 +167,7 @@ StoreFindings check_store(const clsISModelProperties& store, const std::string& 
                 fmt::format("{} sets are called '{}'; a run takes the classes of all of them.", count, name));
         }
     }
-    if (const std::size_t size = characters_of(store.XML()); size > kMaxStoreCharacters) {
+    if (const std::size_t size = base::character_count(store.XML()); size > kMaxStoreCharacters) {
         findings.notes.push_back(fmt::format(
             "The store has {} characters. It can be used, but not saved: the limit is {}.", size, kMaxStoreCharacters));
     }

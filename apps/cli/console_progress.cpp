@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <csignal>
 
+#include "base/text.h"
+
 namespace kestrel::cli {
 
 namespace {
@@ -21,14 +23,6 @@ extern "C" void remember_stop(int) {
 
 // Longer lines would wrap, and a wrapped line cannot be drawn over.
 constexpr std::size_t kLongestText = 60;
-
-std::string_view shortened(std::string_view text) {
-    std::size_t end = std::min(text.size(), kLongestText);
-    while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
-        --end;  // never inside a UTF-8 character
-    }
-    return text.substr(0, end);
-}
 
 }  // namespace
 
@@ -63,7 +57,7 @@ bool ConsoleProgress::report(double fraction, std::string_view text) {
         const auto now = m_now();
         if (!m_ever_drawn || now - m_last >= 100ms) {
             const int percent = static_cast<int>(std::clamp(fraction, 0.0, 1.0) * 100);
-            m_stream << fmt::format("\r{:3}% {}\x1b[K", percent, shortened(text)) << std::flush;
+            m_stream << fmt::format("\r{:3}% {}\x1b[K", percent, base::first_bytes(text, kLongestText)) << std::flush;
             m_last = now;
             m_drawn = true;
             m_ever_drawn = true;

@@ -8,6 +8,7 @@
 
 #include "apps/cli/refusal.h"
 #include "base/files.h"
+#include "base/text.h"
 #include "data/shapefile_writer.h"
 
 namespace kestrel::cli {
@@ -16,19 +17,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string trimmed(const std::string& text) {
-    const std::size_t first = text.find_first_not_of(" \t");
-    return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
-
-std::string lower_case(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return 'A' <= c && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    return text;
-}
-
 std::string with_extension(const std::string& name) {
-    if (lower_case(name).ends_with(".shp")) {
+    if (base::lower_case(name).ends_with(".shp")) {
         return name;
     }
     return name + (name.ends_with(".") ? "shp" : ".shp");
@@ -45,12 +35,12 @@ std::string summary_of(std::vector<std::string> files, const std::string& shapef
 }  // namespace
 
 RunOutput output_of(const std::string& text, const std::string& layer_name) {
-    const std::string given = trimmed(text);
+    const std::string given = std::string(base::trimmed(text));
     const std::string name = base::file_name_of(given);
-    if (name.empty() || name == "." || name == ".." || lower_case(name) == ".shp") {
+    if (name.empty() || name == "." || name == ".." || base::lower_case(name) == ".shp") {
         throw std::invalid_argument("'" + text + "' has no file name: write DIR/NAME.shp");
     }
-    if (base::folder_exists(given) && !lower_case(name).ends_with(".shp")) {
+    if (base::folder_exists(given) && !base::lower_case(name).ends_with(".shp")) {
         throw std::invalid_argument("'" + text + "' is a folder: write " + base::join_path(given, "NAME.shp"));
     }
     RunOutput output;

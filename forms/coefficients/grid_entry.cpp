@@ -8,6 +8,7 @@
 #include "base/conversions.h"
 #include "base/errors.h"
 #include "base/files.h"
+#include "base/text.h"
 #include "forms/coefficients/editor_texts.h"
 
 namespace kestrel::basISModelPropsUtil {
@@ -24,17 +25,8 @@ std::vector<std::string> fields_of(std::string_view line) {
     return fields;
 }
 
-std::string trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(' ');
-    return first == std::string_view::npos ? std::string()
-                                           : std::string(text.substr(first, text.find_last_not_of(' ') - first + 1));
-}
-
 bool names_the_columns(const std::vector<std::string>& fields) {
-    std::string first = trimmed(fields.front());
-    std::transform(first.begin(), first.end(), first.begin(),
-                   [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
-    return first == "VALUE";
+    return base::same_but_for_case(base::trimmed(fields.front(), " "), "VALUE");
 }
 
 /// The number of a numeric text; one beyond a double counts as infinite, which is out of every range.
@@ -69,7 +61,7 @@ void paste_row(GridRow& row, int column, const std::vector<std::string>& fields,
             refuse(result, editor_texts::kNoSuchColumn);
             continue;
         }
-        const std::string text = column == kNameColumn ? field : trimmed(field);
+        const std::string text = column == kNameColumn ? field : std::string(base::trimmed(field, " "));
         if (const auto fault = text_fault(column, text)) {
             refuse(result, fault->text);
         } else {
@@ -125,7 +117,7 @@ std::optional<reporting::MessageBox> text_fault(int column, std::string_view tex
 }
 
 std::string text_on_leaving(int column, const std::string& text) {
-    return column != kNameColumn && without_spaces(text).empty() ? "0" : text;
+    return column != kNameColumn && base::without_spaces(text).empty() ? "0" : text;
 }
 
 PasteResult paste_block(GridContents& grid, GridCell at, std::string_view block) {

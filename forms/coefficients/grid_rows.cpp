@@ -8,6 +8,7 @@
 
 #include "base/conversions.h"
 #include "base/errors.h"
+#include "base/text.h"
 #include "coefficients/basISModelPropsUtil.h"
 #include "forms/coefficients/grid_entry.h"
 #include "reporting/error_report.h"
@@ -121,7 +122,7 @@ GridRow fresh_row() {
 
 bool has_data(const GridRow& row) {
     return std::any_of(row.begin() + kValueColumn, row.end(), [](const std::string& cell) {
-        const std::string text = without_spaces(cell);
+        const std::string text = base::without_spaces(cell);
         return !text.empty() && text != "0";
     });
 }
