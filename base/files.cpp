@@ -166,6 +166,12 @@ std::string base_name_of(std::string_view path) {
     return point == std::string::npos || point == 0 ? name : name.substr(0, point);
 }
 
+std::string real_path(const std::string& path) {
+    std::error_code error;
+    const fs::path result = fs::weakly_canonical(path, error);
+    return (error ? fs::absolute(path) : result).string();
+}
+
 std::string join_path(std::string_view folder, std::string_view name) {
     const bool separated = folder.empty() || kSeparators.find(folder.back()) != std::string_view::npos;
     return fmt::format("{}{}{}", folder, separated ? "" : "/", name);

@@ -47,6 +47,8 @@ std::string file_name_of(std::string_view path);
 std::string folder_of(std::string_view path);
 /// The file name without its last extension: "roads.old" for "/data/roads.old.shp".
 std::string base_name_of(std::string_view path);
+/// `path` with its links resolved as far as it exists; made absolute where the system cannot tell.
+std::string real_path(const std::string& path);
 /// `folder` and `name` with one separator between them; `name` alone when the folder is empty.
 std::string join_path(std::string_view folder, std::string_view name);
 

@@ -19,6 +19,7 @@
 #include "data/gdal_support.h"
 #include "data/shape_records.h"
 #include "data/shapefile_files.h"
+#include "data/shapefile_members.h"
 
 namespace kestrel::data {
 

@@ -3,24 +3,11 @@
 #include "hosting/run_layers.h"
 
 #include <algorithm>
-#include <filesystem>
 
 #include "base/conversions.h"
 #include "base/files.h"
 
 namespace kestrel {
-
-namespace fs = std::filesystem;
-
-namespace {
-
-std::string real_path(const std::string& path) {
-    std::error_code error;
-    const fs::path result = fs::canonical(path, error);
-    return error ? path : result.string();
-}
-
-}  // namespace
 
 std::string layer_name_from(const std::string& wanted) {
     std::string name = base::to_utf8(wanted);
@@ -44,14 +31,15 @@ std::string RunLayers::add_raster(const std::string& source, const std::string& 
     const std::string base = name.empty() ? base::base_name_of(base::file_name_of(source)) : name;
     const std::string given = distinct_name(layer_name_from(base.empty() ? source : base));
     m_layers.push_back(std::make_shared<hosting::HeadlessRasterLayer>(given, source));
-    m_identities.push_back("raster\n" + real_path(source));
+    m_identities.push_back("raster\n" + base::real_path(source));
     m_files.push_back(source);
     return given;
 }
 
 std::string RunLayers::add_features(const data::FeatureSource& source, const data::FeatureClass& opened,
                                     std::vector<std::int64_t> selected, const std::string& name) {
-    std::string identity = "features\n" + real_path(source.path) + "\n" + opened.layer_name() + "\n" + source.subset;
+    std::string identity =
+        "features\n" + base::real_path(source.path) + "\n" + opened.layer_name() + "\n" + source.subset;
     for (const std::int64_t id : selected) {
         identity += "\n" + base::text_of(id);
     }

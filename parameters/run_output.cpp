@@ -17,13 +17,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// With links resolved as far as the path exists.
-fs::path real_path(const fs::path& path) {
-    std::error_code error;
-    const fs::path result = fs::weakly_canonical(path, error);
-    return error ? fs::absolute(path) : result;
-}
-
 /// The file system's limit, with the ending of the longest file that bears the name.
 bool too_long(const std::string& base_name) {
     constexpr std::size_t kLongestName = 255;
@@ -34,8 +27,11 @@ bool same_place(const fs::path& output, const fs::path& input) {
     const auto matches = [&](const fs::path& one, const fs::path& other) {
         return one.parent_path() == other.parent_path() && one.stem() == other.stem();
     };
-    return matches(real_path(output), real_path(input)) || matches(real_path(output.parent_path()) / output.filename(),
-                                                                   real_path(input.parent_path()) / input.filename());
+    const auto in_real_folder = [](const fs::path& path) {
+        return fs::path(base::real_path(path.parent_path().string())) / path.filename();
+    };
+    return matches(base::real_path(output.string()), base::real_path(input.string())) ||
+           matches(in_real_folder(output), in_real_folder(input));
 }
 
 }  // namespace

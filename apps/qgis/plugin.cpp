@@ -12,7 +12,6 @@
 #include <QAction>
 #include <QMainWindow>
 #include <QPointer>
-#include <filesystem>
 
 #include "apps/qgis/command_bar.h"
 #include "apps/qgis/desktop_application.h"
@@ -38,7 +37,7 @@ std::string library_folder() {
     if (!base::file_exists(base::join_path(folder, kLibrary))) {
         folder = base::join_path(folder, KESTREL_FOLDER_FROM_PLUGIN);
     }
-    return std::filesystem::weakly_canonical(folder).string();
+    return base::real_path(folder);
 }
 
 /// The folder that the extension takes for its own.

@@ -544,6 +544,15 @@ TEST(TemporaryFolderRule, LongerNamesDoNotCount) {
     EXPECT_EQ(temporary_folder(), "/tmp");
 }
 
+TEST(RealPath, ResolvesLinksAsFarAsThePathExists) {
+    const test::TemporaryFolder folder;
+    const std::string real = std::filesystem::canonical(folder.path()).string();
+    create_folder(folder / "there");
+    std::filesystem::create_directory_symlink(folder / "there", folder / "link");
+    EXPECT_EQ(real_path(folder / "link"), real + "/there");
+    EXPECT_EQ(real_path(folder / "link/../link/new.shp"), real + "/there/new.shp");
+}
+
 }  // namespace
 
 }  // namespace kestrel::base
