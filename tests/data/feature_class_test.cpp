@@ -211,7 +211,7 @@ TEST(FeatureClassFields, TypesAreToldApart) {
     std::vector<Value> first;
     for (const auto& column : columns) {
         first.push_back(column.at(0));
-        EXPECT_EQ(base::text_of(column.at(1)), "");
+        EXPECT_EQ(text_of(column.at(1)), "");
     }
     EXPECT_THAT(first, ElementsAre(Value(std::int64_t{-2147483648}), Value(std::int64_t{-32768}),
                                    Value(std::numeric_limits<std::int64_t>::max()), Value(std::int64_t{1}), Value(0.1),
