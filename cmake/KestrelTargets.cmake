@@ -34,14 +34,40 @@ function(kestrel_forms_library name)
   target_link_libraries(${name} PUBLIC Qt::Widgets)
 endfunction()
 
-# kestrel_test(<name> SOURCES <file>... [DEPENDS <target>...] [LABELS <label>...] [SERIAL])
-# Every case becomes a ctest entry of its own.
-function(kestrel_test name)
-  cmake_parse_arguments(arg "SERIAL" "" "SOURCES;DEPENDS;LABELS" ${ARGN})
+# Sources of tests are compiled quickly: they run for milliseconds, and spent half of the build in the optimiser. What
+# they are compared with (tests/support, tests/real) is optimised like the program.
+add_library(kestrel_test_flags INTERFACE)
+target_link_libraries(kestrel_test_flags INTERFACE kestrel_flags)
+target_compile_options(kestrel_test_flags INTERFACE -O0 -g1)
+# Libraries that a test program does not call are not loaded at each of its starts.
+target_link_options(kestrel_test_flags INTERFACE -Wl,--as-needed)
+
+# kestrel_test_headers(<name> HEADERS <header>... [DEPENDS <target>...]) makes the headers that all sources of some test
+# programs begin with, compiled once. The programs name it as PRECOMPILED.
+function(kestrel_test_headers name)
+  cmake_parse_arguments(arg "" "" "HEADERS;DEPENDS" ${ARGN})
+  add_library(${name} OBJECT ${PROJECT_SOURCE_DIR}/tests/support/precompiled.cpp)
+  set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
+  target_link_libraries(${name} PRIVATE kestrel_test_flags GTest::gtest GTest::gmock ${arg_DEPENDS})
+  target_precompile_headers(${name} PRIVATE ${arg_HEADERS})
+endfunction()
+
+# kestrel_test_program(<name> SOURCES <file>... DEPENDS <target>... PRECOMPILED <target>)
+function(kestrel_test_program name)
+  cmake_parse_arguments(arg "" "PRECOMPILED" "SOURCES;DEPENDS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
-  target_link_libraries(${name} PRIVATE kestrel_flags kestrel_test_support ${arg_DEPENDS} GTest::gtest_main GTest::gmock)
+  target_link_libraries(${name} PRIVATE kestrel_test_flags kestrel_test_support ${arg_DEPENDS} GTest::gtest GTest::gmock)
   target_compile_definitions(${name} PRIVATE KESTREL_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+  target_precompile_headers(${name} REUSE_FROM ${arg_PRECOMPILED})
+endfunction()
+
+# kestrel_test(<name> SOURCES <file>... [DEPENDS <target>...] [LABELS <label>...])
+# Every case becomes a ctest entry of its own.
+function(kestrel_test name)
+  cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS;LABELS" ${ARGN})
+  kestrel_test_program(${name} SOURCES ${arg_SOURCES} DEPENDS ${arg_DEPENDS} GTest::gtest_main
+                       PRECOMPILED kestrel_test_headers)
   # LABELS is a list and stays one through gtest_discover_tests only when it is quoted once more.
   gtest_discover_tests(${name} PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 300 DISCOVERY_TIMEOUT 120)
 endfunction()
@@ -50,11 +76,8 @@ endfunction()
 # A kestrel_test() of windows: without a screen, with a main() of its own that makes the QApplication.
 function(kestrel_forms_test name)
   cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS;LABELS" ${ARGN})
-  add_executable(${name} ${arg_SOURCES})
-  set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
-  target_link_libraries(${name} PRIVATE kestrel_flags kestrel_test_support kestrel_forms_test_support ${arg_DEPENDS}
-                                        GTest::gtest GTest::gmock Qt::Widgets Qt::Test)
-  target_compile_definitions(${name} PRIVATE KESTREL_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+  kestrel_test_program(${name} SOURCES ${arg_SOURCES} DEPENDS kestrel_forms_test_support ${arg_DEPENDS} Qt::Widgets Qt::Test
+                       PRECOMPILED kestrel_forms_test_headers)
   gtest_discover_tests(${name} PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 300 ENVIRONMENT QT_QPA_PLATFORM=offscreen
                        DISCOVERY_TIMEOUT 120)
 endfunction()

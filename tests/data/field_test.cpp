@@ -23,10 +23,10 @@ TEST(FieldTypes, WholeNumbersOfAnyWidthCountAsIntegers) {
 }
 
 TEST(TextOfValue, NullIsEmptyAndNumbersAreConverted) {
-    EXPECT_EQ(base::text_of(Value{}), "");
-    EXPECT_EQ(base::text_of(Value{std::int64_t{12}}), "12");
-    EXPECT_EQ(base::text_of(Value{12.0}), "12");
-    EXPECT_EQ(base::text_of(Value{std::string(" a'b%_ ")}), " a'b%_ ");
+    EXPECT_EQ(text_of(Value{}), "");
+    EXPECT_EQ(text_of(Value{std::int64_t{12}}), "12");
+    EXPECT_EQ(text_of(Value{12.0}), "12");
+    EXPECT_EQ(text_of(Value{std::string(" a'b%_ ")}), " a'b%_ ");
 }
 
 TEST(NumberOfValue, NullCountsAsZero) {

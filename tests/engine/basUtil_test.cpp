@@ -222,7 +222,7 @@ TEST_F(CreateShapefile, WholeNumbersStayWholeNumbers) {
 TEST_F(CreateShapefile, WholeNumbersOf64BitsKeepAllDigits) {
     world.layer("source", {test::big_integer_field("ID")}, {{{Box{0, 0, 1, 1}}, {std::int64_t{123456789012345678}}}},
                 {0});
-    EXPECT_EQ(base::text_of(copied("ID").features.columns.at(0).at(0)), "123456789012345678");
+    EXPECT_EQ(data::text_of(copied("ID").features.columns.at(0).at(0)), "123456789012345678");
 }
 
 TEST_F(CreateShapefile, TextOfMoreThan30CharactersIsNotCut) {

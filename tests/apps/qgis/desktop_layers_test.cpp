@@ -36,7 +36,7 @@ class DesktopLayers : public QgisWorld {
                                                        : layer.feature_class().read_polygons(field);
         std::vector<std::string> texts;
         for (const auto& value : features.columns.front()) {
-            texts.push_back(base::text_of(value));
+            texts.push_back(data::text_of(value));
         }
         return texts;
     }
@@ -151,7 +151,7 @@ TEST_F(DesktopLayers, FieldOfTheLayersOwnIsCopied) {
     const std::vector<std::string> field{"TEN"};
     const auto columns = layer->feature_class().read_columns(field);
     ASSERT_THAT(columns.front(), SizeIs(4));
-    EXPECT_EQ(base::text_of(columns.front()[3]), "40");
+    EXPECT_EQ(data::text_of(columns.front()[3]), "40");
 }
 
 TEST_F(DesktopLayers, CoordinateSystemChosenForALayerCounts) {
