@@ -49,7 +49,7 @@ std::optional<Table> clsISDSAdjustment::isDSAdjustment(Table pTable, const Scena
     inside_scenario.scenario = DSTheme.position;
     const std::optional<Table> inside = m_context.areas->isGetLCArea(
         m_context.working_folder, inside_scenario, *m_context.land_cover, "Value", analysisFldName,
-        m_context.by_density, m_context.units, dictClasses, ZoneName, aTemp);
+        m_context.option == CoefficientOption::by_density, m_context.units, dictClasses, ZoneName, aTemp);
     if (!inside) {
         return std::nullopt;
     }

@@ -8,6 +8,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "coefficients/coefficient_option.h"
 #include "contracts/layer.h"
 #include "data/table.h"
 #include "engine/clsISGetLCArea.h"
@@ -36,8 +37,7 @@ struct AdjustmentContext {
     AreaTheme analysis;
     const contracts::RasterLayer* land_cover = nullptr;
     std::string units;
-    std::string option;
-    bool by_density = false;
+    std::optional<CoefficientOption> option;
     clsISGetLCArea* areas = nullptr;
 };
 

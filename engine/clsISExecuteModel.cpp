@@ -149,7 +149,7 @@ bool clsISExecuteModel::prepare(const std::string& pFileName) {
     run.areas.Initialise(&run.app, run.option, run.threads);
     const PolygonLayer* density = nullptr;
     std::optional<clsPopulationDensity> density_stage;
-    if (run.option == "3") {
+    if (run.by_density()) {
         density_stage.emplace(run.map(), run.analysis, run.density_theme, run.density_field, run.density_high,
                               run.density_low);
         base::PartOfProgress progress(run.app.progress(), kAnalysisLayerRead, kScenariosBegin);
@@ -172,7 +172,7 @@ bool clsISExecuteModel::prepare(const std::string& pFileName) {
 bool clsISExecuteModel::calculate_areas() {
     ModelRun& run = *m_run;
     run.summary = run.areas.isGetLCArea(run.work_path, area_theme(run), *run.land_cover, "Value", run.zone_field,
-                                        run.option == "3", run.units, *run.classes, "tmpZone", "areaTemp");
+                                        run.by_density(), run.units, *run.classes, "tmpZone", "areaTemp");
     run.result.unknown_classes = run.areas.unknown_classes();
     if (!run.summary || run.cancelled()) {
         return false;
@@ -191,7 +191,6 @@ bool clsISExecuteModel::adjust_for_scenarios() {
                                       .land_cover = run.land_cover.get(),
                                       .units = run.units,
                                       .option = run.option,
-                                      .by_density = run.option == "3",
                                       .areas = &run.areas});
         run.summary = adjustment.isDSAdjustment(
             std::move(*run.summary), run.scenarios[i], run.zone_field, choice.Item(3), fmt::format("{}dsZone", number),
@@ -207,7 +206,7 @@ bool clsISExecuteModel::adjust_for_scenarios() {
 /// Sums the density classes of each zone, so that the table's keys are analysis values again.
 bool clsISExecuteModel::sum_by_analysis_value() {
     ModelRun& run = *m_run;
-    if (run.option == "3") {
+    if (run.by_density()) {
         run.summary = clsISTableFunctions(run.work_path)
                           .SumTable(*run.summary, run.analysis_field, run.summary->fields().at(1).name);
         if (run.summary) {

@@ -62,7 +62,7 @@ double area_factor(const std::string& units) {
     return units == "Meters" ? 0.0001 : 0;
 }
 
-void clsISGetLCArea::Initialise(contracts::Application* pApp, const std::string& option, int threads) {
+void clsISGetLCArea::Initialise(contracts::Application* pApp, std::optional<CoefficientOption> option, int threads) {
     Reset();
     m_application = pApp;
     m_option = option;
@@ -166,7 +166,7 @@ std::string clsISGetLCArea::AnalysisFieldValues(const Tabulation& table, std::si
 bool clsISGetLCArea::CalculateAreas(const Tabulation& tabulation, double factor, const LandClassDictionary& dictCL,
                                     Table& table) try {
     const CoefficientLookup lookup(m_option, dictCL);
-    ColumnCoefficients known(lookup, tabulation, !(m_option < "3"));
+    ColumnCoefficients known(lookup, tabulation, m_option == CoefficientOption::by_density);
     std::vector<std::string> zones;
     std::vector<const double*> coefficients;  // of each zone, column by column
     for (std::size_t id = 0; id < tabulation.keys.size(); ++id) {

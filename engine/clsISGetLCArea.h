@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "coefficients/coefficient_option.h"
 #include "contracts/application.h"
 #include "data/raster.h"
 #include "data/table.h"
@@ -37,7 +38,7 @@ class clsISGetLCArea {
     /// Prepares for a run; what an earlier run counted is forgotten.
     /// \param option the coefficient option.
     /// \param threads that the pass may use; 0 for as many as there are cores.
-    void Initialise(contracts::Application* pApp, const std::string& option, int threads);
+    void Initialise(contracts::Application* pApp, std::optional<CoefficientOption> option, int threads);
     /// Forgets the run.
     void Reset();
 
@@ -72,7 +73,7 @@ class clsISGetLCArea {
     void list_unknown_classes(const Tabulation& tabulation, const CoefficientLookup& lookup, const std::string& key);
 
     contracts::Application* m_application = nullptr;
-    std::string m_option;
+    std::optional<CoefficientOption> m_option;
     int m_threads = 0;
     std::optional<LandCoverCounts> m_counts;
     std::vector<contracts::UnknownClass> m_unknown_classes;

@@ -18,16 +18,21 @@ double CoefficientLookup::coefficient(const std::string& class_code, std::string
 
 double CoefficientLookup::look_up(const std::string& class_code, std::string_view zone_key) const {
     const TextList* entry = m_classes.find(class_code);
-    if (entry == nullptr) {
-        return kNoCoefficient;
+    return entry == nullptr || !m_option ? kNoCoefficient : base::to_double(entry->Item(position(zone_key)));
+}
+
+std::int32_t CoefficientLookup::position(std::string_view zone_key) const {
+    switch (*m_option) {
+        case CoefficientOption::high:
+            return 2;
+        case CoefficientOption::medium:
+            return 3;
+        case CoefficientOption::low:
+            return 4;
+        case CoefficientOption::by_density:
+            break;
     }
-    std::int32_t position = 0;
-    if (m_option < "3") {  // a comparison of texts
-        position = base::to_integer(m_option) + 2;
-    } else {
-        position = base::to_integer(zone_key.substr(zone_key.empty() ? 0 : zone_key.size() - 1)) + 1;
-    }
-    return base::to_double(entry->Item(position));
+    return base::to_integer(zone_key.substr(zone_key.empty() ? 0 : zone_key.size() - 1)) + 1;
 }
 
 }  // namespace kestrel

@@ -99,7 +99,7 @@ bool read_settings(ModelRun& run, const std::string& file_name) {
     run.analysis_field = run.reader.AnalysisFieldName();
     run.land_cover_theme = run.reader.lcTheme();
     run.units = run.reader.LCUnits();
-    run.option = run.reader.PopulationDensity();
+    run.option = run.reader.coefficient_option();
     run.out_theme_name = run.reader.OutThemeName();
     run.density_theme = run.reader.PopDensityTheme();
     run.density_field = run.reader.PopDensityFldName();

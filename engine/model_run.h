@@ -31,6 +31,7 @@ struct ModelRun {
         : app(application), work_path(std::move(extension_folder)), threads(threads_to_use) {}
 
     contracts::Map& map() const { return app.document().focus_map(); }
+    bool by_density() const { return option == CoefficientOption::by_density; }
     bool cancelled() const { return app.progress().cancelled(); }
     /// A folder of the run's own below "temp", made when it is first needed.
     const std::string& working_folder();
@@ -47,7 +48,7 @@ struct ModelRun {
     std::string analysis_field;
     std::string land_cover_theme;
     std::string units;
-    std::string option;
+    std::optional<CoefficientOption> option;
     std::string out_theme_name;
     std::string density_theme;
     std::string density_field;

@@ -68,6 +68,20 @@ std::string clsReadParams::PopulationDensity() const {
     return parameter("POPDENSITY");
 }
 
+std::optional<CoefficientOption> clsReadParams::coefficient_option() const {
+    const std::string name = PopulationDensity();
+    if (name == "0") {
+        return CoefficientOption::high;
+    }
+    if (name == "1") {
+        return CoefficientOption::medium;
+    }
+    if (name == "2") {
+        return CoefficientOption::low;
+    }
+    return name == "3" ? std::optional(CoefficientOption::by_density) : std::nullopt;
+}
+
 std::string clsReadParams::PopDensityTheme() const {
     return parameter("POPDENSITYTHEME");
 }

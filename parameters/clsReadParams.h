@@ -3,10 +3,12 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "base/dictionary.h"
+#include "coefficients/coefficient_option.h"
 #include "parameters/text_list.h"
 
 namespace kestrel {
@@ -39,6 +41,8 @@ class clsReadParams {
     std::string LCUnits() const;
     /// The coefficient option: "0" High, "1" Medium, "2" Low, "3" by population density.
     std::string PopulationDensity() const;
+    /// The same as what it means; nothing for any other text.
+    std::optional<CoefficientOption> coefficient_option() const;
     std::string PopDensityTheme() const;
     std::string PopDensityFldName() const;
     std::string PopDensityHigh() const;

@@ -20,11 +20,27 @@ namespace {
 using base::text_of;
 using base::TextWriter;
 
-constexpr std::int32_t kByDensity = 3;
+/// How the file names a coefficient option; "4" when none was chosen.
+std::string name_in_file(std::optional<CoefficientOption> option) {
+    if (!option) {
+        return "4";
+    }
+    switch (*option) {
+        case CoefficientOption::high:
+            return "0";
+        case CoefficientOption::medium:
+            return "1";
+        case CoefficientOption::low:
+            return "2";
+        case CoefficientOption::by_density:
+            break;
+    }
+    return "3";
+}
 
 void write_density(TextWriter& file, const ModelParameters& choices) {
-    file.write_line("POPDENSITY#" + text_of(choices.density_option));
-    if (choices.density_option != kByDensity) {
+    file.write_line("POPDENSITY#" + name_in_file(choices.coefficient_option));
+    if (choices.coefficient_option != CoefficientOption::by_density) {
         return;
     }
     file.write_line("POPDENSITYTHEME#" + choices.density_layer);

@@ -4,8 +4,11 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
+
+#include "coefficients/coefficient_option.h"
 
 namespace kestrel {
 
@@ -29,9 +32,9 @@ struct ModelParameters {
     std::string analysis_layer;
     std::string analysis_field;
 
-    /// 0 High, 1 Medium, 2 Low, 3 by population density, 4 none chosen.
-    std::int32_t density_option = 4;
-    // With option 3 only; the bounds as they were typed.
+    /// Nothing when none was chosen.
+    std::optional<CoefficientOption> coefficient_option{};
+    // With CoefficientOption::by_density only; the bounds as they were typed.
     std::string density_layer;
     std::string density_field;
     std::string density_high;

@@ -105,11 +105,11 @@ void write_single_coefficient(TextWriter& file, std::string_view density) {
 }
 
 void write_coefficient_statement(TextWriter& file, const RunRecord& record) {
-    if (record.coefficient_option == "0") {
+    if (record.coefficient_option == CoefficientOption::high) {
         write_single_coefficient(file, "high");
-    } else if (record.coefficient_option == "1") {
+    } else if (record.coefficient_option == CoefficientOption::medium) {
         write_single_coefficient(file, "medium");
-    } else if (record.coefficient_option == "2") {
+    } else if (record.coefficient_option == CoefficientOption::low) {
         write_single_coefficient(file, "low");
     } else {
         file.write_line(

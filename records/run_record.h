@@ -2,10 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "base/clock.h"
+#include "coefficients/coefficient_option.h"
 
 namespace kestrel {
 
@@ -34,8 +36,8 @@ struct RunRecord {
     std::string land_cover_units;
     std::string analysis_layer;
     std::string analysis_field;
-    /// "0" High, "1" Medium, "2" Low; anything else means by population density.
-    std::string coefficient_option;
+    /// Nothing is described as by density.
+    std::optional<CoefficientOption> coefficient_option;
     std::string density_layer;
     std::string density_field;
     std::string density_high;

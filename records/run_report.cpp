@@ -25,11 +25,11 @@ void write_layers(TextWriter& file, const RunRecord& record) {
 
 void write_coefficient_option(TextWriter& file, const RunRecord& record) {
     file.write_line("  Coefficient Option");
-    if (record.coefficient_option == "0") {
+    if (record.coefficient_option == CoefficientOption::high) {
         file.write_line("  High population coefficient applied to all analysis");
-    } else if (record.coefficient_option == "1") {
+    } else if (record.coefficient_option == CoefficientOption::medium) {
         file.write_line("  Medium population coefficient applied to all analysis");
-    } else if (record.coefficient_option == "2") {
+    } else if (record.coefficient_option == CoefficientOption::low) {
         file.write_line("  Low population coefficient applied to all analysis");
     } else {
         // One sentence on two lines, the first ending in a blank.

@@ -35,6 +35,17 @@ std::string fault_of_selection(const std::string& text) {
     return empty ? "is empty; leave it out to take all zones" : "";
 }
 
+/// \param name one of those that the command line admits.
+CoefficientOption option_named(const std::string& name) {
+    if (name == "high") {
+        return CoefficientOption::high;
+    }
+    if (name == "medium") {
+        return CoefficientOption::medium;
+    }
+    return name == "low" ? CoefficientOption::low : CoefficientOption::by_density;
+}
+
 void add_input_options(CLI::App& command, RunRequest& request) {
     command.add_option("--land-cover", request.land_cover, "Land-cover raster, of class codes")
         ->required()
@@ -55,7 +66,10 @@ void add_input_options(CLI::App& command, RunRequest& request) {
 }
 
 void add_model_options(CLI::App& command, RunRequest& request, std::vector<std::string>& scenarios) {
-    command.add_option("--option", request.option, "Which coefficients to take: high, medium or low, or by density")
+    command
+        .add_option_function<std::string>(
+            "--option", [&request](const std::string& name) { request.option = option_named(name); },
+            "Which coefficients to take: high, medium or low, or by density")
         ->required()
         ->check(CLI::IsMember({"high", "medium", "low", "density"}))
         ->type_name("NAME");

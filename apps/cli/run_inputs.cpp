@@ -157,9 +157,7 @@ void add_zones(RunInputs& inputs, const RunRequest& request) {
 }
 
 void add_density(RunInputs& inputs, const RunRequest& request) {
-    constexpr std::string_view kOptions[]{"high", "medium", "low", "density"};
-    inputs.parameters.density_option = static_cast<std::int32_t>(
-        std::find(std::begin(kOptions), std::end(kOptions), request.option) - std::begin(kOptions));
+    inputs.parameters.coefficient_option = request.option;
     if (!request.by_density()) {
         return;
     }

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "coefficients/coefficient_option.h"
+
 namespace kestrel::cli {
 
 struct ScenarioRequest {
@@ -23,8 +25,7 @@ struct RunRequest {
     std::string where{};
     std::string store{};
     std::string set{};
-    /// "high", "medium", "low" or "density"
-    std::string option{};
+    CoefficientOption option = CoefficientOption::high;
     std::string density_layer{};
     std::string density_field{};
     std::string density_high{};
@@ -41,7 +42,7 @@ struct RunRequest {
     int threads = 0;
     std::string extension_folder{};
 
-    bool by_density() const { return option == "density"; }
+    bool by_density() const { return option == CoefficientOption::by_density; }
 };
 
 /// "SRC:CODE", cut at the last colon.

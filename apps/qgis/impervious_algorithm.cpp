@@ -27,7 +27,6 @@ using data::FeatureClass;
 
 namespace {
 
-constexpr int kByDensity = 3;
 const QStringList kUnits{"", "Meters", "Feet"};
 
 [[noreturn]] void refuse(const QString& reason) {
@@ -205,8 +204,8 @@ void ImperviousAlgorithm::prepare_zones(const QVariantMap& parameters, QgsProces
 
 void ImperviousAlgorithm::prepare_density(const QVariantMap& parameters, QgsProcessingContext& context) {
     ModelParameters& chosen = m_prepared->parameters;
-    chosen.density_option = parameterAsEnum(parameters, "OPTION", context);
-    if (chosen.density_option != kByDensity) {
+    chosen.coefficient_option = static_cast<CoefficientOption>(parameterAsEnum(parameters, "OPTION", context));
+    if (chosen.coefficient_option != CoefficientOption::by_density) {
         return;
     }
     bool selected_only = false;

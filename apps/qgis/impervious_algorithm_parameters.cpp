@@ -7,6 +7,7 @@
 #include "apps/qgis/impervious_algorithm.h"
 #include "base/files.h"
 #include "coefficients/basUtil.h"
+#include "coefficients/coefficient_option.h"
 #include "forms/analysis/form_texts.h"
 
 /// \file
@@ -14,8 +15,6 @@
 namespace kestrel::qgis {
 
 namespace {
-
-constexpr int kByDensity = 3;
 
 /// Names of the coefficient sets in a store; none when it cannot be read.
 QStringList set_names_in(const std::string& store) {
@@ -121,7 +120,7 @@ bool ImperviousAlgorithm::checkParameterValues(const QVariantMap& parameters, Qg
         return false;
     }
     QString reason;
-    if (parameterAsEnum(parameters, "OPTION", context) == kByDensity) {
+    if (parameterAsEnum(parameters, "OPTION", context) == static_cast<int>(CoefficientOption::by_density)) {
         for (const char* needed : {"DENSITY_LAYER", "DENSITY_FIELD", "DENSITY_HIGH", "DENSITY_LOW"}) {
             if (reason.isEmpty() && !parameters.value(needed).isValid()) {
                 reason = QStringLiteral("The coefficient is chosen by population density, which needs: %1.")

@@ -44,7 +44,7 @@ constexpr std::array<FormRule, 6> kFirstFormRules{{
     {[](const FormState& f) { return !f.set_chosen; }, FormControl::cboLCType, form_texts::kNoSet},
     {[](const FormState& f) { return !f.analysis_field_chosen; }, FormControl::cboAnalysisUnit,
      form_texts::kNoAnalysisUnit},
-    {[](const FormState& f) { return f.density_option == kDensityOptions; }, FormControl::optPopDensity,
+    {[](const FormState& f) { return !f.coefficient_option; }, FormControl::optPopDensity,
      form_texts::kNoDensityOption},
 }};
 
@@ -76,7 +76,7 @@ std::optional<FormRefusal> first_refusal(const FormState& state) {
     if (const auto refusal = first_broken<FormRefusal>(kFirstFormRules, state)) {
         return refusal;
     }
-    if (state.density_option == kCalculate) {
+    if (state.coefficient_option == CoefficientOption::by_density) {
         if (const auto refusal = first_refusal(state.density)) {
             return FormRefusal{FormControl::density, refusal->box};
         }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "coefficients/coefficient_option.h"
 #include "reporting/interaction.h"
 
 /// \file
@@ -38,10 +39,6 @@ struct ScenarioState {
     bool class_chosen = false;
 };
 
-/// Position of "Calculate" among the density options, and the number of options.
-inline constexpr int kCalculate = 3;
-inline constexpr int kDensityOptions = 4;
-
 /// What the parameter form holds.
 struct FormState {
     bool analysis_layer_chosen = false;
@@ -49,9 +46,9 @@ struct FormState {
     bool units_chosen = false;
     bool set_chosen = false;
     bool analysis_field_chosen = false;
-    /// kDensityOptions when none is chosen.
-    int density_option = kDensityOptions;
-    /// Looked at with kCalculate only.
+    /// Nothing when none is chosen.
+    std::optional<CoefficientOption> coefficient_option{};
+    /// Looked at with CoefficientOption::by_density only.
     DensityState density{};
     std::string output{};
     /// -1 when there is no scenario row.

@@ -146,7 +146,7 @@ void frmISParams::cboLCType_Click() try {
 
 void frmISParams::optPopDensity_MouseUp(int index) try {
     leave_output_box();
-    if (index == kCalculate) {
+    if (static_cast<CoefficientOption>(index) == CoefficientOption::by_density) {
         show_density_dialog();
     }
 } catch (...) {
@@ -170,8 +170,9 @@ frmISPDensity& frmISParams::density() {
     return *m_density;
 }
 
-int frmISParams::density_option() const {
-    return m_options->checkedId() < 0 ? kDensityOptions : m_options->checkedId();
+std::optional<CoefficientOption> frmISParams::coefficient_option() const {
+    const int button = m_options->checkedId();
+    return button < 0 ? std::nullopt : std::optional(static_cast<CoefficientOption>(button));
 }
 
 void frmISParams::cmdDSAdd_Click() try {

@@ -99,7 +99,7 @@ class frmISParams final : public QDialog, private contracts::MapEvents {
     bool ValidateForm(std::int16_t highest_row);
     FormState state(std::int16_t highest_row);
     QWidget* control_of(FormControl control);
-    int density_option() const;
+    std::optional<CoefficientOption> coefficient_option() const;
     ModelParameters choices();
     RunOutput output();
     /// Tells why the run cannot write there. \return whether it can.

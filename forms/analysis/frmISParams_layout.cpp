@@ -5,6 +5,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
+#include <array>
 
 #include "forms/analysis/frmISParams.h"
 #include "forms/analysis/name_list.h"
@@ -75,15 +76,16 @@ void frmISParams::build_options() {
     m_options = new QButtonGroup(this);
     auto* row = new QHBoxLayout(fraPopDensity);
     row->addWidget(new QLabel("Which Coefficient?"));
-    const char* const captions[] = {"Hi&gh", "&Medium", "Lo&w", "Calc&ulate"};
-    const char* const tips[] = {"Take the coefficient for high population density everywhere",
-                                "Take the coefficient for medium population density everywhere",
-                                "Take the coefficient for low population density everywhere",
-                                "Choose the coefficient place by place, by a layer of population density"};
-    for (int i = 0; i < kDensityOptions; ++i) {
-        auto* option = named(element_name("optPopDensity", static_cast<std::size_t>(i)), new QRadioButton(captions[i]));
+    // In the order of CoefficientOption, whose positions are the ids of the buttons.
+    const std::array captions{"Hi&gh", "&Medium", "Lo&w", "Calc&ulate"};
+    const std::array tips{"Take the coefficient for high population density everywhere",
+                          "Take the coefficient for medium population density everywhere",
+                          "Take the coefficient for low population density everywhere",
+                          "Choose the coefficient place by place, by a layer of population density"};
+    for (std::size_t i = 0; i < captions.size(); ++i) {
+        auto* option = named(element_name("optPopDensity", i), new QRadioButton(captions[i]));
         option->setToolTip(tips[i]);
-        m_options->addButton(option, i);
+        m_options->addButton(option, static_cast<int>(i));
         row->addSpacing(row->spacing());
         row->addWidget(option);
         optPopDensity.push_back(option);

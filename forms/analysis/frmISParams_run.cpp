@@ -65,7 +65,7 @@ std::string file_of(const std::string& layer_name, const contracts::Map& map) {
 /// Names of the layers that a run with these choices reads.
 std::vector<std::string> layers_read(const ModelParameters& choices) {
     std::vector<std::string> names{choices.land_cover_layer, choices.analysis_layer};
-    if (choices.density_option == kCalculate) {
+    if (choices.coefficient_option == CoefficientOption::by_density) {
         names.push_back(choices.density_layer);
     }
     for (const ScenarioChoice& scenario : choices.scenarios) {
@@ -203,8 +203,8 @@ ModelParameters frmISParams::choices() {
     chosen.land_cover_units = cboLCUnits->currentText().toStdString();
     chosen.analysis_layer = cboAnalysisTheme->currentText().toStdString();
     chosen.analysis_field = cboAnalysisUnit->currentText().toStdString();
-    chosen.density_option = density_option();
-    if (chosen.density_option == kCalculate) {
+    chosen.coefficient_option = coefficient_option();
+    if (chosen.coefficient_option == CoefficientOption::by_density) {
         density().write_into(chosen);
     }
     chosen.output_path = txtOutputTheme->text().toStdString();
@@ -250,11 +250,11 @@ FormState frmISParams::state(std::int16_t highest_row) {
                     .units_chosen = cboLCUnits->currentIndex() >= 0,
                     .set_chosen = cboLCType->currentIndex() >= 0,
                     .analysis_field_chosen = cboAnalysisUnit->currentIndex() >= 0,
-                    .density_option = density_option(),
+                    .coefficient_option = coefficient_option(),
                     .output = txtOutputTheme->text().toStdString(),
                     .highest_row = highest_row,
                     .scenarios = fraDSMain->states()};
-    if (state.density_option == kCalculate) {
+    if (state.coefficient_option == CoefficientOption::by_density) {
         state.density = density().state();
     }
     return state;
@@ -275,7 +275,7 @@ QWidget* frmISParams::control_of(FormControl control) {
         case FormControl::optPopDensity:
             return optPopDensity.front();
         case FormControl::density:
-            return optPopDensity[kCalculate];
+            return optPopDensity[static_cast<std::size_t>(CoefficientOption::by_density)];
         case FormControl::cboDSTheme:
             return &fraDSMain->themes(0);
         case FormControl::cboDSToClass:

@@ -48,11 +48,12 @@ class Adjustment : public testing::Test {
         theme = {.name = "plans", .same_projection = true, .position = 0, .failure = {}};
     }
     /// The area table of the whole zones.
-    Table tabulated(const std::string& option = "0") {
+    Table tabulated(CoefficientOption option = CoefficientOption::high) {
         return *engine_for(option).isGetLCArea(world.extension.path(), analysis(), cover, "Value", "SHED", false,
                                                "Meters", classes, "tmpZone", "areaTemp");
     }
-    std::optional<Table> adjusted(Table table, const std::string& target, const std::string& option = "0") {
+    std::optional<Table> adjusted(Table table, const std::string& target,
+                                  CoefficientOption option = CoefficientOption::high) {
         clsISDSAdjustment adjustment({.working_folder = world.extension.path(),
                                       .analysis = analysis(),
                                       .land_cover = &cover,
@@ -63,7 +64,7 @@ class Adjustment : public testing::Test {
                                          classes);
     }
     AreaTheme analysis() const { return {.name = "sheds", .fields = {{.name = "SHED"}}, .zones = &*zones}; }
-    clsISGetLCArea& engine_for(const std::string& option) {
+    clsISGetLCArea& engine_for(CoefficientOption option) {
         if (engine.counts() == nullptr) {
             engine.Initialise(&world.application, option, 1);
             // The pass, so that there are counts even where a test makes its main table by hand.
@@ -220,7 +221,7 @@ MessageBox invalid_coefficient(const std::string& code) {
 
 TEST_F(Adjustment, ATargetOfMinus9999InTheZonesPositionStopsTheRun) {
     lay_out("5 5\n", {Box{0, 0, 1, 1}});
-    EXPECT_FALSE(adjusted(tabulated("2"), "2", "2"));
+    EXPECT_FALSE(adjusted(tabulated(CoefficientOption::low), "2", CoefficientOption::low));
     EXPECT_THAT(world.said.boxes, ElementsAre(invalid_coefficient("2")));
 }
 

@@ -48,7 +48,7 @@ class LandCoverAreas : public testing::Test {
                              .scenarios = {},
                              .keys = digits.empty() ? ZoneKeys(groups) : ZoneKeys(groups, digits)};
     }
-    std::optional<Table> areas(const std::string& units, const std::string& option = "0",
+    std::optional<Table> areas(const std::string& units, CoefficientOption option = CoefficientOption::high,
                                const std::string& zone_field = "SHED") {
         if (!initialised) {
             engine.Initialise(&world.application, option, 1);
@@ -139,7 +139,7 @@ TEST_F(LandCoverAreas, ALongZoneFieldHasItsShortName) {
     world.land_cover("5\n");
     fields = {{.name = "POPULATION_2000"}, {.name = "POPULATION_DENSITY"}};
     zones({{{Box{0, 0, 1, 1}}}}, {Value("a")});
-    const auto table = areas("Meters", "0", "POPULATION_DENSITY");
+    const auto table = areas("Meters", CoefficientOption::high, "POPULATION_DENSITY");
     ASSERT_TRUE(table);
     EXPECT_EQ(table->fields()[1].name, "POPULATI_1");
 }
@@ -147,7 +147,7 @@ TEST_F(LandCoverAreas, ALongZoneFieldHasItsShortName) {
 TEST_F(LandCoverAreas, OptionOneUsesTheMediumCoefficientInEveryZone) {
     world.land_cover("5 2\n");
     zones({{{Box{0, 0, 1, 1}}}, {{Box{1, 0, 2, 1}}}}, {Value("12#3"), Value("12#1")});
-    const auto table = areas("Meters", "1");
+    const auto table = areas("Meters", CoefficientOption::medium);
     ASSERT_TRUE(table);
     EXPECT_DOUBLE_EQ(number(*table, "12#3", "ISarea-5"), 0.2);
     EXPECT_DOUBLE_EQ(number(*table, "12#1", "ISarea-2"), 0.8);
@@ -157,7 +157,7 @@ TEST_F(LandCoverAreas, OptionThreeUsesTheLowCoefficientInZone12Hash3) {
     world.land_cover("5 5 5\n");
     zones({{{Box{0, 0, 3, 1}}}}, {Value(std::int64_t{12})},
           {{{Box{0, 0, 1, 1}}}, {{Box{1, 0, 2, 1}}}, {{Box{2, 0, 3, 1}}}}, {1, 2, 3});
-    const auto table = areas("Meters", "3");
+    const auto table = areas("Meters", CoefficientOption::by_density);
     ASSERT_TRUE(table);
     EXPECT_DOUBLE_EQ(number(*table, "12#1", "ISarea-5"), 0.3);
     EXPECT_DOUBLE_EQ(number(*table, "12#2", "ISarea-5"), 0.2);

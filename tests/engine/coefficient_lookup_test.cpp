@@ -26,67 +26,65 @@ LandClassDictionary classes() {
     return result;
 }
 
-double coefficient(const char* option, const char* code, const char* key) {
+double coefficient(std::optional<CoefficientOption> option, const char* code, const char* key) {
     const LandClassDictionary known = classes();
     return CoefficientLookup(option, known).coefficient(code, key);
 }
 
-TEST(CoefficientLookup, OptionsZeroOneAndTwoAreHighMediumAndLowInEveryZone) {
-    EXPECT_EQ(coefficient("0", "2", "12#3"), 90);
-    EXPECT_EQ(coefficient("1", "2", "12#3"), 80.5);
-    EXPECT_EQ(coefficient("2", "2", "12#1"), 70);
+TEST(CoefficientLookup, HighMediumAndLowHoldInEveryZone) {
+    EXPECT_EQ(coefficient(CoefficientOption::high, "2", "12#3"), 90);
+    EXPECT_EQ(coefficient(CoefficientOption::medium, "2", "12#3"), 80.5);
+    EXPECT_EQ(coefficient(CoefficientOption::low, "2", "12#1"), 70);
 }
 
-TEST(CoefficientLookup, OptionThreeGoesByTheKeysLastDigit) {
-    EXPECT_EQ(coefficient("3", "2", "12#1"), 90);
-    EXPECT_EQ(coefficient("3", "2", "12#2"), 80.5);
-    EXPECT_EQ(coefficient("3", "2", "12#3"), 70);
+TEST(CoefficientLookup, ByDensityGoesByTheKeysLastDigit) {
+    EXPECT_EQ(coefficient(CoefficientOption::by_density, "2", "12#1"), 90);
+    EXPECT_EQ(coefficient(CoefficientOption::by_density, "2", "12#2"), 80.5);
+    EXPECT_EQ(coefficient(CoefficientOption::by_density, "2", "12#3"), 70);
 }
 
-TEST(CoefficientLookup, OptionsAreComparedAsTexts) {
-    EXPECT_EQ(coefficient("4", "2", "12#2"), 80.5);
-    EXPECT_EQ(coefficient("20", "2", "12#2"), -9999);
+TEST(CoefficientLookup, WithoutAnOptionThereIsNoCoefficient) {
+    EXPECT_EQ(coefficient(std::nullopt, "2", "12#2"), -9999);
 }
 
 TEST(CoefficientLookup, AClassThatTheSetLacksHasNone) {
-    EXPECT_EQ(coefficient("0", "3", "12"), -9999);
-    EXPECT_EQ(coefficient("0", "02", "12"), -9999);
+    EXPECT_EQ(coefficient(CoefficientOption::high, "3", "12"), -9999);
+    EXPECT_EQ(coefficient(CoefficientOption::high, "02", "12"), -9999);
 }
 
 TEST(CoefficientLookup, APositionThatTheEntryLacksHasNone) {
-    EXPECT_EQ(coefficient("0", "7", "12"), 100);
-    EXPECT_EQ(coefficient("1", "7", "12"), -9999);
-    EXPECT_EQ(coefficient("3", "2", "12#9"), -9999);
+    EXPECT_EQ(coefficient(CoefficientOption::high, "7", "12"), 100);
+    EXPECT_EQ(coefficient(CoefficientOption::medium, "7", "12"), -9999);
+    EXPECT_EQ(coefficient(CoefficientOption::by_density, "2", "12#9"), -9999);
 }
 
 TEST(CoefficientLookup, WhatIsNoNumberIsNoCoefficient) {
-    EXPECT_EQ(coefficient("1", "5", "12"), -9999);
-    EXPECT_EQ(coefficient("3", "2", "twelve"), -9999);
-    EXPECT_EQ(coefficient("3", "2", ""), -9999);
-    EXPECT_EQ(coefficient("", "2", "12"), -9999);
+    EXPECT_EQ(coefficient(CoefficientOption::medium, "5", "12"), -9999);
+    EXPECT_EQ(coefficient(CoefficientOption::by_density, "2", "twelve"), -9999);
+    EXPECT_EQ(coefficient(CoefficientOption::by_density, "2", ""), -9999);
 }
 
 TEST(CoefficientLookup, TheDigitZeroNamesTheClassNameWhichIsNoNumber) {
-    EXPECT_EQ(coefficient("3", "2", "10"), -9999);
+    EXPECT_EQ(coefficient(CoefficientOption::by_density, "2", "10"), -9999);
 }
 
 TEST(CoefficientLookup, AStoredMinus9999IsTakenForNone) {
-    EXPECT_EQ(coefficient("0", "9", "12"), -9999);
-    EXPECT_EQ(coefficient("1", "9", "12"), 0);
-    EXPECT_EQ(coefficient("2", "9", "12"), 100);
+    EXPECT_EQ(coefficient(CoefficientOption::high, "9", "12"), -9999);
+    EXPECT_EQ(coefficient(CoefficientOption::medium, "9", "12"), 0);
+    EXPECT_EQ(coefficient(CoefficientOption::low, "9", "12"), 100);
 }
 
 TEST(CoefficientLookup, FailuresAreNeverReported) {
     const test::ScriptedInteraction said;
-    coefficient("1", "5", "12");
-    coefficient("3", "2", "");
+    coefficient(CoefficientOption::medium, "5", "12");
+    coefficient(CoefficientOption::by_density, "2", "");
     EXPECT_TRUE(said.call_stacks.empty());
     EXPECT_TRUE(said.boxes.empty());
 }
 
 TEST(CoefficientLookup, AMissingClassLeavesNoEntryBehind) {
     const LandClassDictionary known = classes();
-    CoefficientLookup("0", known).coefficient("3", "12");
+    CoefficientLookup(CoefficientOption::high, known).coefficient("3", "12");
     EXPECT_EQ(known.size(), 4U);
 }
 

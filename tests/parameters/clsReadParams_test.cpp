@@ -258,6 +258,21 @@ TEST_F(ReadParams, DuplicateClassCodeIsReportedAndWhatWasReadStays) {
     EXPECT_EQ(m_reader.LandClasses()->find("2")->Item(1), "a");
 }
 
+TEST_F(ReadParams, CoefficientOptionIsOneOfFourOrNone) {
+    const std::pair<std::string, std::optional<CoefficientOption>> options[]{{"0", CoefficientOption::high},
+                                                                             {"1", CoefficientOption::medium},
+                                                                             {"2", CoefficientOption::low},
+                                                                             {"3", CoefficientOption::by_density},
+                                                                             {"4", std::nullopt},
+                                                                             {"", std::nullopt},
+                                                                             {"20", std::nullopt}};
+    for (const auto& [text, option] : options) {
+        read("POPDENSITY#" + text + "\r\n");
+        EXPECT_EQ(m_reader.PopulationDensity(), text);
+        EXPECT_EQ(m_reader.coefficient_option(), option) << text;
+    }
+}
+
 TEST_F(ReadParams, DuplicateScenarioNumberIsReportedAndWhatWasReadStays) {
     read("LCTHEME#a\r\nDS#1#x#Grass#5\r\nDS#1#y#Roads#2\r\nLCUNITS#Feet\r\n");
     expect_report("457");

@@ -50,13 +50,13 @@ Texts texts_of(const TextList& list) {
     return {list.begin(), list.end()};
 }
 
-ModelParameters choices_with_option(std::int32_t density_option) {
+ModelParameters choices_with_option(std::optional<CoefficientOption> option) {
     ModelParameters choices;
     choices.land_cover_layer = "landcover_2001";
     choices.land_cover_units = "Meters";
     choices.analysis_layer = "subwatersheds";
     choices.analysis_field = "SHED_ID";
-    choices.density_option = density_option;
+    choices.coefficient_option = option;
     choices.density_layer = "blockgroups";
     choices.density_field = "POP_DEN";
     choices.density_high = "10";
@@ -99,7 +99,7 @@ class WriteModelParameters : public testing::Test {
 };
 
 TEST_F(WriteModelParameters, WorkedExampleMatchesTheFixture) {
-    ModelParameters choices = choices_with_option(3);
+    ModelParameters choices = choices_with_option(CoefficientOption::by_density);
     choices.scenarios = {{2, "new_parcels", "High Intensity Developed", "2"}};
     EXPECT_TRUE(write(choices));
     EXPECT_EQ(read_file(m_temp + "/model_params.txt"), read_file(test::fixture_path("parameters/worked_example.txt")));
@@ -108,14 +108,14 @@ TEST_F(WriteModelParameters, WorkedExampleMatchesTheFixture) {
 }
 
 TEST_F(WriteModelParameters, WithoutScenariosAndWithoutMatchingSetOnlyTheSettingsAreWritten) {
-    EXPECT_TRUE(write(choices_with_option(1), "missing"));
+    EXPECT_TRUE(write(choices_with_option(CoefficientOption::medium), "missing"));
     EXPECT_THAT(lines(), ElementsAre("VIEW#", "LCTHEME#landcover_2001", "LCUNITS#Meters", "ANALYSISTHEME#subwatersheds",
                                      "ANALYSISUNIT#SHED_ID", "POPDENSITY#1", "OUTTHEME#subsheds_is",
                                      "OUTTHEMENAME#Subsheds IS"));
 }
 
 TEST_F(WriteModelParameters, DensityOptionAddsItsFiveLinesAfterThatOfTheOption) {
-    EXPECT_TRUE(write(choices_with_option(3), "missing"));
+    EXPECT_TRUE(write(choices_with_option(CoefficientOption::by_density), "missing"));
     EXPECT_THAT(lines(), ElementsAre("VIEW#", "LCTHEME#landcover_2001", "LCUNITS#Meters", "ANALYSISTHEME#subwatersheds",
                                      "ANALYSISUNIT#SHED_ID", "POPDENSITY#3", "POPDENSITYTHEME#blockgroups",
                                      "POPDENSITYFLD#POP_DEN", "POPDENSITYHIGH#10", "POPDENSITYMED#2#10",
@@ -123,15 +123,19 @@ TEST_F(WriteModelParameters, DensityOptionAddsItsFiveLinesAfterThatOfTheOption) 
 }
 
 TEST_F(WriteModelParameters, OtherOptionsWriteNoDensityLines) {
-    for (const int option : {0, 1, 2, 4}) {
+    const std::pair<std::optional<CoefficientOption>, std::string> options[]{{CoefficientOption::high, "0"},
+                                                                             {CoefficientOption::medium, "1"},
+                                                                             {CoefficientOption::low, "2"},
+                                                                             {std::nullopt, "4"}};
+    for (const auto& [option, name] : options) {
         EXPECT_TRUE(write(choices_with_option(option)));
-        EXPECT_THAT(lines_of("POPDENSITY"), ElementsAre("POPDENSITY#" + std::to_string(option)));
+        EXPECT_THAT(lines_of("POPDENSITY"), ElementsAre("POPDENSITY#" + name));
         EXPECT_THAT(read_file(m_temp + "/model_params.txt"), testing::Not(HasSubstr("POPDENSITYTHEME")));
     }
 }
 
 TEST_F(WriteModelParameters, HighOptionLeavesTheDensityLayerEmptyForTheReader) {
-    EXPECT_TRUE(write(choices_with_option(0)));
+    EXPECT_TRUE(write(choices_with_option(CoefficientOption::high)));
     clsReadParams reader;
     reader.ReadParameters(m_extension.path(), "model_params.txt");
     EXPECT_EQ(reader.PopulationDensity(), "0");
@@ -139,7 +143,7 @@ TEST_F(WriteModelParameters, HighOptionLeavesTheDensityLayerEmptyForTheReader) {
 }
 
 TEST_F(WriteModelParameters, BoundsAreWrittenAsTyped) {
-    ModelParameters choices = choices_with_option(3);
+    ModelParameters choices = choices_with_option(CoefficientOption::by_density);
     choices.density_high = " 1e3";
     choices.density_medium = {"200.50 ", ""};
     choices.density_low = "+200.50";
@@ -150,7 +154,7 @@ TEST_F(WriteModelParameters, BoundsAreWrittenAsTyped) {
 }
 
 TEST_F(WriteModelParameters, ScenariosCarryTheirOwnNumbersAndLeaveGaps) {
-    ModelParameters choices = choices_with_option(1);
+    ModelParameters choices = choices_with_option(CoefficientOption::medium);
     choices.scenarios = {{1, "newmall", "Roads", "2"}, {3, "park", "Grassland", "5"}};
     EXPECT_TRUE(write(choices));
     EXPECT_THAT(lines_of("DS"), ElementsAre("DS#1#newmall#Roads#2", "DS#3#park#Grassland#5"));
@@ -164,32 +168,32 @@ TEST_F(WriteModelParameters, ScenariosCarryTheirOwnNumbersAndLeaveGaps) {
 
 TEST_F(WriteModelParameters, ClassesOfEverySetOfTheNameAreWrittenOneAfterTheOther) {
     add_set(m_store, "C-CAP", {{5, "Grass", 3, 2, 1}});
-    EXPECT_TRUE(write(choices_with_option(1)));
+    EXPECT_TRUE(write(choices_with_option(CoefficientOption::medium)));
     EXPECT_THAT(lines_of("CLASS"), ElementsAre("CLASS#2#High Intensity Developed#90#85#80", "CLASS#5#Grassland#2#1.5#1",
                                                "CLASS#5#Grass#3#2#1"));
 }
 
 TEST_F(WriteModelParameters, SetNameIsComparedExactly) {
     for (const char* name : {"c-cap", "C-CAP ", " C-CAP", "C-CA", ""}) {
-        EXPECT_TRUE(write(choices_with_option(1), name));
+        EXPECT_TRUE(write(choices_with_option(CoefficientOption::medium), name));
         EXPECT_THAT(lines_of("CLASS"), IsEmpty()) << name;
     }
 }
 
 TEST_F(WriteModelParameters, SetWithoutClassesWritesNoClassLine) {
     add_set(m_store, "empty", {});
-    EXPECT_TRUE(write(choices_with_option(1), "empty"));
+    EXPECT_TRUE(write(choices_with_option(CoefficientOption::medium), "empty"));
     EXPECT_THAT(lines_of("CLASS"), IsEmpty());
 }
 
 TEST_F(WriteModelParameters, CoefficientsAreWrittenInTheShortestFormThatReadsBack) {
     add_set(m_store, "numbers", {{-7, "a", 0.5F, 12, 33.3F}, {2147483647, "b", 0, 100, 0.001F}});
-    EXPECT_TRUE(write(choices_with_option(1), "numbers"));
+    EXPECT_TRUE(write(choices_with_option(CoefficientOption::medium), "numbers"));
     EXPECT_THAT(lines_of("CLASS"), ElementsAre("CLASS#-7#a#0.5#12#33.3", "CLASS#2147483647#b#0#100#0.001"));
 }
 
 TEST_F(WriteModelParameters, ValuesAreNeitherEscapedNorTrimmed) {
-    ModelParameters choices = choices_with_option(1);
+    ModelParameters choices = choices_with_option(CoefficientOption::medium);
     choices.land_cover_layer = " land#cover ";
     add_set(m_store, "names", {{2, "Lot #7, \"new\"", 90, 85, 80}});
     EXPECT_TRUE(write(choices, "names"));
@@ -198,19 +202,21 @@ TEST_F(WriteModelParameters, ValuesAreNeitherEscapedNorTrimmed) {
 }
 
 TEST_F(WriteModelParameters, ViewNameIsWrittenWhenThereIsOne) {
-    EXPECT_TRUE(write_model_parameters(m_temp, "other.txt", choices_with_option(1), m_store, "C-CAP", "Layers"));
+    EXPECT_TRUE(write_model_parameters(m_temp, "other.txt", choices_with_option(CoefficientOption::medium), m_store,
+                                       "C-CAP", "Layers"));
     EXPECT_TRUE(read_file(m_temp + "/other.txt").starts_with("VIEW#Layers\r\nLCTHEME#"));
 }
 
 TEST_F(WriteModelParameters, EarlierFileIsReplaced) {
     base::write_file(m_temp + "/model_params.txt", std::string(10000, 'x'));
-    EXPECT_TRUE(write(choices_with_option(1), "missing"));
+    EXPECT_TRUE(write(choices_with_option(CoefficientOption::medium), "missing"));
     EXPECT_EQ(lines().size(), 8U);
 }
 
 TEST_F(WriteModelParameters, MissingWorkingFolderIsToldInAPlainBoxAndNothingIsWritten) {
     const std::string folder = m_extension / "missing";
-    EXPECT_FALSE(write_model_parameters(folder, "model_params.txt", choices_with_option(1), m_store, "C-CAP", ""));
+    EXPECT_FALSE(write_model_parameters(folder, "model_params.txt", choices_with_option(CoefficientOption::medium),
+                                        m_store, "C-CAP", ""));
     EXPECT_THAT(m_user.boxes,
                 ElementsAre(MessageBox{"Working directory (" + folder + ") defined in ArcView project does not exist.",
                                        "", reporting::Icon::none, reporting::Buttons::ok}));
@@ -219,17 +225,17 @@ TEST_F(WriteModelParameters, MissingWorkingFolderIsToldInAPlainBoxAndNothingIsWr
 }
 
 TEST_F(WriteModelParameters, MissingWorkingFolderLeavesTheFileOfAnEarlierRun) {
-    EXPECT_TRUE(write(choices_with_option(1)));
+    EXPECT_TRUE(write(choices_with_option(CoefficientOption::medium)));
     const std::string before = read_file(m_temp + "/model_params.txt");
-    EXPECT_FALSE(write_model_parameters(m_temp + "/model_params.txt", "model_params.txt", choices_with_option(2),
-                                        m_store, "C-CAP", ""));
+    EXPECT_FALSE(write_model_parameters(m_temp + "/model_params.txt", "model_params.txt",
+                                        choices_with_option(CoefficientOption::low), m_store, "C-CAP", ""));
     EXPECT_EQ(read_file(m_temp + "/model_params.txt"), before);
     EXPECT_EQ(m_user.boxes.size(), 1U);
 }
 
 TEST_F(WriteModelParameters, FileThatCannotBeMadeIsReported) {
     base::create_folder(m_temp + "/model_params.txt");
-    EXPECT_FALSE(write(choices_with_option(1)));
+    EXPECT_FALSE(write(choices_with_option(CoefficientOption::medium)));
     EXPECT_THAT(m_user.boxes, IsEmpty());
     ASSERT_EQ(m_user.call_stacks.size(), 1U);
     EXPECT_THAT(
@@ -240,13 +246,14 @@ TEST_F(WriteModelParameters, FileThatCannotBeMadeIsReported) {
 }
 
 TEST_F(WriteModelParameters, FullDeviceIsReported) {
-    EXPECT_FALSE(write_model_parameters("/dev", "full", choices_with_option(1), m_store, "C-CAP", ""));
+    EXPECT_FALSE(
+        write_model_parameters("/dev", "full", choices_with_option(CoefficientOption::medium), m_store, "C-CAP", ""));
     ASSERT_EQ(m_user.call_stacks.size(), 1U);
     EXPECT_THAT(m_user.call_stacks[0], HasSubstr("\r\nError Number \r\n\t61\r\nDescription\r\n\t"));
 }
 
 TEST_F(WriteModelParameters, WhatIsWrittenReadsBackTheSame) {
-    ModelParameters choices = choices_with_option(3);
+    ModelParameters choices = choices_with_option(CoefficientOption::by_density);
     choices.scenarios = {{1, "newmall", "Grassland", "5"}, {4, "Straße 1", "Übergang", "-3"}};
     add_set(m_store, "round trip", {{-3, "Übergang", 33.3F, 0.1F, 1e-7F}, {21, "", 100, 0, 12.5F}});
     EXPECT_TRUE(write(choices, "round trip"));

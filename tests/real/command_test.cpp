@@ -20,11 +20,24 @@ class RealRunOfTheCommand : public RealData {
 
     std::vector<std::string> arguments(const RunSettings& settings) const {
         const char* const options[] = {"high", "medium", "low", "density"};
-        std::vector<std::string> result{"run",          "--land-cover", settings.land_cover,      "--units",
-                                        settings.units, "--zones",      settings.zones,           "--field",
-                                        settings.field, "--store",      real_file("isprops.xml"), "--set",
-                                        settings.set,   "--option",     options[settings.option], "--output",
-                                        output(),       "--json"};
+        std::vector<std::string> result{"run",
+                                        "--land-cover",
+                                        settings.land_cover,
+                                        "--units",
+                                        settings.units,
+                                        "--zones",
+                                        settings.zones,
+                                        "--field",
+                                        settings.field,
+                                        "--store",
+                                        real_file("isprops.xml"),
+                                        "--set",
+                                        settings.set,
+                                        "--option",
+                                        options[static_cast<int>(settings.option)],
+                                        "--output",
+                                        output(),
+                                        "--json"};
         if (settings.option == kByDensity) {
             result.insert(result.end(),
                           {"--density-layer", settings.density, "--density-field", settings.density_field,

@@ -129,7 +129,8 @@ void sum_zones(const RunSettings& settings, ExpectedOutput& expected) {
     for (const auto& [key, piece] : expected.pieces) {
         const bool by_density = settings.option == kByDensity;
         const std::string value = by_density ? key.substr(0, key.size() - 2) : key;
-        const auto position = static_cast<std::size_t>(by_density ? key.back() - '1' : settings.option);
+        const auto position =
+            static_cast<std::size_t>(by_density ? key.back() - '1' : static_cast<int>(settings.option));
         add_piece(expected.zones.at(value), piece, expected.cell_area, coefficients, position);
     }
     for (auto& [value, zone] : expected.zones) {

@@ -10,11 +10,11 @@ namespace kestrel::test {
 namespace {
 
 /// Coefficient option and units.
-using Choice = std::tuple<std::int32_t, const char*>;
+using Choice = std::tuple<CoefficientOption, const char*>;
 
 std::string name_of(const ::testing::TestParamInfo<Choice>& choice) {
     const char* const names[] = {"High", "Medium", "Low", "Density"};
-    return std::string(names[std::get<0>(choice.param)]) + std::get<1>(choice.param);
+    return std::string(names[static_cast<std::size_t>(std::get<0>(choice.param))]) + std::get<1>(choice.param);
 }
 
 class RealRunWithOption : public RealData, public ::testing::WithParamInterface<Choice> {};

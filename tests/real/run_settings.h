@@ -8,12 +8,15 @@
 #include <string>
 #include <vector>
 
+#include "coefficients/coefficient_option.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel::test {
 
-/// Coefficient options, as a run's parameters number them.
-enum CoefficientOption : std::int32_t { kHigh = 0, kMedium = 1, kLow = 2, kByDensity = 3 };
+inline constexpr CoefficientOption kHigh = CoefficientOption::high;
+inline constexpr CoefficientOption kMedium = CoefficientOption::medium;
+inline constexpr CoefficientOption kLow = CoefficientOption::low;
+inline constexpr CoefficientOption kByDensity = CoefficientOption::by_density;
 
 /// Path of a file of the real test data; a source's "|layername=" may follow the name.
 inline std::string real_file(const std::string& name) {
@@ -29,7 +32,7 @@ struct RunSettings {
     /// Ids of the selected zones; all zones when empty.
     std::vector<std::int64_t> selected{};
     std::string set = "NLCD spread";
-    std::int32_t option = kMedium;
+    CoefficientOption option = kMedium;
     // With kByDensity only.
     std::string density = real_file("blockgroups.shp");
     std::string density_field = "POP_DEN";

@@ -72,7 +72,7 @@ TEST_F(RealRunWithScenarios, TwoThatOverlapByDensityInFeet) {
 }
 
 TEST_F(RealRunWithScenarios, HighLowAndTextZonesAreAsCounted) {
-    for (const std::int32_t option : {kHigh, kLow}) {
+    for (const CoefficientOption option : {kHigh, kLow}) {
         RunSettings settings = with({resort(24), town_plan(82)});
         settings.option = option;
         settings.field = "SHED_NAME";

@@ -50,7 +50,7 @@ ModelParameters parameters_of(const RunSettings& settings) {
     parameters.land_cover_units = settings.units;
     parameters.analysis_layer = layer_name_of(settings.zones);
     parameters.analysis_field = settings.field;
-    parameters.density_option = settings.option;
+    parameters.coefficient_option = settings.option;
     parameters.density_layer = layer_name_of(settings.density);
     parameters.density_field = settings.density_field;
     parameters.density_high = settings.density_high;

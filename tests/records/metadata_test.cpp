@@ -54,7 +54,7 @@ OutputRecord geographic_output() {
     return output;
 }
 
-RunRecord run_with_scenarios(const std::string& option) {
+RunRecord run_with_scenarios(CoefficientOption option) {
     RunRecord run = test::sample_run(option);
     run.scenarios = test::sample_scenarios();
     return run;
@@ -86,30 +86,33 @@ class Metadata : public testing::Test {
 };
 
 TEST_F(Metadata, MediumOptionOnAPlanarMapMatchesTheFixture) {
-    EXPECT_EQ(metadata_of(test::sample_run("1")), read_file(test::fixture_path("records/medium_planar.met")));
+    EXPECT_EQ(metadata_of(test::sample_run(CoefficientOption::medium)),
+              read_file(test::fixture_path("records/medium_planar.met")));
 }
 
 TEST_F(Metadata, MediumOptionWithScenariosOnAGeographicMapMatchesTheFixture) {
-    EXPECT_EQ(metadata_of(run_with_scenarios("1"), geographic_output()),
+    EXPECT_EQ(metadata_of(run_with_scenarios(CoefficientOption::medium), geographic_output()),
               read_file(test::fixture_path("records/medium_scenarios_geographic.met")));
 }
 
 TEST_F(Metadata, DensityOptionOnAPlanarMapMatchesTheFixture) {
-    EXPECT_EQ(metadata_of(test::sample_run("3")), read_file(test::fixture_path("records/density_planar.met")));
+    EXPECT_EQ(metadata_of(test::sample_run(CoefficientOption::by_density)),
+              read_file(test::fixture_path("records/density_planar.met")));
 }
 
 TEST_F(Metadata, DensityOptionWithScenariosOnAGeographicMapMatchesTheFixture) {
-    EXPECT_EQ(metadata_of(run_with_scenarios("3"), geographic_output()),
+    EXPECT_EQ(metadata_of(run_with_scenarios(CoefficientOption::by_density), geographic_output()),
               read_file(test::fixture_path("records/density_scenarios_geographic.met")));
 }
 
 TEST_F(Metadata, ExistingFileOfTheSameNameIsOverwritten) {
     base::write_file(m_path, std::string(100000, 'x'));
-    EXPECT_EQ(metadata_of(test::sample_run("1")), read_file(test::fixture_path("records/medium_planar.met")));
+    EXPECT_EQ(metadata_of(test::sample_run(CoefficientOption::medium)),
+              read_file(test::fixture_path("records/medium_planar.met")));
 }
 
 TEST_F(Metadata, AbstractIsOneLineThatTellsItsContentAndEndsWithTheWebPage) {
-    const Lines lines = split_lines(metadata_of(test::sample_run("1")));
+    const Lines lines = split_lines(metadata_of(test::sample_run(CoefficientOption::medium)));
     const std::string& abstract = lines.at(7);
     EXPECT_TRUE(abstract.starts_with("    Abstract: The Marlin Institute developed Kestrel in partnership with "));
     EXPECT_THAT(abstract, HasSubstr("municipal officials"));
@@ -120,7 +123,7 @@ TEST_F(Metadata, AbstractIsOneLineThatTellsItsContentAndEndsWithTheWebPage) {
 }
 
 TEST_F(Metadata, MissingContactValuesAreLeftToBeEntered) {
-    const std::string text = metadata_of(test::sample_run("1"), planar_output(), Contact());
+    const std::string text = metadata_of(test::sample_run(CoefficientOption::medium), planar_output(), Contact());
     EXPECT_THAT(section(text, "          Contact_Address:", ""),
                 ElementsAre("          Contact_Address:", "            Address_Type: mailing and physical address",
                             "            Address: <enter value>", "            City: <enter value>",
@@ -138,17 +141,19 @@ TEST_F(Metadata, MissingContactValuesAreLeftToBeEntered) {
 }
 
 TEST_F(Metadata, BoundsOfAProjectedLayerAreWrittenAsStored) {
-    EXPECT_THAT(section(metadata_of(test::sample_run("1")), "    Bounding_Coordinates:", "  Keywords:"),
-                ElementsAre("    Bounding_Coordinates:", "      West_Bounding_Coordinate: 712000",
-                            "      East_Bounding_Coordinate: 745250.25", "      North_Bounding_Coordinate: 4155000.5",
-                            "      South_Bounding_Coordinate: 4101000"));
+    EXPECT_THAT(
+        section(metadata_of(test::sample_run(CoefficientOption::medium)), "    Bounding_Coordinates:", "  Keywords:"),
+        ElementsAre("    Bounding_Coordinates:", "      West_Bounding_Coordinate: 712000",
+                    "      East_Bounding_Coordinate: 745250.25", "      North_Bounding_Coordinate: 4155000.5",
+                    "      South_Bounding_Coordinate: 4101000"));
 }
 
 TEST_F(Metadata, BoundsHaveAtMostFifteenDigitsAndNoGrouping) {
     OutputRecord output = planar_output();
     output.extent = {1.0 / 3, -1234567.125, 2.0 / 3, 12345678.9};
     EXPECT_THAT(
-        section(metadata_of(test::sample_run("1"), output), "    Bounding_Coordinates:", "  Keywords:"),
+        section(metadata_of(test::sample_run(CoefficientOption::medium), output),
+                "    Bounding_Coordinates:", "  Keywords:"),
         ElementsAre("    Bounding_Coordinates:", "      West_Bounding_Coordinate: 0.333333333333333",
                     "      East_Bounding_Coordinate: 0.666666666666667", "      North_Bounding_Coordinate: 12345678.9",
                     "      South_Bounding_Coordinate: -1234567.125"));
@@ -158,7 +163,8 @@ TEST_F(Metadata, BoundsOfAnOutputWithoutAnyShapeAreLeftToBeEntered) {
     OutputRecord output = planar_output();
     output.extent = {};
     EXPECT_THAT(
-        section(metadata_of(test::sample_run("1"), output), "    Bounding_Coordinates:", "  Keywords:"),
+        section(metadata_of(test::sample_run(CoefficientOption::medium), output),
+                "    Bounding_Coordinates:", "  Keywords:"),
         ElementsAre("    Bounding_Coordinates:", "      West_Bounding_Coordinate: <enter value>",
                     "      East_Bounding_Coordinate: <enter value>", "      North_Bounding_Coordinate: <enter value>",
                     "      South_Bounding_Coordinate: <enter value>"));
@@ -167,7 +173,7 @@ TEST_F(Metadata, BoundsOfAnOutputWithoutAnyShapeAreLeftToBeEntered) {
 TEST_F(Metadata, EveryFeatureHasItsBlockEvenWhenValuesAreEqual) {
     OutputRecord output = planar_output();
     output.analysis_values = Lines(12, "7");
-    const std::string text = metadata_of(test::sample_run("1"), output);
+    const std::string text = metadata_of(test::sample_run(CoefficientOption::medium), output);
     EXPECT_EQ(count_of(text, "          Enumerated_Domain_Value: 7"), 12);
     // Two more for the values of the field that tells complete zones.
     EXPECT_EQ(count_of(text, "        Enumerated_Domain:"), 14);
@@ -176,7 +182,7 @@ TEST_F(Metadata, EveryFeatureHasItsBlockEvenWhenValuesAreEqual) {
 TEST_F(Metadata, ValuesKeepTheirOrderAndAreWrittenAsTheyAre) {
     OutputRecord output = planar_output();
     output.analysis_values = {"upper", "", " lower: #1 "};
-    const std::string text = metadata_of(test::sample_run("1"), output);
+    const std::string text = metadata_of(test::sample_run(CoefficientOption::medium), output);
     EXPECT_THAT(text, HasSubstr("      Attribute_Domain_Values:\r\n"
                                 "        Enumerated_Domain:\r\n          Enumerated_Domain_Value: upper\r\n"
                                 "          Enumerated_Domain_Definition: number\r\n"
@@ -188,7 +194,7 @@ TEST_F(Metadata, ValuesKeepTheirOrderAndAreWrittenAsTheyAre) {
 }
 
 TEST_F(Metadata, DecimalDegreesYieldFourLinesWithoutAnEmptyOneAfterThem) {
-    EXPECT_THAT(metadata_of(test::sample_run("1"), geographic_output()),
+    EXPECT_THAT(metadata_of(test::sample_run(CoefficientOption::medium), geographic_output()),
                 HasSubstr("\r\n  Horizontal_Coordinate_System_Definition:\r\n    Geographic:\r\n"
                           "      Latitude_Resolution: <enter value>\r\n      Longitude_Resolution: <enter value>\r\n"
                           "      Geographic_Coordinate_Units: <enter value>\r\n"
@@ -196,7 +202,7 @@ TEST_F(Metadata, DecimalDegreesYieldFourLinesWithoutAnEmptyOneAfterThem) {
 }
 
 TEST_F(Metadata, OtherMapUnitsYieldNineLinesThatEndWithAnEmptyOne) {
-    EXPECT_THAT(metadata_of(test::sample_run("1")),
+    EXPECT_THAT(metadata_of(test::sample_run(CoefficientOption::medium)),
                 HasSubstr("\r\n  Horizontal_Coordinate_System_Definition:\r\n    Planar:\r\n"
                           "      <enter map projection or grid coordinate system information>\r\n"
                           "      Planar_Coordinate_Information:\r\n"
@@ -209,20 +215,20 @@ TEST_F(Metadata, OtherMapUnitsYieldNineLinesThatEndWithAnEmptyOne) {
 
 TEST_F(Metadata, HighOptionYieldsOneStatementLine) {
     EXPECT_THAT(
-        metadata_of(test::sample_run("0")),
+        metadata_of(test::sample_run(CoefficientOption::high)),
         HasSubstr(
             "\r\n    \r\n         This analysis applied the high population coefficient to all calculations of impervious surface area.\r\n\r\n"));
 }
 
 TEST_F(Metadata, MediumOptionYieldsOneStatementLine) {
     EXPECT_THAT(
-        metadata_of(test::sample_run("1")),
+        metadata_of(test::sample_run(CoefficientOption::medium)),
         HasSubstr(
             "\r\n    \r\n         This analysis applied the medium population coefficient to all calculations of impervious surface area.\r\n\r\n"));
 }
 
 TEST_F(Metadata, LowOptionYieldsOneStatementLineAndNoCutOffs) {
-    const std::string text = metadata_of(test::sample_run("2"));
+    const std::string text = metadata_of(test::sample_run(CoefficientOption::low));
     EXPECT_THAT(
         text,
         HasSubstr(
@@ -233,20 +239,20 @@ TEST_F(Metadata, LowOptionYieldsOneStatementLineAndNoCutOffs) {
 
 TEST_F(Metadata, UnknownOptionYieldsTheFourLinesOfDensity) {
     EXPECT_THAT(
-        metadata_of(test::sample_run("4")),
+        metadata_of(test::sample_run(std::nullopt)),
         HasSubstr(
             "\r\n    \r\n         The population coefficient applied for each impervious surface area calculation was identified using the value of the  field within the  theme. The cutoffs for each population density calculation were defined as:\r\n"
             "         High >= \r\n         Medium between  and \r\n         Low <= \r\n\r\n"));
 }
 
 TEST_F(Metadata, WithoutScenariosTheWebPageFollowsTheStatement) {
-    const std::string text = metadata_of(test::sample_run("2"));
+    const std::string text = metadata_of(test::sample_run(CoefficientOption::low));
     EXPECT_THAT(text, HasSubstr("calculations of impervious surface area.\r\n\r\n         More details "));
     EXPECT_EQ(count_of(text, "  "), 0);
 }
 
 TEST_F(Metadata, ScenariosNameTheTargetClassAndEndWithAFullStop) {
-    const std::string text = metadata_of(run_with_scenarios("2"));
+    const std::string text = metadata_of(run_with_scenarios(CoefficientOption::low));
     EXPECT_THAT(text,
                 HasSubstr("\r\n      -changed land cover class within newmall theme to High Intensity Developed.\r\n"
                           "      -changed land cover class within new_park theme to Grassland.\r\n"));
@@ -254,7 +260,7 @@ TEST_F(Metadata, ScenariosNameTheTargetClassAndEndWithAFullStop) {
 }
 
 TEST_F(Metadata, WithoutClassesTheTableIsItsHeading) {
-    RunRecord run = test::sample_run("1");
+    RunRecord run = test::sample_run(CoefficientOption::medium);
     run.classes.clear();
     EXPECT_THAT(metadata_of(run), HasSubstr("\r\n\r\n           Values,ClassName,High,Medium.Low\r\n    \r\n"));
 }
@@ -262,7 +268,7 @@ TEST_F(Metadata, WithoutClassesTheTableIsItsHeading) {
 TEST_F(Metadata, FieldsAfterTheSixthHaveALabelAndNoDefinition) {
     OutputRecord output = planar_output();
     output.field_names.insert(output.field_names.end(), {"Extra1", "Extra2"});
-    EXPECT_THAT(metadata_of(test::sample_run("1"), output),
+    EXPECT_THAT(metadata_of(test::sample_run(CoefficientOption::medium), output),
                 HasSubstr("\r\n          Enumerated_Domain_Definition: N=no the area calculations are NOT complete\r\n"
                           "          Enumerated_Domain_Definition_Source: Kestrel\r\n"
                           "    Attribute:\r\n      Attribute_Label: Extra1\r\n\r\n"
@@ -273,7 +279,7 @@ TEST_F(Metadata, FieldsAfterTheSixthHaveALabelAndNoDefinition) {
 TEST_F(Metadata, DefinitionsFollowThePositionAndNotTheName) {
     OutputRecord output = planar_output();
     output.field_names = {"FID", "Shape", "pctIS", "Complete"};
-    const std::string text = metadata_of(test::sample_run("1"), output);
+    const std::string text = metadata_of(test::sample_run(CoefficientOption::medium), output);
     EXPECT_THAT(text, HasSubstr("      Attribute_Label: pctIS\r\n\r\n      Attribute_Definition: Analysis field\r\n"));
     EXPECT_THAT(
         text,
@@ -285,20 +291,20 @@ TEST_F(Metadata, ObjectIdAndShapeAloneWriteNoAttribute) {
     for (const Lines& names : {Lines(), Lines{"FID"}, Lines{"FID", "Shape"}}) {
         OutputRecord output = planar_output();
         output.field_names = names;
-        EXPECT_THAT(metadata_of(test::sample_run("1"), output),
+        EXPECT_THAT(metadata_of(test::sample_run(CoefficientOption::medium), output),
                     HasSubstr("      Entity_Type_Definition_Source: Marlin Institute\r\n \r\n"))
             << names.size();
     }
 }
 
 TEST_F(Metadata, MetadataDateIsTheLongForm) {
-    EXPECT_THAT(split_lines(metadata_of(test::sample_run("1"))),
+    EXPECT_THAT(split_lines(metadata_of(test::sample_run(CoefficientOption::medium))),
                 Contains("  Metadata_Date: Thursday November 6, 2003 02:15:07 PM"));
 }
 
 TEST_F(Metadata, FullDeviceFailsAndIsLeftToTheCaller) {
     try {
-        write_metadata("/dev/full", test::sample_run("1"), planar_output(), sample_contact());
+        write_metadata("/dev/full", test::sample_run(CoefficientOption::medium), planar_output(), sample_contact());
         FAIL() << "nothing was thrown";
     } catch (const base::RuntimeError& error) {
         EXPECT_EQ(error.number(), 61);
@@ -308,17 +314,19 @@ TEST_F(Metadata, FullDeviceFailsAndIsLeftToTheCaller) {
 TEST_F(Metadata, LinesWrittenBeforeAFailureStay) {
     OutputRecord output = planar_output();
     output.analysis_values = Lines(5000, "7");
-    const std::string whole = metadata_of(test::sample_run("1"), output);
+    const std::string whole = metadata_of(test::sample_run(CoefficientOption::medium), output);
     {
         const test::FileSizeLimit limit(100000);
-        EXPECT_THROW(write_metadata(m_path, test::sample_run("1"), output, sample_contact()), base::RuntimeError);
+        EXPECT_THROW(write_metadata(m_path, test::sample_run(CoefficientOption::medium), output, sample_contact()),
+                     base::RuntimeError);
     }
     EXPECT_EQ(read_file(m_path), whole.substr(0, 100000));
 }
 
 TEST_F(Metadata, MissingFolderFailsAndIsLeftToTheCaller) {
     try {
-        write_metadata(m_folder / "missing/is_out1.met", test::sample_run("1"), planar_output(), sample_contact());
+        write_metadata(m_folder / "missing/is_out1.met", test::sample_run(CoefficientOption::medium), planar_output(),
+                       sample_contact());
         FAIL() << "nothing was thrown";
     } catch (const base::RuntimeError& error) {
         EXPECT_EQ(error.number(), 76);

@@ -9,7 +9,7 @@
 namespace kestrel::test {
 
 /// The run of the fixtures in tests/fixtures/records, without scenarios.
-inline RunRecord sample_run(std::string coefficient_option) {
+inline RunRecord sample_run(std::optional<CoefficientOption> coefficient_option) {
     RunRecord run;
     run.time = {.year = 2003, .month = 11, .day = 6, .hour = 14, .minute = 15, .second = 7};
     run.output_layer = "is_out1";
@@ -17,8 +17,8 @@ inline RunRecord sample_run(std::string coefficient_option) {
     run.land_cover_units = "Meters";
     run.analysis_layer = "subwatersheds";
     run.analysis_field = "SHED_ID";
-    run.coefficient_option = std::move(coefficient_option);
-    if (run.coefficient_option == "3") {
+    run.coefficient_option = coefficient_option;
+    if (run.coefficient_option == CoefficientOption::by_density) {
         run.density_layer = "blockgroups";
         run.density_field = "POPDEN";
         run.density_high = "1000";

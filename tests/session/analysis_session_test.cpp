@@ -125,7 +125,7 @@ class AnalysisSession : public RealData {
                                 .field = "SHED_NAME",
                                 .store = m_data / "isprops.xml",
                                 .set = set,
-                                .option = "density",
+                                .option = CoefficientOption::by_density,
                                 .density_layer = m_data / "blockgroups.shp",
                                 .density_field = "POP_DEN",
                                 .density_high = "100",

@@ -298,7 +298,7 @@ TEST_F(Run, AnInterruptEndsItWithStatus130AndPutsTheOlderOutputBack) {
     request.zones = m_data / "sheds.shp";
     request.field = "NAME";
     request.store = m_data / "store.xml";
-    request.option = "high";
+    request.option = CoefficientOption::high;
     request.output = m_data / "out/is.shp";
     request.overwrite = true;
     InterruptingStream buffer;

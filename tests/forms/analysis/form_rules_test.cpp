@@ -26,7 +26,7 @@ FormState whole_form() {
             .units_chosen = true,
             .set_chosen = true,
             .analysis_field_chosen = true,
-            .density_option = 0,
+            .coefficient_option = CoefficientOption::high,
             .output = "/data/roads.shp"};
 }
 
@@ -122,7 +122,7 @@ TEST(FormRules, AreCheckedInOrder) {
     expect("Analysis unit not defined, please select from dropdown list.", FormControl::cboAnalysisUnit);
     state.analysis_field_chosen = true;
     expect("Population Density option not defined, please select option.", FormControl::optPopDensity);
-    state.density_option = kCalculate;
+    state.coefficient_option = CoefficientOption::by_density;
     expect("No Population Density theme selected, please select from dropdown list.", FormControl::density);
     state.density = whole_density();
     expect("Output Theme not defined, please enter a name.", FormControl::txtOutputTheme);
@@ -135,9 +135,9 @@ TEST(FormRules, AreCheckedInOrder) {
 }
 
 TEST(FormRules, TheDensityIsLookedAtWithCalculateOnly) {
-    for (const int option : {0, 1, 2}) {
+    for (const auto option : {CoefficientOption::high, CoefficientOption::medium, CoefficientOption::low}) {
         FormState state = whole_form();
-        state.density_option = option;
+        state.coefficient_option = option;
         EXPECT_EQ(text(state), "");
     }
 }

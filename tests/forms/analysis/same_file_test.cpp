@@ -72,7 +72,7 @@ class SameFileTest : public ParamsTest {
 TEST_F(SameFileTest, WithAFixedCoefficient) {
     open();
     fill();
-    m_request.option = "medium";
+    m_request.option = CoefficientOption::medium;
     const std::string file = file_of_the_form();
     EXPECT_THAT(file, testing::StartsWith("VIEW#\r\n"));
     EXPECT_EQ(file, file_of_the_command());
@@ -97,7 +97,7 @@ TEST_F(SameFileTest, WithDensityAndScenarios) {
     choose("cboDSTheme(1)", "blocks");
     choose("cboDSToClass(1)", "Grassland");
 
-    m_request.option = "density";
+    m_request.option = CoefficientOption::by_density;
     m_request.density_layer = m_world.folder / "blocks.shp";
     m_request.density_field = "DENSITY";
     m_request.density_high = "10";
