@@ -33,30 +33,18 @@ def sources():
     return files(".cpp", ".h")
 
 
-def text(name):
-    return (ROOT / name).read_text(encoding="utf-8")
+def text(name, root=ROOT):
+    return (root / name).read_text(encoding="utf-8")
 
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 
 
-def includes(name):
+def includes(name, root=ROOT):
     """(line, header, whether in quotation marks) of every include."""
-    content = text(name)
+    content = text(name, root)
     for match in INCLUDE.finditer(content):
         yield content.count("\n", 0, match.start(2)) + 1, match.group(2), match.group(1) == '"'
-
-
-def forms_sources():
-    """Sources, and headers of the same name, of the targets that may use Qt Widgets."""
-    found = set()
-    for listing in files("CMakeLists.txt"):
-        folder = os.path.dirname(listing)
-        for target in re.finditer(r"kestrel_\w*library\(\s*\w+_forms\b([^)]*)\)", text(listing)):
-            for source in re.findall(r"[\w/]+\.(?:cpp|h)\b", target.group(1)):
-                stem = os.path.splitext(os.path.join(folder, source))[0]
-                found.update((stem + ".cpp", stem + ".h"))
-    return found
 
 
 def finish(findings):
