@@ -172,6 +172,11 @@ std::string real_path(const std::string& path) {
     return (error ? fs::absolute(path) : result).string();
 }
 
+bool same_file(const std::string& one, const std::string& other) {
+    std::error_code ignored;  // what does not exist is no file
+    return fs::equivalent(one, other, ignored);
+}
+
 std::string join_path(std::string_view folder, std::string_view name) {
     const bool separated = folder.empty() || kSeparators.find(folder.back()) != std::string_view::npos;
     return fmt::format("{}{}{}", folder, separated ? "" : "/", name);

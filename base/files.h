@@ -49,6 +49,8 @@ std::string folder_of(std::string_view path);
 std::string base_name_of(std::string_view path);
 /// `path` with its links resolved as far as it exists; made absolute where the system cannot tell.
 std::string real_path(const std::string& path);
+/// Whether two paths name one file that exists, links followed.
+bool same_file(const std::string& one, const std::string& other);
 /// `folder` and `name` with one separator between them; `name` alone when the folder is empty.
 std::string join_path(std::string_view folder, std::string_view name);
 

@@ -4,8 +4,6 @@
 
 #include "base/errors.h"
 #include "base/files.h"
-#include "data/output_files.h"
-#include "engine/clsISExecuteModel.h"
 #include "extension/clsExtension.h"
 #include "hosting/headless_application.h"
 #include "hosting/raster_analysis.h"
@@ -17,18 +15,11 @@ using hosting::HeadlessApplication;
 
 namespace {
 
-constexpr const char* kParameterFile = "model_params.txt";
-
-void fill_map(HeadlessApplication& application, const HeadlessRun& run) {
-    for (const auto& layer : run.layers) {
+void fill_map(HeadlessApplication& application, const HeadlessMapContents& map) {
+    for (const auto& layer : map.layers) {
         application.map().append_layer(layer);
     }
-    application.map().set_distance_units(run.distance_units);
-}
-
-std::string kept_folder(const HeadlessRun& run) {
-    const RunOutput& output = run.output;
-    return run.keep_temp ? base::make_unique_folder(output.folder, output.layer_name + "_temp_") : "";
+    application.map().set_distance_units(map.distance_units);
 }
 
 std::string new_folder(const std::string& parent) {
@@ -42,33 +33,24 @@ std::string new_folder(const std::string& parent) {
 
 }  // namespace
 
-HeadlessEnding execute(const HeadlessRun& run, const std::string& extension_folder, base::Progress& progress) {
-    HeadlessApplication application(progress);
+HeadlessEnding carry_out_headless(const HeadlessMapContents& map, running::RunOrder order,
+                                  const std::string& extension_folder, base::Progress& progress) {
+    hosting::HeadlessApplication application(progress);
+    fill_map(application, map);
     clsExtension extension(extension_folder);
-    application.register_extension(contracts::kKestrelExtension, extension);
     RasterAnalysis raster_analysis;
+    application.register_extension(contracts::kKestrelExtension, extension);
     application.register_extension(contracts::kRasterAnalysisExtension, raster_analysis);
-    extension.IExtension_Startup(&application);
-    extension.IExtensionConfig_State(contracts::kExtensionEnabled);
-    extension.IExtensionConfig_State();  // makes the working folders
-    fill_map(application, run);
-    const RunOutput& output = run.output;
-    ModelParameters parameters = run.parameters;
-    parameters.output_path = output.path();
-    parameters.layer_name = output.layer_name;
-    if (!write_model_parameters(base::join_path(extension_folder, "temp"), kParameterFile, parameters, run.store,
-                                run.set_name, "")) {
-        return {};
-    }
-    data::SetAsideOutput older(output.path(), output.records());
-    const std::string kept = kept_folder(run);
-    clsISExecuteModel model({.threads = run.threads, .keep_temp_folder = kept});
-    model.ExecuteModel(&application, extension_folder, kParameterFile, output.folder, output.file_name,
-                       output.layer_name);
-    HeadlessEnding ending{application.take_result().value_or(contracts::RunResult{}), kept};
-    if (ending.result.finished) {
-        older.discard();
-    }
+    order.begins = [&] {
+        extension.IExtension_Startup(&application);
+        extension.IExtensionConfig_State(contracts::kExtensionEnabled);
+        extension.IExtensionConfig_State();  // makes the working folders
+        return true;
+    };
+    order.parameters.output_path = order.output.path();
+    order.parameters.layer_name = order.output.layer_name;
+    HeadlessEnding ending{.run = running::carry_out_run(application, extension_folder, order)};
+    ending.result = application.take_result().value_or(contracts::RunResult{});
     return ending;
 }
 

@@ -11,7 +11,6 @@
 #include "base/errors.h"
 #include "base/files.h"
 #include "base/text.h"
-#include "parameters/run_output.h"
 #include "reporting/error_report.h"
 
 namespace kestrel::basISModelUtil {
@@ -159,7 +158,7 @@ void remove_other_layers_of(const std::string& path, contracts::Map& map) {
     bool first = true;
     for (const auto& layer : layers_in_order(map)) {
         const auto* features = dynamic_cast<const contracts::FeatureLayer*>(layer.get());
-        if (features == nullptr || !same_file(features->source().file(), path)) {
+        if (features == nullptr || !base::same_file(features->source().file(), path)) {
             continue;
         }
         if (!first) {

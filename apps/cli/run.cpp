@@ -34,15 +34,6 @@ std::string store_path(const RunRequest& request) {
     return !request.extension_folder.empty() && base::file_exists(own) ? own : user_store();
 }
 
-void check_output(const RunOutput& output, const RunRequest& request, const RunInputs& inputs,
-                  const std::string& store) {
-    std::vector<std::string> files = inputs.layers.files();
-    files.push_back(store);
-    check_folder(output);
-    check_not_an_input(output, files);
-    check_replacement(output, request.overwrite);
-}
-
 /// A run that ended early may have kept nothing.
 void tell_kept(const std::string& folder, reporting::Interaction& console) {
     std::error_code not_empty;
@@ -64,20 +55,24 @@ Ending execute(const RunRequest& request, ConsoleProgress& progress) {
     const StopSignals signals;
     const std::string store = store_path(request);
     const RunInputs inputs = checked_inputs(request, store);
-    const RunOutput output = output_of(request.output, request.layer_name);
-    check_output(output, request, inputs, store);
-
+    std::vector<std::string> files = inputs.layers.files();
+    files.push_back(store);
     const RunFolder folder(request.extension_folder, user_contact_file());
-    const HeadlessRun run{.layers = inputs.layers.layers(),
-                          .distance_units = inputs.distance_units,
-                          .parameters = inputs.parameters,
-                          .output = output,
-                          .store = inputs.store,
-                          .set_name = inputs.set_name,
-                          .threads = request.threads,
-                          .keep_temp = request.keep_temp};
-    HeadlessEnding ending = kestrel::execute(run, folder.path(), progress);
-    return {std::move(ending.result), progress.cancelled(), std::move(ending.kept_folder)};
+    HeadlessEnding ending = carry_out_headless(
+        {.layers = inputs.layers.layers(), .distance_units = inputs.distance_units},
+        {.parameters = inputs.parameters,
+         .output = output_of(request.output, request.layer_name),
+         .store = inputs.store,
+         .set_name = inputs.set_name,
+         .inputs = std::move(files),
+         .replacing = request.overwrite ? running::Replacing::allowed : running::Replacing::forbidden,
+         .threads = request.threads,
+         .keep_temp = request.keep_temp},
+        folder.path(), progress);
+    if (ending.run.refusal) {
+        refuse("{}", refusal_text(*ending.run.refusal));
+    }
+    return {std::move(ending.result), progress.cancelled(), std::move(ending.run.kept_folder)};
 }
 
 int tell_result(const RunRequest& request, const Ending& ending, std::ostream& out, ConsoleInteraction& console) {

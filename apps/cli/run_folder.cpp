@@ -3,6 +3,8 @@
 #include "apps/cli/run_folder.h"
 
 #include "apps/cli/refusal.h"
+#include "base/errors.h"
+#include "base/files.h"
 
 namespace kestrel::cli {
 
@@ -24,14 +26,6 @@ RunFolder::RunFolder(const std::string& chosen, const std::string& contact_file)
     if (m_private == nullptr && !base::folder_exists(chosen)) {
         refuse("The extension folder does not exist: '{}'. Make it, or leave --extension-folder out.", chosen);
     }
-    try {
-        m_lock = std::make_unique<base::FolderLock>(m_path);
-    } catch (const base::RuntimeError& error) {
-        refuse("The extension folder cannot be used. {}. Give another --extension-folder, or none.",
-               error.description());
-    }
 }
-
-RunFolder::~RunFolder() = default;
 
 }  // namespace kestrel::cli

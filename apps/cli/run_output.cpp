@@ -2,14 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "apps/cli/run_output.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <stdexcept>
 
-#include "apps/cli/refusal.h"
 #include "base/files.h"
 #include "base/text.h"
-#include "data/shapefile_writer.h"
+#include "running/output_check.h"
 
 namespace kestrel::cli {
 
@@ -22,14 +20,6 @@ std::string with_extension(const std::string& name) {
         return name;
     }
     return name + (name.ends_with(".") ? "shp" : ".shp");
-}
-
-/// Of a file that there is one of, or of many: the shapefile itself, and how many more.
-std::string summary_of(std::vector<std::string> files, const std::string& shapefile) {
-    std::stable_partition(files.begin(), files.end(), [&](const std::string& file) { return file == shapefile; });
-    const std::size_t more = files.size() - 1;
-    return "'" + files.front() + "'" +
-           (more == 0 ? "" : fmt::format(" and {} more {} of that name", more, more == 1 ? "file" : "files"));
 }
 
 }  // namespace
@@ -52,31 +42,29 @@ RunOutput output_of(const std::string& text, const std::string& layer_name) {
     }
     output.file_name = with_extension(name);
     output.layer_name = layer_name.empty() ? base::base_name_of(output.file_name) : layer_name;
-    if (const auto reason = wrong_name(output)) {
+    if (const auto reason = running::wrong_name(output)) {
         throw std::invalid_argument(*reason);
     }
     return output;
 }
 
-void check_folder(const RunOutput& output) {
-    if (const auto reason = unusable_folder(output)) {
-        const bool missing = !base::folder_exists(output.folder);
-        refuse("{} {} another --output.", *reason, missing ? "Make it, or give" : "Give");
+std::string refusal_text(const running::RunRefusal& refusal) {
+    using Cause = running::RunRefusal::Cause;
+    switch (refusal.cause) {
+        case Cause::output_name:
+            return refusal.reason + ". Give another --output.";
+        case Cause::missing_folder:
+            return refusal.reason + " Make it, or give another --output.";
+        case Cause::existing_output:
+            return refusal.reason + " Give --overwrite to replace it, or another --output.";
+        case Cause::extension_folder:
+            return "The extension folder cannot be used. " + refusal.reason +
+                   ". Give another --extension-folder, or none.";
+        case Cause::unusable_folder:
+        case Cause::replaced_input:
+            break;
     }
-}
-
-void check_not_an_input(const RunOutput& output, const std::vector<std::string>& inputs) {
-    if (const auto reason = replaced_input(output, inputs)) {
-        refuse("{} Give another --output.", *reason);
-    }
-}
-
-void check_replacement(const RunOutput& output, bool overwrite) {
-    const std::vector<std::string> files = existing_files(output);
-    if (!files.empty() && !overwrite) {
-        refuse("The output exists already: {}. Give --overwrite to replace it, or another --output.",
-               summary_of(files, output.path()));
-    }
+    return refusal.reason + " Give another --output.";
 }
 
 }  // namespace kestrel::cli

@@ -3,9 +3,9 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "parameters/run_output.h"
+#include "running/run_refusal.h"
 
 namespace kestrel::cli {
 
@@ -15,14 +15,7 @@ namespace kestrel::cli {
 ///         no file name.
 RunOutput output_of(const std::string& text, const std::string& layer_name);
 
-/// Refuses a folder that is missing, cannot be written to, or has folders where the files of the output would stand.
-void check_folder(const RunOutput& output);
-
-/// Refuses an output that is one of the inputs, or whose files would replace files that belong to one.
-/// \param inputs paths; what is no path of a file or folder is passed over.
-void check_not_an_input(const RunOutput& output, const std::vector<std::string>& inputs);
-
-/// Refuses to replace an output that exists already, unless that is wanted.
-void check_replacement(const RunOutput& output, bool overwrite);
+/// What is told of a run that cannot begin, with what can be done on the command line.
+std::string refusal_text(const running::RunRefusal& refusal);
 
 }  // namespace kestrel::cli

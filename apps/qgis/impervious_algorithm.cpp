@@ -60,19 +60,9 @@ void check_zone_field(const FeatureClass& zones, const std::string& name) {
     }
 }
 
-void check_output(const RunOutput& output, const std::vector<std::string>& inputs) {
+void check_name(const RunOutput& output) {
     if (!qt(output.file_name).endsWith(".shp", Qt::CaseInsensitive)) {
         refuse("The output is written as a shapefile: its name must end in .shp.");
-    }
-    auto reason = wrong_name(output);
-    if (!reason) {
-        reason = unusable_folder(output);
-    }
-    if (!reason) {
-        reason = replaced_input(output, inputs);
-    }
-    if (reason) {
-        refuse(qt(*reason));
     }
 }
 
@@ -282,14 +272,19 @@ QVariantMap ImperviousAlgorithm::processAlgorithm(const QVariantMap& parameters,
                                .layer_name = layer_name.isEmpty() ? base::base_name_of(path) : text_of(layer_name)};
         std::vector<std::string> inputs = prepared->layers.files();
         inputs.push_back(prepared->store_path);
-        check_output(output, inputs);
-        const HeadlessRun run{.layers = prepared->layers.layers(),
-                              .distance_units = prepared->distance_units,
-                              .parameters = prepared->parameters,
-                              .output = output,
-                              .store = prepared->store,
-                              .set_name = prepared->set_name};
-        const HeadlessEnding ending = execute(run, prepared->folder.path(), progress);
+        check_name(output);
+        const HeadlessEnding ending =
+            carry_out_headless({.layers = prepared->layers.layers(), .distance_units = prepared->distance_units},
+                               {.parameters = prepared->parameters,
+                                .output = output,
+                                .store = prepared->store,
+                                .set_name = prepared->set_name,
+                                .inputs = inputs,
+                                .replacing = running::Replacing::allowed},
+                               prepared->folder.path(), progress);
+        if (ending.run.refusal) {
+            refuse(qt(ending.run.refusal->reason));
+        }
         return ended(ending.result, output, interaction, *feedback);
     });
 }

@@ -21,6 +21,7 @@
 #include "forms/analysis/frmISPDensity.h"
 #include "forms/analysis/scenario_rows.h"
 #include "parameters/run_output.h"
+#include "running/carry_out_run.h"
 
 class QButtonGroup;
 
@@ -102,9 +103,10 @@ class frmISParams final : public QDialog, private contracts::MapEvents {
     std::optional<CoefficientOption> coefficient_option() const;
     ModelParameters choices();
     RunOutput output();
-    /// Tells why the run cannot write there. \return whether it can.
-    bool output_usable(const RunOutput& output, const ModelParameters& choices);
+    running::RunOrder order();
     void run();
+    /// Tells why the run cannot begin, and puts the focus where that can be mended.
+    void tell(const running::RunRefusal& refusal);
     class Running;
     void begin_run();
     void end_run();

@@ -2,13 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include <QButtonGroup>
 #include <memory>
+#include <optional>
 #include <utility>
 
-#include "base/errors.h"
 #include "base/files.h"
-#include "data/output_files.h"
 #include "engine/basUtil.h"
-#include "engine/clsISExecuteModel.h"
 #include "forms/analysis/form_texts.h"
 #include "forms/analysis/frmISParams.h"
 #include "parameters/basISModelUtil.h"
@@ -23,34 +21,6 @@ using reporting::interaction;
 namespace {
 
 constexpr const char* kModule = "ISParams";
-constexpr const char* kParameterFile = "model_params.txt";
-
-/// The host, and a listener to how a run ends.
-class RunWatch final : public contracts::Application {
-  public:
-    explicit RunWatch(contracts::Application& app) : m_app(app) {}
-
-    contracts::Document& document() override { return m_app.document(); }
-    contracts::IExtensionConfig* find_extension(std::string_view class_id) override {
-        return m_app.find_extension(class_id);
-    }
-    std::shared_ptr<contracts::FeatureLayer> make_feature_layer(const std::string& path,
-                                                                const std::string& name) override {
-        return m_app.make_feature_layer(path, name);
-    }
-    reporting::Interaction& interaction() override { return m_app.interaction(); }
-    base::Progress& progress() override { return m_app.progress(); }
-    void run_ended(contracts::RunResult result) override {
-        m_finished = result.finished;
-        m_app.run_ended(std::move(result));
-    }
-
-    bool finished() const noexcept { return m_finished; }
-
-  private:
-    contracts::Application& m_app;
-    bool m_finished = false;
-};
 
 /// The file that the run would read a layer of this name from; empty when it is in none.
 std::string file_of(const std::string& layer_name, const contracts::Map& map) {
@@ -72,31 +42,6 @@ std::vector<std::string> layers_read(const ModelParameters& choices) {
         names.push_back(scenario.layer);
     }
     return names;
-}
-
-/// Nothing when the folder is in use or cannot be locked, which is told.
-std::unique_ptr<base::FolderLock> locked(const std::string& folder) {
-    try {
-        return std::make_unique<base::FolderLock>(folder);
-    } catch (const base::RuntimeError& error) {
-        interaction().message_box(form_texts::folder_refused(error.description()));
-        return nullptr;
-    }
-}
-
-/// Carries the run out, with nothing of the form: that may be destroyed meanwhile.
-void execute(contracts::Application& app, const std::string& extension_folder, const RunOutput& output) {
-    const bool replaces = !existing_files(output).empty();
-    data::SetAsideOutput older(output.path(), output.records());
-    RunWatch watch(app);
-    clsISExecuteModel().ExecuteModel(&watch, extension_folder, kParameterFile, output.folder, output.file_name,
-                                     output.layer_name);
-    if (watch.finished()) {
-        older.discard();
-        if (replaces) {
-            basISModelUtil::remove_other_layers_of(output.path(), app.document().focus_map());
-        }
-    }
 }
 
 }  // namespace
@@ -144,26 +89,46 @@ void frmISParams::cmdISRun_Click() try {
 }
 
 void frmISParams::run() {
+    running::RunOrder order = this->order();
+    const QPointer<frmISParams> alive(this);
+    std::optional<Running> running;
+    std::unique_ptr<reporting::WaitingWindow> waiting;
+    order.begins = [&] {
+        tell_once(basISModelUtil::shared_names(layers_read(order.parameters), map()));
+        running.emplace(*this);
+        waiting = interaction().waiting_window(form_texts::kWaiting);
+        return !alive.isNull();
+    };
+    // From here on nothing of the form may be needed: it may be destroyed meanwhile.
+    const running::RunEnding ending = running::carry_out_run(*m_app, std::string(m_extension_folder), order);
+    if (ending.refusal) {
+        tell(*ending.refusal);
+    }
+}
+
+running::RunOrder frmISParams::order() {
     const RunOutput place = output();
     const ModelParameters chosen = choices();
-    if (!output_usable(place, chosen)) {
+    std::vector<std::string> inputs{base::join_path(m_extension_folder, "etc/isprops.xml")};
+    for (const std::string& name : layers_read(chosen)) {
+        inputs.push_back(file_of(name, map()));
+    }
+    return {.parameters = chosen,
+            .output = place,
+            .store = m_props,
+            .set_name = cboLCType->currentText().toStdString(),
+            .inputs = std::move(inputs),
+            .replacing = running::Replacing::allowed};
+}
+
+void frmISParams::tell(const running::RunRefusal& refusal) {
+    if (refusal.cause == running::RunRefusal::Cause::extension_folder) {
+        interaction().message_box(form_texts::folder_refused(refusal.reason));
         return;
     }
-    const auto lock = locked(m_extension_folder);
-    if (!lock) {
-        return;
-    }
-    tell_once(basISModelUtil::shared_names(layers_read(chosen), map()));
-    const QPointer<frmISParams> alive(this);
-    const Running running(*this);
-    const auto waiting = interaction().waiting_window(form_texts::kWaiting);
-    if (!alive) {
-        return;
-    }
-    // Whether it was written is not asked: the run says so itself when there is no file to read. Intended.
-    write_model_parameters(base::join_path(m_extension_folder, "temp"), kParameterFile, chosen, m_props,
-                           cboLCType->currentText().toStdString(), "");
-    execute(*m_app, std::string(m_extension_folder), place);
+    const bool stopped = refusal.cause != running::RunRefusal::Cause::output_name;
+    interaction().message_box(form_texts::output_refused(refusal.reason + (stopped ? "" : ".")));
+    txtOutputTheme->setFocus();
 }
 
 RunOutput frmISParams::output() {
@@ -174,27 +139,6 @@ RunOutput frmISParams::output() {
     // A name that ends in "shp" without a point is taken as it is, but a shapefile is not without one.
     const bool whole = basISModelUtil::SetThemeName(m_output_file) != m_output_file;
     return {folder, m_output_file + (whole ? "" : ".shp"), txtThemeName->text().toStdString()};
-}
-
-bool frmISParams::output_usable(const RunOutput& place, const ModelParameters& chosen) {
-    std::vector<std::string> inputs{base::join_path(m_extension_folder, "etc/isprops.xml")};
-    for (const std::string& name : layers_read(chosen)) {
-        inputs.push_back(file_of(name, map()));
-    }
-    auto reason = wrong_name(place);
-    if (reason) {
-        *reason += '.';
-    } else {
-        reason = unusable_folder(place);
-    }
-    if (!reason) {
-        reason = replaced_input(place, inputs);
-    }
-    if (reason) {
-        interaction().message_box(form_texts::output_refused(*reason));
-        txtOutputTheme->setFocus();
-    }
-    return !reason;
 }
 
 ModelParameters frmISParams::choices() {

@@ -9,8 +9,8 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "base/errors.h"
 #include "base/files.h"
+#include "running/output_check.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel::cli {
@@ -18,15 +18,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The message with which `act` refuses; empty when it does not.
-template <typename Act>
-std::string refusal_of(Act act) {
-    try {
-        act();
-    } catch (const base::RuntimeError& error) {
-        return error.description();
-    }
-    return {};
+/// What is told of an output that cannot be; empty when it can.
+std::string refusal_of(const RunOutput& output, const std::vector<std::string>& inputs = {},
+                       running::Replacing replacing = running::Replacing::forbidden) {
+    const auto refusal = running::first_reason_against(output, inputs, replacing);
+    return refusal ? refusal_text(*refusal) : "";
 }
 
 TEST(OutputName, GetsTheEndingThatItLacks) {
@@ -86,7 +82,7 @@ TEST(OutputName, AFolderIsRefusedUnlessItsNameIsThatOfAShapefile) {
                   "'" + (folder / "results") + "' is a folder: write " + (folder / "results/NAME.shp"));
     }
     EXPECT_EQ(output_of(folder / "results.shp", "").file_name, "results.shp");
-    EXPECT_EQ(output_of(folder / "roads.shp", "").file_name, "roads.shp") << "check_folder() refuses it";
+    EXPECT_EQ(output_of(folder / "roads.shp", "").file_name, "roads.shp") << "first_reason_against() refuses it";
 }
 
 TEST(OutputRecords, BearTheLayersNameAndTheStyleTheFiles) {
@@ -103,9 +99,8 @@ class OutputPlaceTest : public testing::Test {
 };
 
 TEST_F(OutputPlaceTest, AMissingFolderIsRefused) {
-    EXPECT_EQ(
-        refusal_of([&] { check_folder(output("none/roads.shp")); }),
-        "The folder of the output does not exist: '" + (m_folder / "none") + "'. Make it, or give another --output.");
+    EXPECT_EQ(refusal_of(output("none/roads.shp")), "The folder of the output does not exist: '" + (m_folder / "none") +
+                                                        "'. Make it, or give another --output.");
 }
 
 TEST_F(OutputPlaceTest, AFolderThatCannotBeWrittenIsRefused) {
@@ -113,7 +108,7 @@ TEST_F(OutputPlaceTest, AFolderThatCannotBeWrittenIsRefused) {
         GTEST_SKIP() << "root may write everywhere";
     }
     ::chmod(m_folder.path().c_str(), 0500);
-    const std::string refusal = refusal_of([&] { check_folder(output("roads.shp")); });
+    const std::string refusal = refusal_of(output("roads.shp"));
     ::chmod(m_folder.path().c_str(), 0700);
     EXPECT_EQ(refusal,
               "The folder of the output cannot be written to: '" + m_folder.path() + "'. Give another --output.");
@@ -124,7 +119,7 @@ TEST_F(OutputPlaceTest, AFolderInThePlaceOfAFileIsRefused) {
                              "roads.lyr", "roads.qml"}) {
         fs::create_directory(m_folder / name);
         EXPECT_EQ(
-            refusal_of([&] { check_folder(output("roads.shp")); }),
+            refusal_of(output("roads.shp")),
             "'" + (m_folder / name) + "' is a folder, where a file of the output would stand. Give another --output.");
         fs::remove(m_folder / name);
     }
@@ -133,30 +128,30 @@ TEST_F(OutputPlaceTest, AFolderInThePlaceOfAFileIsRefused) {
 TEST_F(OutputPlaceTest, AnExistingOutputIsRefusedUnlessItIsToBeReplaced) {
     make("roads.shp");
     make("roads.prm");
-    EXPECT_EQ(refusal_of([&] { check_replacement(output("roads.shp"), false); }),
+    EXPECT_EQ(refusal_of(output("roads.shp")),
               "The output exists already: '" + (m_folder / "roads.shp") +
                   "' and 1 more file of that name. Give --overwrite to replace it, or another --output.");
     make("roads.dbf");
-    EXPECT_EQ(refusal_of([&] { check_replacement(output("roads.shp"), false); }),
+    EXPECT_EQ(refusal_of(output("roads.shp")),
               "The output exists already: '" + (m_folder / "roads.shp") +
                   "' and 2 more files of that name. Give --overwrite to replace it, or another --output.");
-    EXPECT_EQ(refusal_of([&] { check_replacement(output("roads.shp"), true); }), "");
+    EXPECT_EQ(refusal_of(output("roads.shp"), {}, running::Replacing::allowed), "");
 }
 
 TEST_F(OutputPlaceTest, ARunReportOfTheSameNameAloneIsAnExistingOutput) {
     make("roads.prm");
-    EXPECT_NE(refusal_of([&] { check_replacement(output("roads.shp"), false); }), "");
+    EXPECT_NE(refusal_of(output("roads.shp")), "");
 }
 
 TEST_F(OutputPlaceTest, AFreePlaceIsAccepted) {
     make("other.shp");
-    EXPECT_EQ(refusal_of([&] { check_folder(output("roads.shp")); }), "");
-    EXPECT_EQ(refusal_of([&] { check_replacement(output("roads.shp"), false); }), "");
+    EXPECT_EQ(refusal_of(output("roads.shp")), "");
+    EXPECT_EQ(refusal_of(output("roads.shp")), "");
 }
 
 TEST_F(OutputPlaceTest, AnInputAsOutputIsRefused) {
     make("sheds.shp");
-    EXPECT_EQ(refusal_of([&] { check_not_an_input(output("sheds.shp"), {m_folder / "sheds.shp"}); }),
+    EXPECT_EQ(refusal_of(output("sheds.shp"), {m_folder / "sheds.shp"}),
               "The output '" + (m_folder / "sheds.shp") + "' would replace the input '" + (m_folder / "sheds.shp") +
                   "', or files that belong to it. Give another --output.");
 }
@@ -165,31 +160,28 @@ TEST_F(OutputPlaceTest, AnInputReachedThroughALinkIsRefused) {
     make("sheds.shp");
     fs::create_symlink(m_folder / "sheds.shp", m_folder / "link.shp");
     fs::create_directory_symlink(m_folder.path(), m_folder / "folder");
-    EXPECT_NE(refusal_of([&] { check_not_an_input(output("sheds.shp"), {m_folder / "link.shp"}); }), "");
-    EXPECT_NE(refusal_of([&] { check_not_an_input(output("link.shp"), {m_folder / "sheds.shp"}); }), "");
-    EXPECT_NE(refusal_of([&] { check_not_an_input(output("folder/sheds.shp"), {m_folder / "sheds.shp"}); }), "");
-    EXPECT_NE(refusal_of([&] { check_not_an_input(output("x/../sheds.shp"), {m_folder / "sheds.shp"}); }), "");
+    EXPECT_NE(refusal_of(output("sheds.shp"), {m_folder / "link.shp"}), "");
+    EXPECT_NE(refusal_of(output("link.shp"), {m_folder / "sheds.shp"}), "");
+    EXPECT_NE(refusal_of(output("folder/sheds.shp"), {m_folder / "sheds.shp"}), "");
+    EXPECT_NE(refusal_of(output("x/../sheds.shp"), {m_folder / "sheds.shp"}), "");
 }
 
 TEST_F(OutputPlaceTest, AHardLinkToAnInputIsRefused) {
     make("sheds.shp");
     fs::create_hard_link(m_folder / "sheds.shp", m_folder / "other.shp");
-    EXPECT_NE(refusal_of([&] { check_not_an_input(output("other.shp"), {m_folder / "sheds.shp"}); }), "");
+    EXPECT_NE(refusal_of(output("other.shp"), {m_folder / "sheds.shp"}), "");
 }
 
 TEST_F(OutputPlaceTest, AnOutputWhoseSideFilesBelongToAnInputIsRefused) {
     make("lc.bil");
     make("sheds.shp");
-    EXPECT_NE(refusal_of([&] { check_not_an_input(output("lc.shp"), {m_folder / "lc.bil"}); }), "");
-    EXPECT_NE(refusal_of([&] { check_not_an_input(output("sheds.SHP"), {m_folder / "sheds.shp"}); }), "");
+    EXPECT_NE(refusal_of(output("lc.shp"), {m_folder / "lc.bil"}), "");
+    EXPECT_NE(refusal_of(output("sheds.SHP"), {m_folder / "sheds.shp"}), "");
 }
 
 TEST_F(OutputPlaceTest, OtherInputsAreNotInTheWay) {
     make("sheds.shp");
-    EXPECT_EQ(refusal_of([&] {
-                  check_not_an_input(output("sheds_is.shp"), {m_folder / "sheds.shp", "GPKG:none.gpkg:lc", ""});
-              }),
-              "");
+    EXPECT_EQ(refusal_of(output("sheds_is.shp"), {m_folder / "sheds.shp", "GPKG:none.gpkg:lc", ""}), "");
 }
 
 }  // namespace
