@@ -4,12 +4,12 @@
 
 #include <QClipboard>
 #include <QDialogButtonBox>
-#include <QFontDatabase>
-#include <QFontInfo>
 #include <QGuiApplication>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+#include "forms/desktop/fixed_font.h"
 
 namespace kestrel {
 
@@ -24,11 +24,7 @@ CallStackWindow::CallStackWindow(const QString& text, QWidget* parent)
     m_view->setReadOnly(true);
     // Readable by keyboard alone, too.
     m_view->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    // Where the desktop names none, what it gives is not of one width.
-    font.setFamily(QFontInfo(font).fixedPitch() ? font.family() : QStringLiteral("monospace"));
-    font.setStyleHint(QFont::Monospace);
-    m_view->setFont(font);
+    m_view->setFont(fixed_font());
     m_view->setTabStopDistance(4 * m_view->fontMetrics().horizontalAdvance(' '));
     m_view->setPlainText(m_text);
 

@@ -5,8 +5,6 @@
 #include <QDialogButtonBox>
 #include <QEvent>
 #include <QFileInfo>
-#include <QFontDatabase>
-#include <QFontInfo>
 #include <QFormLayout>
 #include <QKeyEvent>
 #include <QVBoxLayout>
@@ -14,6 +12,7 @@
 
 #include "base/errors.h"
 #include "base/files.h"
+#include "forms/desktop/fixed_font.h"
 #include "forms/records/viewer_texts.h"
 #include "records/record_files.h"
 #include "reporting/error_report.h"
@@ -56,11 +55,7 @@ void frmISTParams::build_layout() {
     txtTParams->setReadOnly(true);
     // Without a cursor a read-only text could not be gone through and marked by keyboard.
     txtTParams->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    // Where the desktop names none, what it gives is not of one width.
-    font.setFamily(QFontInfo(font).fixedPitch() ? font.family() : QStringLiteral("monospace"));
-    font.setStyleHint(QFont::Monospace);
-    txtTParams->setFont(font);
+    txtTParams->setFont(fixed_font());
     auto* buttons = new QDialogButtonBox;
     buttons->addButton(cmdClose, QDialogButtonBox::RejectRole);
     cmdClose->setObjectName("cmdClose");

@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QFontMetricsF>
 #include <QScrollBar>
 #include <QTest>
 #include <QTextBlock>
@@ -129,6 +130,11 @@ TEST_F(frmISTParamsTest, ListsTheLayersWithARunReportInMapOrderAndShowsTheFirst)
     EXPECT_EQ(shown(), "Impervious surface analysis run: north\n\n  Output Layer Name: north\n");
     EXPECT_EQ(title(), "Kestrel Parameters for north.shp");
     EXPECT_THAT(m_user.boxes, IsEmpty());
+}
+
+TEST_F(frmISTParamsTest, ColumnsOfTheTextStandBelowEachOther) {
+    const QFontMetricsF metrics(text().font());
+    EXPECT_DOUBLE_EQ(metrics.horizontalAdvance('i'), metrics.horizontalAdvance('W'));
 }
 
 TEST_F(frmISTParamsTest, ListsTheLayersWithMetadata) {
