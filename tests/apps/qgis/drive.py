@@ -21,7 +21,7 @@ from qgis.PyQt.QtTest import QTest
 from qgis.PyQt.QtWidgets import QAction, QApplication, QDialog, QMenu, QMessageBox, QToolBar, QWidget
 from qgis.utils import iface
 
-FOLDER = Path(os.environ["KESTREL_DRIVE_FOLDER"])
+FOLDER = Path(os.environ["KESTREL_DRIVE_FOLDER"]).resolve()
 WORK = FOLDER / "work"
 EXTENSION = FOLDER / "kestrel"
 COMMANDS = {
@@ -166,6 +166,23 @@ def _answer_boxes():
 _watch = QTimer()
 
 
+def libraries_of_kestrel():
+    """Paths of those that this process has loaded."""
+    mapped = {line.split(maxsplit=5)[-1] for line in Path("/proc/self/maps").read_text().splitlines()}
+    return sorted(Path(path) for path in mapped if Path(path).name.startswith("libkestrel"))
+
+
+def need_the_built_libraries():
+    """Refuses to test another Kestrel than the one that was put into the folder of this test."""
+    loaded = libraries_of_kestrel()
+    for path in loaded:
+        need(f"QGIS has loaded {path}, which is not the Kestrel that was built but one installed on this machine. "
+             "Uninstall that, or mend qgis_without_kestrel() of run_desktop.py, which is to hide it.",
+             path.is_relative_to(FOLDER))
+    for name in ("libkestrel_qgis.so", "libkestrel_ext.so"):
+        need(f"QGIS has not loaded {name}, but {list(map(str, loaded))}", name in [path.name for path in loaded])
+
+
 def finish(status):
     """Ends QGIS as leaving it does, so that the plugin is unloaded."""
     _watch.stop()
@@ -179,6 +196,7 @@ def run(body, at_end=None):
     def go():
         try:
             iface.mainWindow().setGeometry(0, 0, 1280, 900)
+            need_the_built_libraries()
             body()
         except BaseException:
             tell("FAIL " + traceback.format_exc())

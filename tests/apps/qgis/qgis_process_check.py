@@ -7,13 +7,14 @@
 
 import json
 import os
+import re
 import shutil
 import subprocess
 import sys
 import tempfile
 from pathlib import Path
 
-from run_desktop import SKIPPED, preloaded, real_data
+from run_desktop import SKIPPED, SYSTEM_PATH, preloaded, qgis_without_kestrel, real_data
 
 BUILT, COMMAND = Path(sys.argv[1]), Path(sys.argv[2])
 
@@ -24,6 +25,16 @@ def run(*command, **environment):
     if done.returncode != 0:
         sys.exit(f"{command[0]} ends with {done.returncode}\n{done.stdout}\n{done.stderr}")
     return done.stdout
+
+
+def need_the_built_library(folder):
+    """Reads what the loader told in the folder."""
+    told = "".join(log.read_text(errors="replace") for log in folder.glob("loader.*"))
+    loaded = set(re.findall(r"calling init: (\S*/libkestrel\S*)", told))
+    built = str(BUILT.resolve() / "libkestrel_qgis.so")
+    if loaded != {built}:
+        sys.exit(f"qgis_process has loaded {sorted(loaded)} instead of {built}. Uninstall the Kestrel that is installed "
+                 "on this machine, or mend qgis_without_kestrel() of run_desktop.py, which is to hide it.")
 
 
 def main():
@@ -47,8 +58,11 @@ def main():
             f"LAND_COVER={data}/nlcd2011.tif", f"ZONES={data}/sheds.shp", "FIELD=SHED_ID", "OPTION=0",
             f"STORE={data}/isprops.xml", "SET=NLCD legend", f"SCENARIOS={data}/town_plan.shp,24",
             f"OUTPUT={folder}/process/out.shp",
-            PATH="/usr/bin:/bin", QT_QPA_PLATFORM="offscreen", LC_ALL="C.UTF-8", QGIS_CUSTOM_CONFIG_PATH=str(folder),
-            QGIS_PLUGINPATH=str(BUILT / "python"), XDG_DATA_HOME=str(folder / "share")))
+            PATH=SYSTEM_PATH, QT_QPA_PLATFORM="offscreen", LC_ALL="C.UTF-8", QGIS_CUSTOM_CONFIG_PATH=str(folder),
+            QGIS_PLUGINPATH=str(BUILT / "python"), XDG_DATA_HOME=str(folder / "share"),
+            QGIS_PREFIX_PATH=str(qgis_without_kestrel(folder)), LD_DEBUG="files",
+            LD_DEBUG_OUTPUT=str(folder / "loader")))
+        need_the_built_library(folder)
         run(COMMAND, "run", "--land-cover", data / "nlcd2011.tif", "--zones", data / "sheds.shp", "--field", "SHED_ID",
             "--option", "high", "--store", data / "isprops.xml", "--set", "NLCD legend",
             "--scenario", f"{data}/town_plan.shp:24", "--output", folder / "command/out.shp", "--quiet")

@@ -22,6 +22,8 @@ from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
 SKIPPED = 77
+# QGIS's Python is the system's, and it looks for its modules beside the first python3 of the path.
+SYSTEM_PATH = "/usr/bin:/bin"
 SETTINGS = """[plugins]
 searchPathsForPlugins={plugin}
 [Plugins]
@@ -34,6 +36,43 @@ projections\\unknownCrsBehavior=NoAction
 [qgis]
 checkVersion=false
 """
+
+
+# Where QGIS looks, below its prefix, for plugins of all users of the machine.
+LIBRARIES = Path("lib/qgis/plugins")
+PYTHON_PLUGINS = Path("share/qgis/python/plugins")
+
+
+def linked_copy(original, copy, opened):
+    """A folder of links to what another one holds, but for Kestrel. Of the opened folders the copy has its own."""
+    copy.mkdir()
+    for entry in original.iterdir():
+        below = [path.relative_to(entry.name) for path in opened if path.parts[:1] == (entry.name,)]
+        if below:
+            linked_copy(entry, copy / entry.name, below)
+        elif not entry.name.startswith(("kestrel", "libkestrel")):
+            (copy / entry.name).symlink_to(entry)
+
+
+def installed_qgis():
+    """The prefix of QGIS."""
+    named = os.environ.get("QGIS_PREFIX_PATH")
+    return Path(named or Path(shutil.which("qgis", path=SYSTEM_PATH)).resolve().parents[1])
+
+
+def qgis_without_kestrel(folder):
+    """The prefix of QGIS as if Kestrel were not installed on the machine.
+
+    QGIS takes an installed plugin before one of that name in a folder that the settings name, so that it would be the
+    installed one that is tested.
+    """
+    prefix = folder / "qgis"
+    if not prefix.exists():
+        installed = installed_qgis()
+        linked_copy(installed, prefix, [LIBRARIES, PYTHON_PLUGINS])
+        shutil.rmtree(prefix / LIBRARIES)  # QGIS passes over links
+        shutil.copytree(installed / LIBRARIES, prefix / LIBRARIES, ignore=shutil.ignore_patterns("libkestrel*"))
+    return prefix
 
 
 def prepare(folder, built):
@@ -58,10 +97,9 @@ def start(folder, script, seconds, command):
     environment = dict(os.environ, LC_ALL="C.UTF-8", KESTREL_DRIVE_FOLDER=str(folder), PYTHONPATH=str(HERE),
                        PYTHONDONTWRITEBYTECODE="1", XDG_DATA_HOME=str(folder / "data"),
                        XDG_CONFIG_HOME=str(folder / "config"), KESTREL_DRIVE_DATA=str(real_data()),
-                       KESTREL_DRIVE_COMMAND=str(command))
+                       KESTREL_DRIVE_COMMAND=str(command), QGIS_PREFIX_PATH=str(qgis_without_kestrel(folder)),
+                       PATH=SYSTEM_PATH)
     environment.pop("QT_QPA_PLATFORM", None)
-    # QGIS's Python is the system's, and it looks for its modules beside the first python3 of the path.
-    environment["PATH"] = "/usr/bin:/bin"
     desktop_command = ["xvfb-run", "-a", "-w", "1", "-s", "-screen 0 1280x900x24", *preloaded(), "qgis", "--nologo",
                        "--noversioncheck",
                        "--profiles-path", str(folder / "profiles"),
