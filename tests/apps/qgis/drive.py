@@ -14,12 +14,15 @@ A script is the body of a function:
 
 import os
 import traceback
+from contextlib import contextmanager
 from pathlib import Path
 
-from qgis.PyQt.QtCore import QCoreApplication, Qt, QTimer
+from qgis import utils
+from qgis.PyQt import sip
+from qgis.PyQt.QtCore import QCoreApplication, QPoint, Qt, QTimer
 from qgis.PyQt.QtTest import QTest
-from qgis.PyQt.QtWidgets import QAction, QApplication, QDialog, QMenu, QMessageBox, QToolBar, QWidget
-from qgis.utils import iface
+from qgis.PyQt.QtWidgets import (QAbstractButton, QAction, QApplication, QDialog, QMenu, QMessageBox, QToolBar,
+                                 QWidget)
 
 FOLDER = Path(os.environ["KESTREL_DRIVE_FOLDER"]).resolve()
 WORK = FOLDER / "work"
@@ -33,8 +36,15 @@ COMMANDS = {
     "about": "KESTREL_EXT.clsCommands.6",
 }
 
+# What marks a modal window that has been dealt with.
+SEEN = "drive_seen"
+# In milliseconds.
+WAITED_FOR_A_WINDOW = 5000
+
 # Boxes that were shown, as (title, text), in order.
 boxes = []
+# Object names of the modal windows that the script answers itself.
+_expected = []
 _failures = []
 _lines = []
 
@@ -75,11 +85,11 @@ def wait_until(holds, seconds=20):
 
 
 def action(name):
-    return need(f"there is no action {name}", iface.mainWindow().findChild(QAction, COMMANDS.get(name, name)))
+    return need(f"there is no action {name}", utils.iface.mainWindow().findChild(QAction, COMMANDS.get(name, name)))
 
 
 def toolbar():
-    return need("there is no toolbar", iface.mainWindow().findChild(QToolBar, "Kestrel Tools"))
+    return need("there is no toolbar", utils.iface.mainWindow().findChild(QToolBar, "Kestrel Tools"))
 
 
 def menu():
@@ -150,20 +160,74 @@ def screen_now(name):
         QApplication.primaryScreen().grabWindow(0).save(str(Path(folder) / f"{name}.png"))
 
 
-def _answer_boxes():
-    box = QApplication.activeModalWidget()
-    if isinstance(box, QMessageBox) and not box.property("drive_seen"):
-        box.setProperty("drive_seen", True)
-        boxes.append((box.windowTitle(), box.text()))
-        # From within this slot the timer would not see the box that the answer opens.
-        QTimer.singleShot(50, box.defaultButton().click if box.defaultButton() else box.buttons()[0].click)
-    elif isinstance(box, QDialog) and box.objectName() == "kestrelCallStack":
-        boxes.append(("call stack", str([w.toPlainText() for w in box.findChildren(QWidget)
-                                         if hasattr(w, "toPlainText")])))
-        QTimer.singleShot(50, box.reject)
+@contextmanager
+def expecting(name):
+    """While it lasts, the script itself sees to the modal window of that object name."""
+    _expected.append(name)
+    try:
+        yield
+    finally:
+        _expected.remove(name)
+
+
+def texts_of(widget):
+    """What can be read in a window, from top to bottom."""
+    readers = ("toPlainText", "text", "currentText")
+    shown = [w for w in widget.findChildren(QWidget) if w.isVisible() and not isinstance(w, QAbstractButton)]
+    shown.sort(key=lambda w: (w.mapTo(widget, QPoint()).y(), w.mapTo(widget, QPoint()).x()))
+    texts = [next((getattr(w, reader)() for reader in readers if hasattr(w, reader)), "") for w in shown]
+    return "\n".join(text for text in texts if text)
+
+
+def _answer(box):
+    boxes.append((box.windowTitle(), box.text()))
+    tell(f"box  {box.windowTitle()}: {box.text()}")
+    # From within the watch's slot the timer would not see the box that the answer opens.
+    QTimer.singleShot(50, box.defaultButton().click if box.defaultButton() else box.buttons()[0].click)
+
+
+def _refuse(window):
+    """Tells of a modal window that nobody reckoned with, and closes it: it would hold up the script for ever."""
+    kind = window.metaObject().className()
+    check(f"there is no unexpected window ({kind} {window.objectName()!r})", False,
+          f"{window.windowTitle()}\n{texts_of(window)}")
+    QTimer.singleShot(50, lambda: _close(window))
+    QTimer.singleShot(WAITED_FOR_A_WINDOW, lambda: _give_up_on(window))
+
+
+def _close(window):
+    if isinstance(window, QDialog):
+        window.reject()
+    else:
+        window.close()
+    if not window.isVisible():
+        window.setProperty(SEEN, None)  # it may be shown again
+
+
+def _give_up_on(window):
+    if not sip.isdeleted(window) and window.isVisible() and window.property(SEEN):
+        tell(f"FAIL {window.windowTitle()} cannot be closed")
+        os._exit(1)  # leaving QGIS as a user does needs an event loop that this window does not let go on
+
+
+def _look_at_modal_windows():
+    window = QApplication.activeModalWidget()
+    if window is None or window.property(SEEN) or window.objectName() in _expected:
+        return
+    window.setProperty(SEEN, True)
+    if isinstance(window, QMessageBox):
+        _answer(window)
+    else:
+        _refuse(window)
 
 
 _watch = QTimer()
+
+
+def watch():
+    """From here on modal windows are seen to."""
+    _watch.timeout.connect(_look_at_modal_windows)
+    _watch.start(50)
 
 
 def libraries_of_kestrel():
@@ -186,7 +250,7 @@ def need_the_built_libraries():
 def finish(status):
     """Ends QGIS as leaving it does, so that the plugin is unloaded."""
     _watch.stop()
-    iface.newProject(False)
+    utils.iface.newProject(False)
     QCoreApplication.exit(status)
 
 
@@ -195,7 +259,7 @@ def run(body, at_end=None):
 
     def go():
         try:
-            iface.mainWindow().setGeometry(0, 0, 1280, 900)
+            utils.iface.mainWindow().setGeometry(0, 0, 1280, 900)
             need_the_built_libraries()
             body()
         except BaseException:
@@ -205,6 +269,4 @@ def run(body, at_end=None):
         tell(f"{len(_failures)} failures")
         (at_end or finish)(1 if _failures else 0)
 
-    _watch.timeout.connect(_answer_boxes)
-    _watch.start(50)
     QTimer.singleShot(0, go)

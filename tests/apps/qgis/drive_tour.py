@@ -65,7 +65,8 @@ def fill_form():
     drive.choose(drive.child(form, "cboAnalysisUnit", QComboBox), "NAME")
     seen = []
     QTimer.singleShot(400, lambda: fill_density_dialog(seen))
-    drive.click(drive.child(form, "optPopDensity(3)", QRadioButton))
+    with drive.expecting("frmISPDensity"):
+        drive.click(drive.child(form, "optPopDensity(3)", QRadioButton))
     drive.wait(300)
     check_equal("Calculate opens the density dialog", seen, ["frmISPDensity"])
     add_scenario(form, 0, "new_mall", "Developed High Intensity")
@@ -114,6 +115,7 @@ def body():
     form = fill_form()
     run(form)
     view_report()
+    check_equal("what boxes are headed", [title for title, _ in drive.boxes], ["NODATA Cells!"])
 
 
 drive.run(body)

@@ -98,7 +98,7 @@ def start(folder, script, seconds, command):
                        PYTHONDONTWRITEBYTECODE="1", XDG_DATA_HOME=str(folder / "data"),
                        XDG_CONFIG_HOME=str(folder / "config"), KESTREL_DRIVE_DATA=str(real_data()),
                        KESTREL_DRIVE_COMMAND=str(command), QGIS_PREFIX_PATH=str(qgis_without_kestrel(folder)),
-                       PATH=SYSTEM_PATH)
+                       PATH=SYSTEM_PATH, PYQGIS_STARTUP=str(HERE / "drive_startup.py"))
     environment.pop("QT_QPA_PLATFORM", None)
     desktop_command = ["xvfb-run", "-a", "-w", "1", "-s", "-screen 0 1280x900x24", *preloaded(), "qgis", "--nologo",
                        "--noversioncheck",
