@@ -34,11 +34,11 @@ void add_set(clsISModelProperties& props, const clsISLCDef& set, const std::stri
 /// The name that the user gives to a new set, none that is taken; empty when the user gives none.
 std::string ask_new_name(const clsISModelProperties& props) {
     while (true) {
-        std::string name = reporting::interaction().input_box(import_texts::set_name());
+        std::string name = reporting::current_interaction().input_box(import_texts::set_name());
         if (name.empty() || find_set(props, name) == nullptr) {
             return name;
         }
-        reporting::interaction().message_box(import_texts::name_taken());
+        reporting::current_interaction().message_box(import_texts::name_taken());
     }
 }
 
@@ -81,7 +81,7 @@ bool MergeCoeffsFromFile(clsISModelProperties& props, const std::string& path, c
                          const SetAdded& set_added) try {
     clsISModelProperties loaded;
     if (!basUtil::GetISModelProperties(loaded, path)) {
-        reporting::interaction().message_box(store_texts::merge_load_failed());
+        reporting::current_interaction().message_box(store_texts::merge_load_failed());
         return false;
     }
     bool duplicates = false;
@@ -97,10 +97,10 @@ bool MergeCoeffsFromFile(clsISModelProperties& props, const std::string& path, c
     }
     const bool saved = basUtil::PutISModelProperties(props, store);
     if (!saved) {
-        reporting::interaction().message_box(store_texts::save_failed(store));
+        reporting::current_interaction().message_box(store_texts::save_failed(store));
     }
     if (duplicates) {
-        reporting::interaction().message_box(store_texts::duplicates_renamed());
+        reporting::current_interaction().message_box(store_texts::duplicates_renamed());
     }
     return saved;
 } catch (...) {
@@ -122,7 +122,7 @@ bool ImportCoeffsFromFile(clsISModelProperties& props, const std::string& path, 
     }
     TentativeSet added(props.ISLCDefs, name);
     if (const std::optional<TextFault> fault = read_coefficient_text(path, added.set().LCClasses)) {
-        reporting::interaction().message_box(import_texts::refused(*fault, path));
+        reporting::current_interaction().message_box(import_texts::refused(*fault, path));
         return false;
     }
     if (set_added) {
@@ -131,7 +131,7 @@ bool ImportCoeffsFromFile(clsISModelProperties& props, const std::string& path, 
     added.keep();
     const bool saved = basUtil::PutISModelProperties(props, store);
     if (!saved) {
-        reporting::interaction().message_box(store_texts::save_failed(store, import_texts::kUnsuccessful));
+        reporting::current_interaction().message_box(store_texts::save_failed(store, import_texts::kUnsuccessful));
     }
     return saved;
 } catch (...) {

@@ -29,7 +29,7 @@ std::optional<data::XmlDocument> load_document(const std::string& path) {
     try {
         return data::XmlDocument::load(path);
     } catch (const base::RuntimeError& error) {
-        reporting::interaction().notice(error.description() + "." + where_the_copy_is(path));
+        reporting::current_interaction().notice(error.description() + "." + where_the_copy_is(path));
         return std::nullopt;
     }
 }

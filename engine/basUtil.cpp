@@ -229,7 +229,7 @@ std::vector<IntersectedField> intersected_fields(std::span<const Field> input, s
 std::unique_ptr<FeatureClass> Intersect(const FeatureClass* input, const FeatureClass* overlay, const std::string& name,
                                         const std::string& working_folder) try {
     if (input == nullptr || overlay == nullptr) {
-        reporting::interaction().message_box(engine_texts::table_missing());
+        reporting::current_interaction().message_box(engine_texts::table_missing());
         return nullptr;
     }
     PolygonFeatures pieces_of = input->read_polygons(names_of(input->fields()));

@@ -38,11 +38,11 @@ std::optional<Table> clsISDSAdjustment::isDSAdjustment(Table pTable, const Scena
     }
     if (!DSTheme.same_projection) {
         const auto answer =
-            reporting::interaction().message_box(engine_texts::scenario_not_in_projection(DSTheme.name));
+            reporting::current_interaction().message_box(engine_texts::scenario_not_in_projection(DSTheme.name));
         return answer == reporting::Answer::ok ? std::optional(std::move(pTable)) : std::nullopt;
     }
     if (!DSTheme.position || !m_context.areas->counts()->any_inside(*DSTheme.position)) {
-        reporting::interaction().message_box(engine_texts::scenario_outside(DSTheme.name));
+        reporting::current_interaction().message_box(engine_texts::scenario_outside(DSTheme.name));
         return pTable;
     }
     AreaTheme inside_scenario = m_context.analysis;
@@ -60,7 +60,7 @@ std::optional<Table> clsISDSAdjustment::isDSAdjustment(Table pTable, const Scena
     m_context.areas->counts()->apply(*DSTheme.position, base::to_integer(dcID));
     return pTable;
 } catch (...) {
-    reporting::interaction().message_box(engine_texts::scenario_failed());
+    reporting::current_interaction().message_box(engine_texts::scenario_failed());
     return reported<std::optional<Table>>({"isDSAdjustment", kModule});
 }
 
@@ -106,7 +106,7 @@ bool clsISDSAdjustment::give_to_target(Table& table, const Table& inside, const 
         }
         const double coefficient = lookup.coefficient(dcID, inside.key(s));
         if (coefficient == CoefficientLookup::kNoCoefficient) {
-            reporting::interaction().message_box(engine_texts::no_coefficients(dcID));
+            reporting::current_interaction().message_box(engine_texts::no_coefficients(dcID));
             return false;
         }
         const double area = table.number(*row, area_column) + areas.at(inside.key(s));

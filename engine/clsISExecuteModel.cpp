@@ -109,6 +109,7 @@ void clsISExecuteModel::ExecuteModel(contracts::Application* pApp, const std::st
         throw base::RuntimeError(base::kObjectVariableNotSet, "There is no application to run in");
     }
     m_run = std::make_unique<ModelRun>(*pApp, pWorkPath, m_options.threads);
+    const reporting::ScopedInteraction recorded(m_run->notices);  // until the result is handed over
     const RunEnd end(*this);
     run_stages(pFileName, shpPath, shpName, LayerName);
 } catch (...) {
@@ -130,7 +131,7 @@ void clsISExecuteModel::run_stages(const std::string& pFileName, const std::stri
     }
     isUpdateLegend(*m_run->output_layer, shpPath);
     if (m_run->incomplete > 0) {
-        reporting::interaction().message_box(engine_texts::nodata_cells());
+        reporting::current_interaction().message_box(engine_texts::nodata_cells());
     }
     m_run->map().refresh();
     isWriteMetadata(shpPath, LayerName);
@@ -155,7 +156,7 @@ bool clsISExecuteModel::prepare(const std::string& pFileName) {
         base::PartOfProgress progress(run.app.progress(), kAnalysisLayerRead, kScenariosBegin);
         if (!density_stage->DensityCalculation(progress, run.threads)) {
             if (!run.cancelled()) {
-                reporting::interaction().message_box(engine_texts::density_failed());
+                reporting::current_interaction().message_box(engine_texts::density_failed());
             }
             return false;
         }
@@ -306,7 +307,7 @@ bool clsISExecuteModel::publish(const std::string& shpPath, const std::string& s
     PublishedFiles files(stage.publish());
     run.output_layer = run.app.make_feature_layer(base::join_path(shpPath, shpName), LayerName);
     if (run.output_layer == nullptr) {
-        reporting::interaction().message_box(engine_texts::feature_class_missing());
+        reporting::current_interaction().message_box(engine_texts::feature_class_missing());
         return false;
     }
     if (const auto earlier = basUtil::FindLayer(LayerName, run.map())) {

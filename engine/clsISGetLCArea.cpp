@@ -85,7 +85,7 @@ std::optional<Table> clsISGetLCArea::isGetLCArea(const std::string& pWorkspace, 
     (void)popDS;  // the keys of the zones already end in their density class
     const std::string zone_field = basUtil::stored_field_name(ZoneField, AnalysisTheme.fields);
     if (!SwitchOnRasterAnalysis()) {
-        reporting::interaction().message_box(engine_texts::raster_analysis_missing());
+        reporting::current_interaction().message_box(engine_texts::raster_analysis_missing());
         return std::nullopt;
     }
     const std::optional<Tabulation> tabulation = TabulateAreas(AnalysisTheme, lcTheme);
@@ -93,7 +93,8 @@ std::optional<Table> clsISGetLCArea::isGetLCArea(const std::string& pWorkspace, 
         return std::nullopt;
     }
     if (tabulation->keys.empty()) {
-        reporting::interaction().message_box(engine_texts::no_zone_has_cells(AnalysisTheme.name, lcTheme.name()));
+        reporting::current_interaction().message_box(
+            engine_texts::no_zone_has_cells(AnalysisTheme.name, lcTheme.name()));
         return std::nullopt;
     }
     std::optional<Table> table =
@@ -132,8 +133,8 @@ std::optional<Tabulation> clsISGetLCArea::TabulateAreas(const AreaTheme& Analysi
         }
     } catch (const base::RuntimeError& error) {
         if (!m_application->progress().cancelled()) {
-            reporting::interaction().message_box(engine_texts::area_calculation_failed());
-            reporting::interaction().notice(error.description());
+            reporting::current_interaction().message_box(engine_texts::area_calculation_failed());
+            reporting::current_interaction().notice(error.description());
         }
         return std::nullopt;
     }
@@ -176,7 +177,7 @@ bool clsISGetLCArea::CalculateAreas(const Tabulation& tabulation, double factor,
         if (missing != of_zone.end()) {
             const auto column = static_cast<std::size_t>(missing - of_zone.begin());
             list_unknown_classes(tabulation, lookup, zones.back());
-            reporting::interaction().message_box(
+            reporting::current_interaction().message_box(
                 engine_texts::no_coefficients(base::text_of(tabulation.columns[column].land_class)));
             return false;
         }

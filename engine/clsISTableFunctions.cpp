@@ -54,7 +54,7 @@ std::optional<Table> clsISTableFunctions::createDBF(const std::string& strName, 
                                                     std::size_t pFieldCount, const Tabulation& tTable) try {
     const std::string folder = base::join_path(m_extension_folder, "temp");
     if (!base::folder_exists(folder)) {
-        reporting::interaction().message_box(engine_texts::folder_missing(folder));
+        reporting::current_interaction().message_box(engine_texts::folder_missing(folder));
         return std::nullopt;
     }
     std::vector<Field> fields{basUtil::CreateFields("OID", "OID", FieldType::oid, 4, 0, 0),

@@ -117,7 +117,7 @@ bool read_analysis_layer(ModelRun& run) {
     run.analysis_fields = source.fields();
     const int position = source.find_field(run.analysis_field);
     if (position < 0) {
-        reporting::interaction().message_box(engine_texts::analysis_field_missing());
+        reporting::current_interaction().message_box(engine_texts::analysis_field_missing());
         return false;
     }
     base::PartOfProgress progress(run.app.progress(), 0, kAnalysisLayerRead);

@@ -40,7 +40,8 @@ struct ModelRun {
     std::string work_path;
     /// That the run may use; 0 for as many as there are cores.
     int threads;
-    NoticeRecorder notices;
+    /// Between the run and its user.
+    NoticeRecorder notices{reporting::current_interaction()};
 
     // The settings, as read.
     clsReadParams reader;

@@ -47,7 +47,7 @@ PolygonLayer read_polygon_layer(const FeatureClass& source, const std::string& l
     base::PartOfProgress checking(progress, kRead, 1);
     const std::size_t repaired = progress.cancelled() ? 0 : polygons::repair(features.polygons, checking, threads);
     if (repaired > 0) {
-        reporting::interaction().notice(engine_texts::repaired_polygons(repaired, layer_name));
+        reporting::current_interaction().notice(engine_texts::repaired_polygons(repaired, layer_name));
     }
     layer.polygons = std::make_shared<const PolygonSet>(std::move(features.polygons));
     return layer;
@@ -55,7 +55,8 @@ PolygonLayer read_polygon_layer(const FeatureClass& source, const std::string& l
 
 SharedPolygons polygons_in(const PolygonLayer& layer, const SpatialReference& target, const std::string& target_name) {
     if (layer.reference.known() != target.known()) {
-        reporting::interaction().notice(engine_texts::missing_system(layer.name, layer.reference.known(), target_name));
+        reporting::current_interaction().notice(
+            engine_texts::missing_system(layer.name, layer.reference.known(), target_name));
     } else if (layer.reference.known() && !layer.reference.same(target)) {
         PolygonSet moved = *layer.polygons;
         project(moved, layer.reference, target);

@@ -80,8 +80,9 @@ void clsCommands::ICommand_OnClick() try {
         found(application.find_extension(contracts::kRasterAnalysisExtension),
               "The application has no raster analysis extension (esriCore.SAExtension.1)");
     if (raster_analysis.IExtensionConfig_State() == contracts::kExtensionDisabled) {
-        reporting::interaction().message_box({"Spatial Analyst Extension required to run Impervious Surface Analysis.",
-                                              "", reporting::Icon::exclamation});
+        reporting::current_interaction().message_box(
+            {"Spatial Analyst Extension required to run Impervious Surface Analysis.", "",
+             reporting::Icon::exclamation});
         return;
     }
     open_window();

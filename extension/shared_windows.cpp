@@ -8,6 +8,7 @@
 #include "forms/help/frmHelpBrowser2.h"
 #include "forms/help/frmISAbout.h"
 #include "forms/records/frmISTParams.h"
+#include "reporting/forwarding_interaction.h"
 
 namespace kestrel {
 
@@ -43,27 +44,15 @@ struct SharedWindows::Forms {
 };
 
 /// The host's interaction, with the help window of this extension.
-class SharedWindows::HostInteraction final : public reporting::Interaction {
+class SharedWindows::HostInteraction final : public reporting::ForwardingInteraction {
   public:
-    HostInteraction(reporting::Interaction& host, SharedWindows& windows) : m_host(host), m_windows(windows) {}
+    HostInteraction(reporting::Interaction& host, SharedWindows& windows)
+        : ForwardingInteraction(host), m_windows(windows) {}
 
-    reporting::Answer message_box(const reporting::MessageBox& box) override { return m_host.message_box(box); }
-    std::string input_box(const reporting::InputBox& box) override { return m_host.input_box(box); }
-    std::optional<std::string> file_dialog(const reporting::FileDialog& dialog) override {
-        return m_host.file_dialog(dialog);
-    }
-    void show_call_stack(std::string_view text) override { m_host.show_call_stack(text); }
-    std::unique_ptr<reporting::WaitingWindow> waiting_window(std::string_view text) override {
-        return m_host.waiting_window(text);
-    }
     void show_help() override { m_windows.show_help(); }
-    void notice(std::string_view text) override { m_host.notice(text); }
-    void beep() override { m_host.beep(); }
 
   private:
-    reporting::Interaction& m_host;
     SharedWindows& m_windows;
-    reporting::ScopedInteraction m_scope{*this};
 };
 
 SharedWindows::SharedWindows(std::string extension_folder)
@@ -74,6 +63,7 @@ SharedWindows::~SharedWindows() = default;
 void SharedWindows::start(contracts::Application& application) {
     stop();
     m_interaction = std::make_unique<HostInteraction>(application.interaction(), *this);
+    m_scope = std::make_unique<reporting::ScopedInteraction>(*m_interaction);
 }
 
 void SharedWindows::stop() {
@@ -81,6 +71,7 @@ void SharedWindows::stop() {
         m_forms->editor->Form_QueryUnload();
     }
     m_forms = std::make_unique<Forms>();  // the old ones go while they can still speak
+    m_scope.reset();
     m_interaction.reset();
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "extension/extension_windows.h"
+#include "reporting/interaction.h"
 
 class QWidget;
 
@@ -33,6 +34,8 @@ class SharedWindows final : public ExtensionWindows {
 
     std::string m_extension_folder;
     std::unique_ptr<HostInteraction> m_interaction;
+    /// From start() to stop() the extension's code speaks through m_interaction.
+    std::unique_ptr<reporting::ScopedInteraction> m_scope;
     std::unique_ptr<Forms> m_forms;
 };
 

@@ -32,7 +32,7 @@ class HeadlessApplication final : public contracts::Application {
     std::shared_ptr<contracts::FeatureLayer> make_feature_layer(const std::string& path,
                                                                 const std::string& name) override;
     /// The calling thread's own, which whoever runs the engine has set.
-    reporting::Interaction& interaction() override { return reporting::interaction(); }
+    reporting::Interaction& interaction() override { return reporting::current_interaction(); }
     base::Progress& progress() override { return m_progress; }
     void run_ended(contracts::RunResult result) override { m_result = std::move(result); }
 

@@ -119,7 +119,7 @@ void clsReadParams::ReadParameters(const std::string& PathName, const std::strin
 
     const std::string path = m_path_name + "/temp/" + m_file_name;
     if (!base::file_exists(path)) {
-        reporting::interaction().message_box(parameter_file_texts::missing_file(m_path_name, m_file_name));
+        reporting::current_interaction().message_box(parameter_file_texts::missing_file(m_path_name, m_file_name));
         return;
     }
     base::TextReader reader(path);

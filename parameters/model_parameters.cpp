@@ -88,7 +88,7 @@ bool write_model_parameters(const std::string& folder, const std::string& file_n
                             const clsISModelProperties& store, const std::string& set_name,
                             const std::string& view_name) try {
     if (!base::folder_exists(folder)) {
-        reporting::interaction().message_box(parameter_file_texts::missing_folder(folder));
+        reporting::current_interaction().message_box(parameter_file_texts::missing_folder(folder));
         return false;
     }
     TextWriter file(folder + "/" + file_name);

@@ -22,8 +22,8 @@ std::string detail_block(std::int32_t number, std::string_view description) {
 }
 
 void show_in_message_box(std::string_view entry, std::string_view description) {
-    reporting::interaction().beep();
-    reporting::interaction().message_box(
+    reporting::current_interaction().beep();
+    reporting::current_interaction().message_box(
         {fmt::format(
              "An error has occured in the application.   Record the call stack sequence\r\nand the description of the error.\r\n\r\nError Call Stack Sequence \r\n\t{}\r\n{}",  // sic
              entry, description),
@@ -60,7 +60,7 @@ void ErrorReport(Show show, std::string_view entry, std::int32_t number, std::st
     }
     t_reporting = false;
     if (mode == kReportInCallStackWindow) {
-        reporting::interaction().show_call_stack(
+        reporting::current_interaction().show_call_stack(
             fmt::format("Record Call Stack Sequence - Bottom line is error line.\r\n\r\n\t{}\r\n{}", entry, text));
         return;
     }

@@ -10,7 +10,7 @@ namespace {
 thread_local ScopedInteraction* t_innermost = nullptr;
 }
 
-Interaction& interaction() {
+Interaction& current_interaction() {
     if (t_innermost == nullptr) {
         throw base::RuntimeError(base::kObjectVariableNotSet,
                                  "This thread has nobody to speak to: no interaction is set");

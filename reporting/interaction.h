@@ -78,7 +78,7 @@ class Interaction {
 
 /// The interaction of the calling thread, as the innermost living ScopedInteraction set it.
 /// \throws RuntimeError 91 when the thread has none.
-Interaction& interaction();
+Interaction& current_interaction();
 
 /// Makes `current` the calling thread's interaction for its own lifetime; the one before returns afterwards.
 /// Hosts hold one; a run on a worker thread holds one of its own. They may end in any order, on the thread that they
@@ -91,7 +91,7 @@ class ScopedInteraction {
     ScopedInteraction& operator=(const ScopedInteraction&) = delete;
 
   private:
-    friend Interaction& interaction();
+    friend Interaction& current_interaction();
 
     Interaction* m_current;
     ScopedInteraction* m_outer;

@@ -67,7 +67,7 @@ void check_export_file(const CoefficientsOptions& options, const std::string& st
 void note_names_that_do_not_return(const clsISLCDef& set) {
     for (const auto& land_class : set.LCClasses) {
         if (land_class->LCName.find_first_of(",\r\n") != std::string::npos) {
-            reporting::interaction().notice(
+            reporting::current_interaction().notice(
                 fmt::format("The name of class {} holds a comma or a line end, so the file cannot be imported: '{}'",
                             land_class->ID, land_class->LCName));
         }

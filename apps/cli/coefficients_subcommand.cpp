@@ -9,6 +9,7 @@
 #include "apps/cli/chosen_store.h"
 #include "apps/cli/console_interaction.h"
 #include "apps/cli/user_files.h"
+#include "reporting/forwarding_interaction.h"
 
 namespace kestrel::cli {
 
@@ -16,30 +17,20 @@ namespace {
 
 /// Tells what the routines say on standard error. Their input box, which asks for a name until it is a new one, gets
 /// the name of the command line once and is then cancelled.
-class CommandInteraction final : public reporting::Interaction {
+class CommandInteraction final : public reporting::ForwardingInteraction {
   public:
-    explicit CommandInteraction(std::string name) : m_name(std::move(name)) {}
+    CommandInteraction(reporting::Interaction& console, std::string name)
+        : ForwardingInteraction(console), m_name(std::move(name)) {}
 
     /// Boxes about coefficients ask nothing, whatever their buttons: they are only closed.
     reporting::Answer message_box(const reporting::MessageBox& box) override {
-        return m_console.message_box({box.text, box.title, box.icon, reporting::Buttons::ok});
+        return ForwardingInteraction::message_box({box.text, box.title, box.icon, reporting::Buttons::ok});
     }
     std::string input_box(const reporting::InputBox&) override { return std::exchange(m_name, {}); }
-    std::optional<std::string> file_dialog(const reporting::FileDialog& dialog) override {
-        return m_console.file_dialog(dialog);
-    }
-    void show_call_stack(std::string_view text) override { m_console.show_call_stack(text); }
-    std::unique_ptr<reporting::WaitingWindow> waiting_window(std::string_view text) override {
-        return m_console.waiting_window(text);
-    }
-    void show_help() override { m_console.show_help(); }
-    void notice(std::string_view text) override { m_console.notice(text); }
     void beep() override {}
 
   private:
     std::string m_name;
-    ConsoleProgress m_progress{std::cerr, false};
-    ConsoleInteraction m_console{std::cerr, m_progress, {}};
 };
 
 }  // namespace
@@ -51,7 +42,9 @@ CLI::App* add_coefficients_subcommand(CLI::App& parent, const CoefficientsSubcom
     added->footer(subcommand.example);
     added->callback([options, act = subcommand.act, &action] {
         action = [options, act] {
-            CommandInteraction interaction(options->name);
+            ConsoleProgress progress(std::cerr, false);
+            ConsoleInteraction console(std::cerr, progress, {});
+            CommandInteraction interaction(console, options->name);
             const reporting::ScopedInteraction scope(interaction);
             return act(*options);
         };

@@ -62,12 +62,13 @@ class ProgressInQgis final : public base::Progress {
 }  // namespace
 
 DesktopInteraction::DesktopInteraction(QgisInterface& iface)
-    : m_iface(iface),
+    : ForwardingInteraction(m_boxes),
+      m_iface(iface),
       m_boxes({.beside_waiting_window = [&iface] { return std::make_unique<ProgressInQgis>(iface); }}) {}
 
 void DesktopInteraction::show_call_stack(std::string_view text) {
     log(text, Qgis::Critical);
-    m_boxes.show_call_stack(text);
+    ForwardingInteraction::show_call_stack(text);
 }
 
 void DesktopInteraction::notice(std::string_view text) {

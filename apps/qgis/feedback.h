@@ -43,7 +43,6 @@ class FeedbackInteraction final : public reporting::Interaction {
   private:
     QgsProcessingFeedback* m_feedback;
     std::string m_last_message;
-    reporting::ScopedInteraction m_scope{*this};
 };
 
 }  // namespace kestrel::qgis

@@ -132,7 +132,8 @@ std::string ImperviousAlgorithm::store_path(const QVariantMap& parameters, const
 bool ImperviousAlgorithm::prepareAlgorithm(const QVariantMap& parameters, QgsProcessingContext& context,
                                            QgsProcessingFeedback* feedback) {
     return translated([&] {
-        const FeedbackInteraction interaction(feedback);
+        FeedbackInteraction interaction(feedback);
+        const reporting::ScopedInteraction spoken_through(interaction);
         m_prepared = std::make_unique<Prepared>(base::join_path(m_extension_folder, "etc/contact.ini"));
         prepare_land_cover(parameters, context);
         prepare_coefficients(parameters, context);
@@ -264,6 +265,7 @@ QVariantMap ImperviousAlgorithm::processAlgorithm(const QVariantMap& parameters,
     return translated([&] {
         const std::unique_ptr<Prepared> prepared = std::move(m_prepared);
         FeedbackInteraction interaction(feedback);
+        const reporting::ScopedInteraction spoken_through(interaction);
         FeedbackProgress progress(*feedback);
         const std::string path = text_of(parameterAsOutputLayer(parameters, "OUTPUT", context));
         const QString layer_name = parameterAsString(parameters, "LAYER_NAME", context);

@@ -19,7 +19,8 @@ namespace {
 /// Names of the coefficient sets in a store; none when it cannot be read.
 QStringList set_names_in(const std::string& store) {
     QStringList names;
-    const FeedbackInteraction nobody(nullptr);
+    FeedbackInteraction nobody(nullptr);
+    const reporting::ScopedInteraction spoken_through(nobody);
     clsISModelProperties props;
     if (base::file_exists(store) && basUtil::GetISModelProperties(props, store)) {
         for (const std::string& name : basUtil::set_names(props)) {

@@ -15,7 +15,7 @@
 
 namespace kestrel {
 
-using reporting::interaction;
+using reporting::current_interaction;
 
 namespace {
 
@@ -178,7 +178,7 @@ void frmISPDensity::list_again() try {
 void frmISPDensity::tell_left_out(const std::vector<std::string>& reasons) {
     for (const std::string& reason : reasons) {
         if (m_told.insert(reason).second) {
-            interaction().notice(reason);
+            current_interaction().notice(reason);
         }
     }
 }
@@ -219,7 +219,7 @@ bool frmISPDensity::ValidatePDenForm() try {
     if (!refusal) {
         return true;
     }
-    interaction().message_box(refusal->box);
+    current_interaction().message_box(refusal->box);
     QWidget* const controls[] = {cboPDenTheme, cboPDenFld, txtHigh, txtLow};
     controls[static_cast<int>(refusal->control)]->setFocus();
     return false;

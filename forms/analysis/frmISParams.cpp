@@ -19,7 +19,7 @@ namespace kestrel {
 
 using basISModelUtil::CheckLayers;
 using basISModelUtil::LayerKind;
-using reporting::interaction;
+using reporting::current_interaction;
 
 namespace {
 constexpr const char* kModule = "ISParams";
@@ -49,7 +49,7 @@ bool frmISParams::Form_Load() try {
     contracts::Map& focus_map = map();
     empty_controls();
     if (!basUtil::GetISModelProperties(m_props, base::join_path(m_extension_folder, "etc/isprops.xml"))) {
-        interaction().message_box(form_texts::store_not_loaded(m_extension_folder));
+        current_interaction().message_box(form_texts::store_not_loaded(m_extension_folder));
         return false;
     }
     fill_layer_lists();
@@ -118,7 +118,7 @@ void frmISParams::refresh_lists(const char* event) try {
 void frmISParams::tell_once(const std::vector<std::string>& sentences) {
     for (const std::string& sentence : sentences) {
         if (m_told.insert(sentence).second) {
-            interaction().notice(sentence);
+            current_interaction().notice(sentence);
         }
     }
 }
@@ -199,7 +199,7 @@ void frmISParams::cmdISQuit_Click() try {
     report_current({"cmdISQuit_Click", kModule});
 }
 
-void frmISParams::cmdISHelp_Click() try { interaction().show_help(); } catch (...) {
+void frmISParams::cmdISHelp_Click() try { current_interaction().show_help(); } catch (...) {
     report_current({"cmdISHelp_Click", kModule});
 }
 

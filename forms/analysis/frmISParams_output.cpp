@@ -14,7 +14,7 @@
 /// The parameter form's output: what leaving the box of its name does.
 namespace kestrel {
 
-using reporting::interaction;
+using reporting::current_interaction;
 
 namespace {
 
@@ -98,12 +98,12 @@ void frmISParams::apply_output_rules() {
     m_output_file = name.file_name;
     m_output_folder = name.folder;
     if (!name.chosen_folder.empty()) {
-        interaction().message_box(form_texts::other_output_folder(name.chosen_folder));
+        current_interaction().message_box(form_texts::other_output_folder(name.chosen_folder));
     }
 }
 
 void frmISParams::cmdOutputBrowse_Click() try {
-    const auto path = interaction().file_dialog(form_texts::output_file());
+    const auto path = current_interaction().file_dialog(form_texts::output_file());
     const QString chosen = QString::fromStdString(path.value_or("")).trimmed();
     txtOutputTheme->setText(chosen.isEmpty() ? QStringLiteral("kestrel") : chosen);
     txtOutputTheme->setFocus();

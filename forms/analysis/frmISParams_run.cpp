@@ -16,7 +16,7 @@
 /// The parameter form's run: what is checked first, what is written, and what stands when the run has ended.
 namespace kestrel {
 
-using reporting::interaction;
+using reporting::current_interaction;
 
 namespace {
 
@@ -68,12 +68,12 @@ void frmISParams::cmdISRun_Click() try {
     }
     leave_output_box();
     if (txtOutputTheme->text().isEmpty()) {
-        interaction().message_box(form_texts::no_output_name());
+        current_interaction().message_box(form_texts::no_output_name());
         txtOutputTheme->setFocus();
         return;
     }
     if (basISModelUtil::SetThemeName(m_output_file).empty()) {
-        interaction().message_box(form_texts::no_shapefile_name());
+        current_interaction().message_box(form_texts::no_shapefile_name());
         txtOutputTheme->setFocus();
         return;
     }
@@ -96,7 +96,7 @@ void frmISParams::run() {
     order.begins = [&] {
         tell_once(basISModelUtil::shared_names(layers_read(order.parameters), map()));
         running.emplace(*this);
-        waiting = interaction().waiting_window(form_texts::kWaiting);
+        waiting = current_interaction().waiting_window(form_texts::kWaiting);
         return !alive.isNull();
     };
     // From here on nothing of the form may be needed: it may be destroyed meanwhile.
@@ -123,11 +123,11 @@ running::RunOrder frmISParams::order() {
 
 void frmISParams::tell(const running::RunRefusal& refusal) {
     if (refusal.cause == running::RunRefusal::Cause::extension_folder) {
-        interaction().message_box(form_texts::folder_refused(refusal.reason));
+        current_interaction().message_box(form_texts::folder_refused(refusal.reason));
         return;
     }
     const bool stopped = refusal.cause != running::RunRefusal::Cause::output_name;
-    interaction().message_box(form_texts::output_refused(refusal.reason + (stopped ? "" : ".")));
+    current_interaction().message_box(form_texts::output_refused(refusal.reason + (stopped ? "" : ".")));
     txtOutputTheme->setFocus();
 }
 
@@ -182,7 +182,7 @@ bool frmISParams::ValidateForm(std::int16_t highest_row) try {
         return true;
     }
     control_of(refusal->control)->setFocus();
-    interaction().message_box(refusal->box);
+    current_interaction().message_box(refusal->box);
     return false;
 } catch (...) {
     return reported<bool>({"ValidateForm", "basISModelUtil"});

@@ -145,7 +145,7 @@ namespace basISModelUtil {
 std::vector<std::string> AddDS(ScenarioRows& rows, QComboBox& cboLCType, const clsISModelProperties& store,
                                const contracts::Map& map) try {
     if (cboLCType.currentIndex() < 0) {
-        reporting::interaction().message_box(form_texts::no_set_for_scenarios());
+        reporting::current_interaction().message_box(form_texts::no_set_for_scenarios());
         cboLCType.setFocus();
         return {};
     }
@@ -164,14 +164,14 @@ void RemoveDS(ScenarioRows& rows) try {
     if (rows.count() == 0) {
         return;
     }
-    const std::string typed = reporting::interaction().input_box(form_texts::scenario_to_delete());
+    const std::string typed = reporting::current_interaction().input_box(form_texts::scenario_to_delete());
     if (typed.empty()) {
         return;
     }
     if (const auto number = scenario_number(typed, rows.count())) {
         rows.take_row_out(*number - 1);
     } else {
-        reporting::interaction().message_box(form_texts::no_such_scenario());
+        reporting::current_interaction().message_box(form_texts::no_such_scenario());
     }
 } catch (...) {
     report_current({"RemoveDS", kModule});

@@ -93,7 +93,7 @@ void frmAddLCType::cmdOK_Click() try {
         return;
     }
     if (basISModelPropsUtil::inComboBox(m_list, name)) {
-        reporting::interaction().message_box(editor_texts::set_not_unique(txtLCType->text().toStdString()));
+        reporting::current_interaction().message_box(editor_texts::set_not_unique(txtLCType->text().toStdString()));
         txtLCType->setFocus();
         txtLCType->selectAll();
         return;

@@ -13,7 +13,7 @@
 namespace kestrel {
 
 using reporting::Answer;
-using reporting::interaction;
+using reporting::current_interaction;
 
 namespace {
 constexpr const char* kModule = "ISModelProps";
@@ -30,7 +30,7 @@ bool frmISModelProps::Form_Load() try {
     m_props = {};
     mark_saved();
     if (!basUtil::GetISModelProperties(m_props, m_store.path)) {
-        interaction().message_box(store_texts::load_failed(m_store));
+        current_interaction().message_box(store_texts::load_failed(m_store));
         return false;
     }
     hide_overlay();
@@ -47,7 +47,7 @@ bool frmISModelProps::Form_Load() try {
 
 void frmISModelProps::cmdQuit_Click() try {
     if (m_changed) {
-        const Answer answer = interaction().message_box(editor_texts::save_before_quit());
+        const Answer answer = current_interaction().message_box(editor_texts::save_before_quit());
         if (answer == Answer::cancel || (answer == Answer::yes && !save())) {
             return;
         }
@@ -90,7 +90,7 @@ void frmISModelProps::cmdImport_Click() try {
     if (!may_proceed(editor_texts::save_before_import())) {
         return;
     }
-    if (const auto path = interaction().file_dialog(editor_texts::import_file())) {
+    if (const auto path = current_interaction().file_dialog(editor_texts::import_file())) {
         basISModelPropsUtil::ImportCoeffsFromFile(m_props, *path, m_store,
                                                   [this](const std::string& name) { add_to_list(name); });
     }
@@ -102,7 +102,7 @@ void frmISModelProps::cmdExport_Click() try {
     if (!may_proceed(editor_texts::save_before_export())) {
         return;
     }
-    if (const auto path = interaction().file_dialog(editor_texts::export_file())) {
+    if (const auto path = current_interaction().file_dialog(editor_texts::export_file())) {
         basISModelPropsUtil::ExportCoeffsToFile(m_props, cboLCType->currentText().toStdString(), *path);
     }
 } catch (...) {
@@ -113,7 +113,7 @@ void frmISModelProps::cmdMerge_Click() try {
     if (!may_proceed(editor_texts::save_before_merge())) {
         return;
     }
-    if (const auto path = interaction().file_dialog(editor_texts::merge_file())) {
+    if (const auto path = current_interaction().file_dialog(editor_texts::merge_file())) {
         basISModelPropsUtil::MergeCoeffsFromFile(m_props, *path, m_store,
                                                  [this](const std::string& name) { add_to_list(name); });
     }
@@ -121,7 +121,7 @@ void frmISModelProps::cmdMerge_Click() try {
     report_current({"cmdMerge_Click", kModule});
 }
 
-void frmISModelProps::cmdHelp_Click() try { interaction().show_help(); } catch (...) {
+void frmISModelProps::cmdHelp_Click() try { current_interaction().show_help(); } catch (...) {
     report_current({"cmdHelp_Click", kModule});
 }
 
@@ -160,7 +160,7 @@ bool frmISModelProps::save() {
         return false;  // reported; the store is not written
     }
     if (!basUtil::PutISModelProperties(m_props, m_store)) {
-        interaction().message_box(store_texts::save_failed(m_store));
+        current_interaction().message_box(store_texts::save_failed(m_store));
         return false;
     }
     cboLCType->setFocus();
@@ -169,7 +169,7 @@ bool frmISModelProps::save() {
 }
 
 bool frmISModelProps::may_proceed(const reporting::MessageBox& question) {
-    return !m_changed || (interaction().message_box(question) == Answer::yes && save());
+    return !m_changed || (current_interaction().message_box(question) == Answer::yes && save());
 }
 
 void frmISModelProps::mark_changed() {

@@ -12,7 +12,7 @@
 namespace kestrel {
 
 using namespace basISModelPropsUtil;
-using reporting::interaction;
+using reporting::current_interaction;
 
 namespace {
 constexpr const char* kModule = "ISModelProps";
@@ -97,7 +97,7 @@ bool frmISModelProps::ValidateEntry(const QString& key) try {
     }
     const auto fault = entry_fault(cell.column, grdLCDef->text(cell).toStdString(), key.toStdString());
     if (fault) {
-        interaction().message_box(*fault);
+        current_interaction().message_box(*fault);
     }
     return !fault;
 } catch (...) {
@@ -136,7 +136,7 @@ void frmISModelProps::txtActiveCell_Change(const QString& text) try {
     const GridCell cell = grdLCDef->current();
     const auto fault = text.isEmpty() ? std::nullopt : text_fault(cell.column, text.toStdString());
     if (fault) {
-        interaction().message_box(*fault);
+        current_interaction().message_box(*fault);
         set_overlay(m_overlay_text);
         return;
     }
@@ -224,7 +224,7 @@ void frmISModelProps::MnuFGridDelRow_Click() try {
     hide_overlay();
     const GridContents grid = grdLCDef->contents();
     if (has_data(grid.rows[static_cast<std::size_t>(cell.row - kFirstDataRow)]) &&
-        interaction().message_box(editor_texts::row_has_data(cell.row)) != reporting::Answer::yes) {
+        current_interaction().message_box(editor_texts::row_has_data(cell.row)) != reporting::Answer::yes) {
         return;
     }
     grdLCDef->removeRow(cell.row - 1);
@@ -275,7 +275,8 @@ void frmISModelProps::grdLCDef_Paste() try {
         mark_changed();
     }
     if (result.refused > 0) {
-        interaction().message_box(editor_texts::pasted_cells_refused(result.refused, result.cells, result.reasons));
+        current_interaction().message_box(
+            editor_texts::pasted_cells_refused(result.refused, result.cells, result.reasons));
     }
 } catch (...) {
     report_current({"grdLCDef_Paste", kModule});

@@ -149,7 +149,7 @@ void frmHelpBrowser2::Form_Load() try {
     txtFind->clear();
     show_title();
     if (!exists) {
-        reporting::interaction().message_box(no_file(path));
+        reporting::current_interaction().message_box(no_file(path));
     }
 } catch (...) {
     report_current({"Form_Load", kModule});
@@ -181,7 +181,7 @@ void frmHelpBrowser2::brwHelp_AnchorClicked(const QUrl& target) try {
     } else if (base::file_exists(path)) {
         brwHelp->setSource(target);
     } else {
-        reporting::interaction().message_box(no_file(path));
+        reporting::current_interaction().message_box(no_file(path));
     }
 } catch (...) {
     report_current({"brwHelp_AnchorClicked", kModule});

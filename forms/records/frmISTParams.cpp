@@ -142,7 +142,7 @@ void frmISTParams::activate_now() {
 void frmISTParams::Form_Activate() try {
     const std::vector<FoundLayer> before = std::exchange(m_layers, scan_ParamLayers());
     if (m_layers.empty()) {
-        reporting::interaction().message_box(viewer_texts::no_files(m_file_type));
+        reporting::current_interaction().message_box(viewer_texts::no_files(m_file_type));
         if (isVisible()) {
             close();
         }

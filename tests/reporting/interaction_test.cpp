@@ -18,17 +18,17 @@ using test::error_of;
 using test::ScriptedInteraction;
 
 TEST(Interaction, AThreadWithoutOneIsAnError) {
-    EXPECT_EQ(error_of([] { interaction(); }).number(), 91);
+    EXPECT_EQ(error_of([] { current_interaction(); }).number(), 91);
 }
 
 TEST(Interaction, TheInnermostCountsAndTheOneBeforeReturns) {
     ScriptedInteraction outer;
-    EXPECT_EQ(&interaction(), &outer);
+    EXPECT_EQ(&current_interaction(), &outer);
     {
         ScriptedInteraction inner;
-        EXPECT_EQ(&interaction(), &inner);
+        EXPECT_EQ(&current_interaction(), &inner);
     }
-    EXPECT_EQ(&interaction(), &outer);
+    EXPECT_EQ(&current_interaction(), &outer);
 }
 
 // Two extension objects in one host may be shut down in the order in which they were started.
@@ -37,17 +37,17 @@ TEST(Interaction, OneThatEndsBeforeTheInnerOnesLeavesThemInChargeAndNeverComesBa
     auto first = std::make_unique<ScriptedInteraction>();
     auto second = std::make_unique<ScriptedInteraction>();
     first.reset();
-    EXPECT_EQ(&interaction(), second.get());
+    EXPECT_EQ(&current_interaction(), second.get());
     second.reset();
-    EXPECT_EQ(&interaction(), &outermost);
+    EXPECT_EQ(&current_interaction(), &outermost);
 }
 
 TEST(Interaction, EveryThreadHasItsOwn) {
     ScriptedInteraction mine;
     std::int32_t error_elsewhere = 0;
-    std::thread([&] { error_elsewhere = error_of([] { interaction(); }).number(); }).join();
+    std::thread([&] { error_elsewhere = error_of([] { current_interaction(); }).number(); }).join();
     EXPECT_EQ(error_elsewhere, 91);
-    EXPECT_EQ(&interaction(), &mine);
+    EXPECT_EQ(&current_interaction(), &mine);
 }
 
 TEST(ScriptedInteraction, AnswersFromTheScriptThenInTheNegative) {
