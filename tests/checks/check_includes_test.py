@@ -38,7 +38,7 @@ def correct_tree():
                                                     *check_includes.DOORS["apps/cli/demo", "apps/cli"]),
         "apps/qgis/plugin.cpp": including("forms/desktop/qt_interaction.h", "<qgisplugin.h>", "<QMessageBox>"),
         "tests/support/shapes.h": including("polygons/geos_support.h", "<gtest/gtest.h>"),
-        "bench/units_bench.cpp": including("counting/cell_runs.h", "<benchmark/benchmark.h>"),
+        "bench/units_bench.cpp": including("counting/cell_runs.h", "tests/support/shapes.h", "<benchmark/benchmark.h>"),
     }
     listed = [*check_includes.PUBLIC.values(), *check_includes.DOORS.values()]
     return {**{header: "#pragma once\n" for headers in listed for header in headers}, **files}
@@ -144,10 +144,8 @@ class Order(SmallTree):
         self.assert_refuses("forms/records/viewer.cpp", "forms/help/about.h", "forms/records/ comes before forms/help/")
 
     def test_forms_of_the_desktop(self):
-        self.assert_refuses("forms/desktop/processing.cpp", "forms/coefficients/grid.h", "know nothing of each other")
-
-    def test_the_desktop_from_other_forms(self):
-        self.assert_refuses("forms/help/about.cpp", "forms/desktop/qt_interaction.h", "know nothing of each other")
+        self.assert_refuses("forms/desktop/processing.cpp", "forms/coefficients/grid.h",
+                            "forms/desktop/ comes before forms/coefficients/")
 
     def test_the_command_knows_nothing_of_the_desktop(self):
         self.write("apps/qgis/plugin.h")
@@ -169,10 +167,14 @@ class Order(SmallTree):
         self.assert_refuses("apps/cli/demo/demo_command.cpp", "apps/cli/run_inputs.h", "DOORS")
 
     def test_tests_are_included_by_tests_only(self):
-        for name in ("engine/model_run.cpp", "apps/cli/main.cpp", "bench/units_bench.cpp"):
+        for name in ("engine/model_run.cpp", "apps/cli/main.cpp"):
             with self.subTest(name):
                 self.make_correct_tree()
                 self.assert_refuses(name, "tests/support/shapes.h", "nothing outside of tests/ includes tests/")
+
+    def test_of_tests_benchmarks_include_their_support_only(self):
+        self.write("tests/engine/small_world.h")
+        self.assert_refuses("bench/units_bench.cpp", "tests/engine/small_world.h", "nothing outside of tests/")
 
     def test_benchmarks_are_included_by_benchmarks_only(self):
         self.write("bench/floor.h")
@@ -380,7 +382,7 @@ class Boxes(SmallTree):
                 with self.subTest(f"{name} {box}"):
                     self.make_correct_tree()
                     self.write(name, f"#pragma once\n{box}\n")
-                    self.assert_finds(f"{name}:2", "shown through reporting::interaction()")
+                    self.assert_finds(f"{name}:2", "shown through reporting::current_interaction()")
 
     def test_in_apps_and_tests(self):
         self.write("apps/qgis/window.cpp", "QFileDialog window(this);\n")
