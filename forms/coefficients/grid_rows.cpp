@@ -10,7 +10,6 @@
 #include "base/errors.h"
 #include "base/text.h"
 #include "coefficients/basISModelPropsUtil.h"
-#include "forms/coefficients/grid_entry.h"
 #include "reporting/error_report.h"
 
 namespace kestrel::basISModelPropsUtil {
