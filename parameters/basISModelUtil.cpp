@@ -21,18 +21,6 @@ namespace {
 
 constexpr const char* kModule = "basISModelUtil";
 
-bool suits(FieldType type, FieldMode mode) {
-    switch (mode) {
-        case kNumericFields:
-            return data::integral(type) || type == FieldType::single || type == FieldType::real;
-        case kAnalysisFields:
-            return data::integral(type) || type == FieldType::text;
-        case kAllFields:
-            break;
-    }
-    return true;
-}
-
 std::string with_extension(std::string_view name) {
     // Three letters without the point are enough. Intended; do not "fix".
     if (base::lower_case(name).ends_with("shp")) {
@@ -57,6 +45,18 @@ bool listed(const contracts::Layer& layer, LayerKind kind, FieldMode mode, std::
 }
 
 }  // namespace
+
+bool suits(FieldType type, FieldMode mode) {
+    switch (mode) {
+        case kNumericFields:
+            return data::integral(type) || type == FieldType::single || type == FieldType::real;
+        case kAnalysisFields:
+            return data::integral(type) || type == FieldType::text;
+        case kAllFields:
+            break;
+    }
+    return true;
+}
 
 std::vector<std::shared_ptr<contracts::Layer>> layers_in_order(const contracts::Map& map) {
     std::vector<std::shared_ptr<contracts::Layer>> layers;

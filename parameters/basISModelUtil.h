@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "contracts/map.h"
+#include "data/field.h"
 
 /// \file
 /// What the parameter form lists and how it completes names; the procedures that fill its controls are in
@@ -27,6 +28,9 @@ enum FieldMode : int {
     /// What can name zones: whole numbers of any size and text. Booleans are neither.
     kAnalysisFields = 2,
 };
+
+/// Whether a field of this type is one of a mode's.
+bool suits(data::FieldType type, FieldMode mode);
 
 struct ListedLayer {
     std::string name;

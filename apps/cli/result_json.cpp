@@ -9,7 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <string_view>
 
-#include "apps/cli/result_table.h"
+#include "hosting/run_totals.h"
 
 namespace kestrel::cli {
 

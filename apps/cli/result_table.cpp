@@ -10,6 +10,7 @@
 
 #include "apps/cli/text_width.h"
 #include "base/conversions.h"
+#include "hosting/run_totals.h"
 
 namespace kestrel::cli {
 
@@ -98,23 +99,6 @@ std::string remarks_of(const ZoneResult& zone) {
         remarks.emplace_back("no cell");
     }
     return fmt::format("{}", fmt::join(remarks, "; "));
-}
-
-ZoneResult total_of(const RunResult& result) {
-    ZoneResult total;
-    for (const ZoneResult& zone : result.zones) {
-        total.total_area += zone.total_area;
-        total.impervious_area += zone.impervious_area;
-        total.cells += zone.cells;
-        total.nodata_cells += zone.nodata_cells;
-    }
-    // Zones have 6 decimals; the sum of so many doubles may have more.
-    total.total_area = base::round_to_scale(total.total_area, 6);
-    total.impervious_area = base::round_to_scale(total.impervious_area, 6);
-    if (total.total_area != 0) {
-        total.percent = total.impervious_area / total.total_area * 100;
-    }
-    return total;
 }
 
 std::string result_table(const RunResult& result, bool every_zone) {

@@ -16,9 +16,6 @@ inline constexpr std::size_t kZonesAtEachEnd = 10;
 /// What is worth knowing of a zone besides its figures, joined by "; "; empty when there is nothing.
 std::string remarks_of(const contracts::ZoneResult& zone);
 
-/// The total of all zones; its percent is that of the whole area.
-contracts::ZoneResult total_of(const contracts::RunResult& result);
-
 /// The table at the end of a finished run: a line a zone, totals, the classes of the legend, the files written.
 /// \param every_zone also of many zones each one has its line.
 std::string result_table(const contracts::RunResult& result, bool every_zone);

@@ -12,14 +12,15 @@
 #include "base/conversions.h"
 #include "data/raster.h"
 #include "hosting/run_choices.h"
+#include "parameters/basISModelUtil.h"
 
 namespace kestrel::cli {
 
 using base::RuntimeError;
+using basISModelUtil::FieldMode;
 using data::FeatureClass;
 using data::FeatureSource;
 using data::Field;
-using data::FieldType;
 using data::RasterDataset;
 using data::SpatialReference;
 
@@ -55,23 +56,11 @@ FeatureClass open_polygons(std::string_view option, const FeatureSource& source)
     return *opened;
 }
 
-bool any_type(FieldType) {
-    return true;
-}
-
-bool names_zones(FieldType type) {
-    return integral(type) || type == FieldType::text;
-}
-
-bool holds_numbers(FieldType type) {
-    return integral(type) || type == FieldType::single || type == FieldType::real;
-}
-
-/// Names of the fields whose type suits.
-std::string names_of(const std::vector<Field>& fields, bool (*suits)(FieldType) = any_type) {
+/// Names of the fields of the mode's types.
+std::string names_of(const std::vector<Field>& fields, FieldMode mode = basISModelUtil::kAllFields) {
     std::string names;
     for (const Field& field : fields) {
-        if (suits(field.type)) {
+        if (basISModelUtil::suits(field.type, mode)) {
             names += (names.empty() ? "" : ", ") + field.name;
         }
     }
@@ -92,18 +81,18 @@ const Field& field_of(const FeatureClass& features, std::string_view option, con
 }
 
 void check_analysis_field(const FeatureClass& zones, const std::string& name) {
-    if (!names_zones(field_of(zones, "--field", name).type)) {
+    if (!basISModelUtil::suits(field_of(zones, "--field", name).type, basISModelUtil::kAnalysisFields)) {
         refuse(
             "The field '{}' (--field) of the layer '{}' holds neither whole numbers nor text, so it cannot name the "
             "zones. Give another field: {}.",
-            name, zones.layer_name(), names_of(zones.fields(), names_zones));
+            name, zones.layer_name(), names_of(zones.fields(), basISModelUtil::kAnalysisFields));
     }
 }
 
 void check_density_field(const FeatureClass& blocks, const std::string& name) {
-    if (!holds_numbers(field_of(blocks, "--density-field", name).type)) {
+    if (!basISModelUtil::suits(field_of(blocks, "--density-field", name).type, basISModelUtil::kNumericFields)) {
         refuse("The field '{}' (--density-field) of the layer '{}' holds no numbers. Give another field: {}.", name,
-               blocks.layer_name(), names_of(blocks.fields(), holds_numbers));
+               blocks.layer_name(), names_of(blocks.fields(), basISModelUtil::kNumericFields));
     }
 }
 

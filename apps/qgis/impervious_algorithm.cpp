@@ -20,6 +20,8 @@
 #include "hosting/headless_run.h"
 #include "hosting/run_choices.h"
 #include "hosting/run_layers.h"
+#include "hosting/run_totals.h"
+#include "parameters/basISModelUtil.h"
 
 namespace kestrel::qgis {
 
@@ -47,13 +49,10 @@ auto translated(Work work) {
     }
 }
 
-bool names_zones(data::FieldType type) {
-    return data::integral(type) || type == data::FieldType::text;
-}
-
 void check_zone_field(const FeatureClass& zones, const std::string& name) {
     const int position = zones.find_field(name);
-    if (position < 0 || !names_zones(zones.fields()[static_cast<std::size_t>(position)].type)) {
+    if (position < 0 || !basISModelUtil::suits(zones.fields()[static_cast<std::size_t>(position)].type,
+                                               basISModelUtil::kAnalysisFields)) {
         refuse(QStringLiteral("The field '%1' of the analysis layer holds neither whole numbers nor text, so it cannot "
                               "name the zones.")
                    .arg(qt(name)));
@@ -67,20 +66,15 @@ void check_name(const RunOutput& output) {
 }
 
 QVariantMap outputs_of(const contracts::RunResult& result, const RunOutput& output) {
-    double area = 0;
-    double impervious = 0;
-    for (const contracts::ZoneResult& zone : result.zones) {
-        area += zone.total_area;
-        impervious += zone.impervious_area;
-    }
+    const contracts::ZoneResult total = total_of(result);
     const QString records = qt(base::join_path(output.folder, output.layer_name));
     return {{"OUTPUT", qt(output.path())},
             {"REPORT", records + ".prm"},
             {"METADATA", records + ".met"},
             {"LAYER_FILE", records + ".lyr"},
             {"ZONE_COUNT", static_cast<int>(result.zones.size())},
-            {"TOTAL_AREA", area},
-            {"IMPERVIOUS_AREA", impervious}};
+            {"TOTAL_AREA", total.total_area},
+            {"IMPERVIOUS_AREA", total.impervious_area}};
 }
 
 /// \throws QgsProcessingException when there is no output.

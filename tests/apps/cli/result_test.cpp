@@ -11,6 +11,7 @@
 
 #include "apps/cli/result_json.h"
 #include "apps/cli/result_table.h"
+#include "hosting/run_totals.h"
 
 namespace kestrel::cli {
 namespace {
