@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: The Kestrel developers
 # SPDX-License-Identifier: MIT
 #
-# The ways in which targets are declared here: a library per folder, one more for its windows, a test program per subject.
+# The ways in which targets are declared here: the library of a room, the library of a room of windows, a test program.
 
 # Flags of every target: the language level, and what the presets switch on.
 add_library(kestrel_flags INTERFACE)
