@@ -10,7 +10,7 @@
 /// The one exception class of run-time errors, and the error numbers in use.
 ///
 /// An error carries what the call-stack report needs: number, source, description, and the line of the source that
-/// raised it. Errors of libraries are translated where `platform` calls the library, never in its callers.
+/// raised it. Errors of libraries are translated where polygons/ or data/ calls the library, never in its callers.
 namespace kestrel::base {
 
 /// Error numbers, the classic ones of this program family.

@@ -33,7 +33,7 @@ constexpr bool integral(FieldType type) {
 /// A value of a field: nothing (NULL), a whole number, a number, or text.
 using Value = std::variant<std::monostate, std::int64_t, double, std::string>;
 
-/// The value as text: empty for NULL, otherwise by the conversions of conversions.h.
+/// The value as text: empty for NULL, otherwise by the conversions of base/conversions.h.
 std::string text_of(const Value& value);
 
 /// The value as a number: 0 for NULL.

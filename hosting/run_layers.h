@@ -15,9 +15,8 @@ namespace kestrel {
 /// The layers of a run without a desktop, each with the name by which the map and the parameter file know it.
 ///
 /// A layer that is given no name is named after the layer inside its source when that was given, else after its file.
-/// Different sources never
-/// share a name: the second is "sheds (2)". The same source named twice is one layer, unless other features of it are
-/// selected.
+/// Different sources never share a name: the second is "sheds (2)". The same source named twice is one layer, unless
+/// other features of it are selected.
 class RunLayers {
   public:
     /// \return the layer's name.

@@ -14,7 +14,7 @@
 
 /// \file
 /// What the parameter form lists and how it completes names; the procedures that fill its controls are in
-/// parameter_controls.h.
+/// forms/analysis/parameter_controls.h.
 namespace kestrel::basISModelUtil {
 
 /// Which layers of the map a list holds.

@@ -15,7 +15,7 @@ class QgsRasterLayer;
 class QgsVectorLayer;
 
 /// \file
-/// Layers of a QGIS project by the platform's contracts. An object stays valid when its layer leaves the project; what
+/// Layers of a QGIS project by the contracts. An object stays valid when its layer leaves the project; what
 /// needs the layer then throws RuntimeError 91.
 namespace kestrel::qgis {
 
