@@ -11,7 +11,7 @@
 #include "base/errors.h"
 
 /// \file
-/// For this folder's own sources: what the file functions share.
+/// What functions of files share.
 namespace kestrel::base {
 
 /// A file descriptor that closes itself; negative for none.

@@ -5,8 +5,8 @@
 #include <string>
 
 /// \file
-/// For this folder's own sources: files as shapelib calls them. It seeks before every record, which would make each
-/// record a write of its own; these files gather what is written, and keep the reason of a failure.
+/// Private to this room: files as shapelib calls them. It seeks before every record, which would make each record a
+/// write of its own; these files gather what is written, and keep the reason of a failure.
 namespace kestrel::data {
 
 int* open_buffered_file(const char* name, const char* access);

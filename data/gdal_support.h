@@ -7,7 +7,7 @@
 #include "base/errors.h"
 
 /// \file
-/// For this folder's own sources: how GDAL is started, and how its errors become ours.
+/// Private to this room: how GDAL is started, and how its errors become ours.
 namespace kestrel::data {
 
 /// Registers the drivers once for the process, and keeps GDAL from printing errors and from taking much memory for its

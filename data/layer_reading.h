@@ -15,7 +15,7 @@ class OGRFeature;
 class OGRLayer;
 
 /// \file
-/// For this folder's own sources: layers of features as OGR reads them.
+/// Private to this room: layers of features as OGR reads them.
 namespace kestrel::data {
 
 /// A layer, the dataset that it lies in, and what to call it in messages; used on one thread at a time.

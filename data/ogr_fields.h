@@ -10,7 +10,7 @@ class OGRFeature;
 class OGRFeatureDefn;
 
 /// \file
-/// For this folder's own sources: OGR's fields and values as ours.
+/// Private to this room: OGR's fields and values as ours.
 namespace kestrel::data {
 
 std::vector<Field> fields_of(OGRFeatureDefn& definition);

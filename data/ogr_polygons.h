@@ -10,7 +10,7 @@
 class OGRGeometry;
 
 /// \file
-/// For this folder's own sources: polygons between OGR and PolygonSet.
+/// Private to this room: polygons between OGR and PolygonSet.
 namespace kestrel::data {
 
 enum class AppendResult { appended, no_polygon, not_finite };

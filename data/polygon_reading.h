@@ -14,7 +14,7 @@
 class OGRFeature;
 
 /// \file
-/// For this folder's own sources: features of OGR turned into polygons and columns of values.
+/// Private to this room: features of OGR turned into polygons and columns of values.
 namespace kestrel::data {
 
 /// The fields of a layer, and the positions of those that are read.

@@ -6,7 +6,7 @@
 #include <string>
 
 /// \file
-/// For this folder's own sources: the files of a shapefile as files.
+/// Private to this room: the files of a shapefile as files.
 namespace kestrel::data {
 
 /// Whether the device that holds `folder` has no room left.

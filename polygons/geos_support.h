@@ -15,7 +15,7 @@ struct GEOSGeom_t;
 struct GEOSPrepGeom_t;
 
 /// \file
-/// For this folder's own sources: GEOS with owners for what it allocates, and its errors as ours.
+/// Private to this room: GEOS with owners for what it allocates, and its errors as ours.
 namespace kestrel::polygons {
 
 /// A context of GEOS, used on one thread. What is made in it must not outlive it.

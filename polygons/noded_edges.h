@@ -9,7 +9,7 @@
 #include "polygons/polygons.h"
 
 /// \file
-/// For this folder's own sources: the edges of polygons, cut where they meet.
+/// Private to this room: the edges of polygons, cut where they meet.
 namespace kestrel::polygons {
 
 /// Points from south to north, and from west to east on a level.

@@ -10,8 +10,7 @@
 #include "polygons/polygons.h"
 
 /// \file
-/// For this folder's own sources: what those who join polygons share, points that are numbered and rings that are put
-/// together.
+/// Private to this room: what those who join polygons share, points that are numbered and rings that are put together.
 namespace kestrel::polygons {
 
 /// Gives every point a number, the same to equal points: 0 to the first that it is asked for, 1 to the next one that

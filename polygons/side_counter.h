@@ -11,7 +11,7 @@
 
 namespace kestrel::polygons {
 
-/// For this folder's own sources: counts the polygons on both sides of each of the edges that noded() gives.
+/// Private to this room: counts the polygons on both sides of each of the edges that noded() gives.
 ///
 /// A line is drawn to the middle of the edge from far outside, where no polygon is, and the polygons are counted that
 /// it enters and leaves; what lies beyond the edge differs by its `polygons_left`. The line comes from the west to
