@@ -13,7 +13,7 @@
 /// raised it. Errors of libraries are translated where polygons/ or data/ calls the library, never in its callers.
 namespace kestrel::base {
 
-/// Error numbers, the classic ones of this program family.
+/// Numbers of errors, as reports of errors show them.
 enum ErrorNumber : std::int32_t {
     kInvalidProcedureCall = 5,
     kOverflow = 6,

@@ -27,7 +27,7 @@ function(kestrel_library name)
   target_link_libraries(${name} PUBLIC kestrel_flags ${arg_DEPENDS} PRIVATE ${arg_PRIVATE_DEPENDS})
 endfunction()
 
-# kestrel_forms_library(<name> ...) is a kestrel_library() of windows: the only kind of target that links Qt Widgets.
+# kestrel_forms_library(<name> ...) is a kestrel_library() of windows, which link Qt Widgets.
 function(kestrel_forms_library name)
   kestrel_library(${name} ${ARGN})
   set_target_properties(${name} PROPERTIES AUTOMOC ON)

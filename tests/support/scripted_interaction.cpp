@@ -59,11 +59,11 @@ std::unique_ptr<reporting::WaitingWindow> ScriptedInteraction::waiting_window(st
 
 }  // namespace kestrel::test
 
-namespace kestrel::platform {
+namespace kestrel::reporting {
 
-void PrintTo(const reporting::MessageBox& box, std::ostream* stream) {
+void PrintTo(const MessageBox& box, std::ostream* stream) {
     *stream << "{text \"" << box.text << "\", title \"" << box.title << "\", icon " << static_cast<int>(box.icon)
             << ", buttons " << static_cast<int>(box.buttons) << "}";
 }
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::reporting

@@ -48,7 +48,7 @@ class ScriptedInteraction final : public reporting::Interaction {
 
 }  // namespace kestrel::test
 
-namespace kestrel::platform {
+namespace kestrel::reporting {
 /// So that a failed comparison prints the box.
-void PrintTo(const reporting::MessageBox& box, std::ostream* stream);
-}  // namespace kestrel::platform
+void PrintTo(const MessageBox& box, std::ostream* stream);
+}  // namespace kestrel::reporting
