@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "base/conversions.h"
 
-#include "base/errors.h"
-
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -11,6 +9,8 @@
 #include <cmath>
 #include <iterator>
 #include <limits>
+
+#include "base/errors.h"
 
 namespace kestrel::base {
 

@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "base/files.h"
 
-#include "base/file_descriptor.h"
-
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <stdlib.h>
@@ -16,6 +14,8 @@
 #include <atomic>
 #include <cerrno>
 #include <filesystem>
+
+#include "base/file_descriptor.h"
 
 namespace kestrel::base {
 

@@ -1,9 +1,5 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "base/files.h"
-
-#include "base/file_descriptor.h"
-
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -11,6 +7,10 @@
 
 #include <cerrno>
 #include <memory>
+
+#include "base/files.h"
+
+#include "base/file_descriptor.h"
 
 namespace kestrel::base {
 

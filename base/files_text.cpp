@@ -1,15 +1,15 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "base/files.h"
-
-#include "base/file_descriptor.h"
-#include "base/text.h"
-
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <utility>
+
+#include "base/files.h"
+
+#include "base/file_descriptor.h"
+#include "base/text.h"
 
 namespace kestrel::base {
 

@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "data/output_files.h"
 
-#include "base/errors.h"
-#include "base/files.h"
-#include "data/shapefile_members.h"
-
 #include <algorithm>
 #include <filesystem>
 #include <utility>
+
+#include "base/errors.h"
+#include "base/files.h"
+#include "data/shapefile_members.h"
 
 namespace kestrel::data {
 

@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "data/table.h"
 
-#include "base/errors.h"
-
 #include <algorithm>
 #include <bit>
 #include <functional>
 #include <utility>
+
+#include "base/errors.h"
 
 namespace kestrel::data {
 

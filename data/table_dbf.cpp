@@ -1,17 +1,17 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "base/text.h"
-#include "data/table.h"
-
-#include "base/files.h"
-#include "data/gdal_support.h"
-
 #include <fmt/format.h>
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
 #include <algorithm>
 #include <atomic>
+
+#include "base/text.h"
+#include "data/table.h"
+
+#include "base/files.h"
+#include "data/gdal_support.h"
 
 namespace kestrel::data {
 

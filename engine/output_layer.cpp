@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "engine/output_layer.h"
 
+#include <algorithm>
+
 #include "base/text.h"
 #include "data/shapefile_writer.h"
 #include "engine/basUtil.h"
-
-#include <algorithm>
 
 namespace kestrel {
 

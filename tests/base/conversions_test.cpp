@@ -2,9 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "base/conversions.h"
 
-#include "base/errors.h"
-#include "tests/support/error_of.h"
-
 #include <gtest/gtest.h>
 
 #include <charconv>
@@ -14,6 +11,9 @@
 #include <limits>
 #include <locale>
 #include <random>
+
+#include "base/errors.h"
+#include "tests/support/error_of.h"
 
 namespace kestrel::base {
 

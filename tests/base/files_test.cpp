@@ -2,12 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "base/files.h"
 
-#include "base/errors.h"
-#include "tests/support/error_of.h"
-#include "tests/support/test_files.h"
-#include "tests/support/tiny_disk.h"
-#include "tests/support/unprivileged.h"
-
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/stat.h>
@@ -16,6 +10,12 @@
 
 #include <filesystem>
 #include <map>
+
+#include "base/errors.h"
+#include "tests/support/error_of.h"
+#include "tests/support/test_files.h"
+#include "tests/support/tiny_disk.h"
+#include "tests/support/unprivileged.h"
 
 namespace kestrel::base {
 

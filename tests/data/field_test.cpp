@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "data/field.h"
 
-#include "tests/support/error_of.h"
-
 #include <gtest/gtest.h>
+
+#include "tests/support/error_of.h"
 
 namespace kestrel::data {
 

@@ -2,18 +2,18 @@
 // SPDX-License-Identifier: MIT
 #include "data/output_files.h"
 
-#include "base/errors.h"
-#include "base/files.h"
-#include "tests/support/error_of.h"
-#include "tests/support/test_files.h"
-#include "tests/support/unprivileged.h"
-
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
+
+#include "base/errors.h"
+#include "base/files.h"
+#include "tests/support/error_of.h"
+#include "tests/support/test_files.h"
+#include "tests/support/unprivileged.h"
 
 namespace kestrel::data {
 

@@ -1,8 +1,5 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "data/shapefile_writer.h"
-#include "data/shapefile_members.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/mount.h>
@@ -13,6 +10,9 @@
 #include <cstring>
 #include <fstream>
 #include <limits>
+
+#include "data/shapefile_members.h"
+#include "data/shapefile_writer.h"
 
 #include "base/errors.h"
 #include "base/files.h"

@@ -2,16 +2,16 @@
 // SPDX-License-Identifier: MIT
 #include "data/table.h"
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+
 #include "base/errors.h"
 #include "base/files.h"
 #include "tests/support/error_of.h"
 #include "tests/support/test_files.h"
 #include "tests/support/tiny_disk.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cstring>
 
 namespace kestrel::data {
 

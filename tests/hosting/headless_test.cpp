@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: The Kestrel developers
 // SPDX-License-Identifier: MIT
-#include "hosting/headless_application.h"
-#include "tests/support/error_of.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <functional>
+
+#include "hosting/headless_application.h"
+#include "tests/support/error_of.h"
 
 namespace kestrel::hosting {
 

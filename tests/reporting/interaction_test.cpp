@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "reporting/interaction.h"
 
-#include "tests/support/error_of.h"
-#include "tests/support/scripted_interaction.h"
-
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <thread>
+
+#include "tests/support/error_of.h"
+#include "tests/support/scripted_interaction.h"
 
 namespace kestrel::reporting {
 
