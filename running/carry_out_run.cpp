@@ -54,6 +54,24 @@ std::unique_ptr<base::FolderLock> locked(const std::string& folder, std::optiona
     }
 }
 
+/// Writes the parameter file. \return whether the one that is there, if any, is this run's: what an earlier run left,
+/// or what was cut by a full device, would give figures that nobody asked for.
+bool has_parameter_file(const std::string& extension_folder, const RunOrder& order) {
+    const std::string folder = base::join_path(extension_folder, "temp");
+    if (write_model_parameters(folder, kParameterFile, order.parameters, order.store, order.set_name, "")) {
+        return true;
+    }
+    const std::string path = base::join_path(folder, kParameterFile);
+    try {
+        if (base::file_exists(path)) {
+            base::remove_file(path);
+        }
+        return true;
+    } catch (const base::RuntimeError&) {
+        return false;  // why it cannot be written was told
+    }
+}
+
 /// Carries the run out, once all is checked and locked.
 void execute(contracts::Application& app, const std::string& extension_folder, const RunOrder& order,
              RunEnding& ending) {
@@ -86,10 +104,10 @@ RunEnding carry_out_run(contracts::Application& app, const std::string& extensio
     if (!lock || !order.begins()) {
         return ending;
     }
-    // Whether it was written is not asked: the run says so itself when there is no file to read. Intended.
-    write_model_parameters(base::join_path(extension_folder, "temp"), kParameterFile, order.parameters, order.store,
-                           order.set_name, "");
-    execute(app, extension_folder, order, ending);
+    // Where it cannot be written the run goes on, and says itself that there is no file to read. Intended.
+    if (has_parameter_file(extension_folder, order)) {
+        execute(app, extension_folder, order, ending);
+    }
     return ending;
 }
 

@@ -243,6 +243,18 @@ TEST_F(Run, UsesTheExtensionFolderThatIsNamed) {
     EXPECT_EQ(names_in(m_temporary.path()), std::vector<std::string>{});
 }
 
+TEST_F(Run, NeverRunsByAParameterFileThatItCouldNotWrite) {
+    ASSERT_EQ(run(m_data.arguments()).status, 0);
+    const std::string older = base::read_file(m_data / "out/is.dbf");
+    fs::create_directories(m_data / "ext/temp");
+    fs::create_symlink("/dev/full", m_data / "ext/temp/model_params.txt");
+    const CommandResult result =
+        run(more(m_data.with("--option", "high"), {"--overwrite", "--extension-folder", m_data / "ext"}));
+    EXPECT_EQ(result.status, 1) << result.err;
+    EXPECT_TRUE(holds(result.err, "The run ended without an output.")) << result.err;
+    EXPECT_EQ(base::read_file(m_data / "out/is.dbf"), older);
+}
+
 TEST_F(Run, TakesTheStoreOfTheExtensionFolderThatIsNamed) {
     fs::create_directories(m_data / "ext/etc");
     write_store(m_data / "ext/etc/isprops.xml", {"Own"});
