@@ -18,6 +18,7 @@
 #include "apps/cli/user_files.h"
 #include "base/files.h"
 #include "hosting/headless_run.h"
+#include "running/output_check.h"
 
 namespace kestrel::cli {
 
@@ -55,20 +56,26 @@ Ending execute(const RunRequest& request, ConsoleProgress& progress) {
     const StopSignals signals;
     const std::string store = store_path(request);
     const RunInputs inputs = checked_inputs(request, store);
+    const RunOutput output = output_of(request.output, request.layer_name);
     std::vector<std::string> files = inputs.layers.files();
     files.push_back(store);
+    const auto replacing = request.overwrite ? running::Replacing::allowed : running::Replacing::forbidden;
+    // Asked once more by the run itself; but what is wrong with the output is told before a folder is made.
+    if (const auto refusal = running::first_reason_against(output, files, replacing)) {
+        refuse("{}", refusal_text(*refusal));
+    }
     const RunFolder folder(request.extension_folder, user_contact_file());
-    HeadlessEnding ending = carry_out_headless(
-        {.layers = inputs.layers.layers(), .distance_units = inputs.distance_units},
-        {.parameters = inputs.parameters,
-         .output = output_of(request.output, request.layer_name),
-         .store = inputs.store,
-         .set_name = inputs.set_name,
-         .inputs = std::move(files),
-         .replacing = request.overwrite ? running::Replacing::allowed : running::Replacing::forbidden,
-         .threads = request.threads,
-         .keep_temp = request.keep_temp},
-        folder.path(), progress);
+    HeadlessEnding ending =
+        carry_out_headless({.layers = inputs.layers.layers(), .distance_units = inputs.distance_units},
+                           {.parameters = inputs.parameters,
+                            .output = output,
+                            .store = inputs.store,
+                            .set_name = inputs.set_name,
+                            .inputs = std::move(files),
+                            .replacing = replacing,
+                            .threads = request.threads,
+                            .keep_temp = request.keep_temp},
+                           folder.path(), progress);
     if (ending.run.refusal) {
         refuse("{}", refusal_text(*ending.run.refusal));
     }

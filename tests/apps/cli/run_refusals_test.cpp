@@ -249,6 +249,12 @@ TEST_F(RunRefusal, AnExtensionFolderThatIsMissing) {
                   "'. Make it, or leave --extension-folder out.\n");
 }
 
+TEST_F(RunRefusal, TheOutputIsLookedAtBeforeTheExtensionFolder) {
+    const std::string text = refusal(
+        more(m_data.without("--output"), {"--output", m_data / "none/is.shp", "--extension-folder", m_data / "none"}));
+    EXPECT_TRUE(starts(text, "The folder of the output does not exist")) << text;
+}
+
 TEST_F(RunRefusal, AnExtensionFolderThatAnotherRunUses) {
     fs::create_directories(m_data / "ext/temp");
     base::write_file(m_data / "ext/temp/other_run.txt", "x");
