@@ -9,6 +9,15 @@
 
 namespace kestrel {
 
+namespace {
+
+/// One text for all names of a file or folder; other sources are known by the text that names them.
+std::string identity_of(const std::string& source) {
+    return base::file_exists(source) || base::folder_exists(source) ? base::real_path(source) : source;
+}
+
+}  // namespace
+
 std::string layer_name_from(const std::string& wanted) {
     std::string name = base::to_utf8(wanted);
     std::replace_if(
@@ -31,15 +40,14 @@ std::string RunLayers::add_raster(const std::string& source, const std::string& 
     const std::string base = name.empty() ? base::base_name_of(base::file_name_of(source)) : name;
     const std::string given = distinct_name(layer_name_from(base.empty() ? source : base));
     m_layers.push_back(std::make_shared<hosting::HeadlessRasterLayer>(given, source));
-    m_identities.push_back("raster\n" + base::real_path(source));
+    m_identities.push_back("raster\n" + identity_of(source));
     m_files.push_back(source);
     return given;
 }
 
 std::string RunLayers::add_features(const data::FeatureSource& source, const data::FeatureClass& opened,
                                     std::vector<std::int64_t> selected, const std::string& name) {
-    std::string identity =
-        "features\n" + base::real_path(source.path) + "\n" + opened.layer_name() + "\n" + source.subset;
+    std::string identity = "features\n" + identity_of(source.path) + "\n" + opened.layer_name() + "\n" + source.subset;
     for (const std::int64_t id : selected) {
         identity += "\n" + base::text_of(id);
     }
