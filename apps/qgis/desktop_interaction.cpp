@@ -61,10 +61,11 @@ class ProgressInQgis final : public base::Progress {
 
 }  // namespace
 
+DesktopBoxes::DesktopBoxes(QgisInterface& iface)
+    : boxes({.beside_waiting_window = [&iface] { return std::make_unique<ProgressInQgis>(iface); }}) {}
+
 DesktopInteraction::DesktopInteraction(QgisInterface& iface)
-    : ForwardingInteraction(m_boxes),
-      m_iface(iface),
-      m_boxes({.beside_waiting_window = [&iface] { return std::make_unique<ProgressInQgis>(iface); }}) {}
+    : DesktopBoxes(iface), ForwardingInteraction(boxes), m_iface(iface) {}
 
 void DesktopInteraction::show_call_stack(std::string_view text) {
     log(text, Qgis::Critical);

@@ -13,10 +13,16 @@ class QgisInterface;
 
 namespace kestrel::qgis {
 
+/// What the interaction forwards to, made before it.
+struct DesktopBoxes {
+    explicit DesktopBoxes(QgisInterface& iface);
+    QtInteraction boxes;
+};
+
 /// How QGIS speaks with its user: boxes are those of Qt, warnings and the ends of runs stand in the message bar, and
 /// their details in the log. While a waiting window is up, the status bar shows the progress, too, and the map is not
 /// drawn: its files may change.
-class DesktopInteraction final : public reporting::ForwardingInteraction {
+class DesktopInteraction final : private DesktopBoxes, public reporting::ForwardingInteraction {
   public:
     explicit DesktopInteraction(QgisInterface& iface);
 
@@ -24,7 +30,7 @@ class DesktopInteraction final : public reporting::ForwardingInteraction {
     void notice(std::string_view text) override;
 
     /// As QtInteraction::progress().
-    base::Progress& progress() { return m_boxes.progress(); }
+    base::Progress& progress() { return boxes.progress(); }
     /// Tells how a run ended.
     void run_ended(const contracts::RunResult& result);
     /// Tells of something that does not work, and why.
@@ -32,7 +38,6 @@ class DesktopInteraction final : public reporting::ForwardingInteraction {
 
   private:
     QgisInterface& m_iface;
-    QtInteraction m_boxes;
 };
 
 }  // namespace kestrel::qgis

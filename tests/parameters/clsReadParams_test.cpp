@@ -265,7 +265,10 @@ TEST_F(ReadParams, CoefficientOptionIsOneOfFourOrNone) {
                                                                              {"3", CoefficientOption::by_density},
                                                                              {"4", std::nullopt},
                                                                              {"", std::nullopt},
-                                                                             {"20", std::nullopt}};
+                                                                             {"20", std::nullopt},
+                                                                             {"00", std::nullopt},
+                                                                             {" 1", std::nullopt},
+                                                                             {"High", std::nullopt}};
     for (const auto& [text, option] : options) {
         read("POPDENSITY#" + text + "\r\n");
         EXPECT_EQ(m_reader.PopulationDensity(), text);
