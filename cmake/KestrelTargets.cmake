@@ -34,6 +34,8 @@ function(kestrel_forms_library name)
   target_link_libraries(${name} PUBLIC Qt::Widgets)
 endfunction()
 
+option(KESTREL_JOIN_TESTS "Compile several sources of tests as one" ON)
+
 # Sources of tests are compiled quickly: they run for milliseconds, and spent half of the build in the optimiser. What
 # they are compared with (tests/support, tests/real) is optimised like the program.
 add_library(kestrel_test_flags INTERFACE)
@@ -52,11 +54,14 @@ function(kestrel_test_headers name)
   target_precompile_headers(${name} PRIVATE ${arg_HEADERS})
 endfunction()
 
-# kestrel_test_program(<name> SOURCES <file>... DEPENDS <target>... PRECOMPILED <target>)
+# kestrel_test_program(<name> SOURCES <file>... [ALONE <file>...] DEPENDS <target>... PRECOMPILED <target>)
+# Four sources are compiled as one, so that they share what they make of templates; those after ALONE, which have names
+# of their own for what others call the same, are not.
 function(kestrel_test_program name)
-  cmake_parse_arguments(arg "" "PRECOMPILED" "SOURCES;DEPENDS" ${ARGN})
-  add_executable(${name} ${arg_SOURCES})
-  set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
+  cmake_parse_arguments(arg "" "PRECOMPILED" "SOURCES;ALONE;DEPENDS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES} ${arg_ALONE})
+  set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF UNITY_BUILD ${KESTREL_JOIN_TESTS} UNITY_BUILD_BATCH_SIZE 4)
+  set_source_files_properties(${arg_ALONE} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
   target_link_libraries(${name} PRIVATE kestrel_test_flags kestrel_test_support ${arg_DEPENDS} GTest::gtest GTest::gmock)
   target_compile_definitions(${name} PRIVATE KESTREL_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   target_precompile_headers(${name} REUSE_FROM ${arg_PRECOMPILED})
@@ -83,19 +88,19 @@ function(kestrel_add_suites program)
   endforeach()
 endfunction()
 
-# kestrel_test(<name> SOURCES <file>... [DEPENDS <target>...] [LABELS <label>...])
+# kestrel_test(<name> SOURCES <file>... [ALONE <file>...] [DEPENDS <target>...] [LABELS <label>...])
 function(kestrel_test name)
-  cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS;LABELS" ${ARGN})
-  kestrel_test_program(${name} SOURCES ${arg_SOURCES} DEPENDS ${arg_DEPENDS} GTest::gtest_main
+  cmake_parse_arguments(arg "" "" "SOURCES;ALONE;DEPENDS;LABELS" ${ARGN})
+  kestrel_test_program(${name} SOURCES ${arg_SOURCES} ALONE ${arg_ALONE} DEPENDS ${arg_DEPENDS} GTest::gtest_main
                        PRECOMPILED kestrel_test_headers)
-  kestrel_add_suites(${name} SOURCES ${arg_SOURCES} LABELS ${arg_LABELS})
+  kestrel_add_suites(${name} SOURCES ${arg_SOURCES} ${arg_ALONE} LABELS ${arg_LABELS})
 endfunction()
 
-# kestrel_forms_test(<name> SOURCES <file>... [DEPENDS <target>...] [LABELS <label>...])
+# kestrel_forms_test(<name> SOURCES <file>... [ALONE <file>...] [DEPENDS <target>...] [LABELS <label>...])
 # A kestrel_test() of windows: without a screen, with a main() of its own that makes the QApplication.
 function(kestrel_forms_test name)
-  cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS;LABELS" ${ARGN})
-  kestrel_test_program(${name} SOURCES ${arg_SOURCES} DEPENDS kestrel_forms_test_support ${arg_DEPENDS} Qt::Widgets Qt::Test
-                       PRECOMPILED kestrel_forms_test_headers)
-  kestrel_add_suites(${name} SOURCES ${arg_SOURCES} LABELS ${arg_LABELS} ENVIRONMENT QT_QPA_PLATFORM=offscreen)
+  cmake_parse_arguments(arg "" "" "SOURCES;ALONE;DEPENDS;LABELS" ${ARGN})
+  kestrel_test_program(${name} SOURCES ${arg_SOURCES} ALONE ${arg_ALONE}
+                       DEPENDS kestrel_forms_test_support ${arg_DEPENDS} Qt::Widgets Qt::Test PRECOMPILED kestrel_forms_test_headers)
+  kestrel_add_suites(${name} SOURCES ${arg_SOURCES} ${arg_ALONE} LABELS ${arg_LABELS} ENVIRONMENT QT_QPA_PLATFORM=offscreen)
 endfunction()
