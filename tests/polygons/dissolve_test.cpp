@@ -21,7 +21,7 @@ namespace kestrel::polygons {
 namespace {
 
 TEST(Dissolve, JoinsNeighboursAcrossTheirSharedBorder) {
-    const auto set = set_of({{{box(0, 0, 1, 1)}}, {{box(1, 0, 2, 1)}}});
+    const auto set = set_of({{{rectangle(0, 0, 1, 1)}}, {{rectangle(1, 0, 2, 1)}}});
     const auto result = dissolved(set, {0, 0}, 1);
     ASSERT_EQ(result.feature_count(), 1U);
     EXPECT_EQ(result.polygon_count(), 1U);
@@ -30,12 +30,12 @@ TEST(Dissolve, JoinsNeighboursAcrossTheirSharedBorder) {
 }
 
 TEST(Dissolve, SingleFeatureIsPassedThroughAsItIs) {
-    const auto set = set_of({{{box(0, 0, 9, 9), box(1, 1, 2, 2)}, {box(20, 0, 21, 1)}}});
+    const auto set = set_of({{{rectangle(0, 0, 9, 9), rectangle(1, 1, 2, 2)}, {rectangle(20, 0, 21, 1)}}});
     EXPECT_TRUE(equal(dissolved(set, {0}, 1), set));
 }
 
 TEST(Dissolve, EmptyFeaturesAndGroupsStayEmpty) {
-    const auto set = set_of({{}, {{box(0, 0, 1, 1)}}, {}});
+    const auto set = set_of({{}, {{rectangle(0, 0, 1, 1)}}, {}});
     const auto result = dissolved(set, {0, 2, 2}, 4);
     ASSERT_EQ(result.feature_count(), 4U);
     EXPECT_TRUE(result.empty(0));
@@ -46,7 +46,7 @@ TEST(Dissolve, EmptyFeaturesAndGroupsStayEmpty) {
 }
 
 TEST(Dissolve, OverlapsCountOnce) {
-    const auto set = set_of({{{box(0, 0, 2, 2)}}, {{box(1, 1, 3, 3)}}, {{box(0, 0, 2, 2)}}});
+    const auto set = set_of({{{rectangle(0, 0, 2, 2)}}, {{rectangle(1, 1, 3, 3)}}, {{rectangle(0, 0, 2, 2)}}});
     const auto result = dissolved(set, {0, 0, 0}, 1);
     EXPECT_NEAR(result.area(0), 7.0, 1e-12);
     EXPECT_TRUE(is_valid(result));
@@ -64,14 +64,14 @@ TEST(Dissolve, RingAroundAnotherGroupHasAHole) {
 }
 
 TEST(Dissolve, HoleThatAnotherFeatureFillsDisappears) {
-    const auto set = set_of({{{box(0, 0, 3, 3), box(1, 1, 2, 2)}}, {{box(1, 1, 2, 2)}}});
+    const auto set = set_of({{{rectangle(0, 0, 3, 3), rectangle(1, 1, 2, 2)}}, {{rectangle(1, 1, 2, 2)}}});
     const auto result = dissolved(set, {0, 0}, 1);
     EXPECT_EQ(result.ring_count(), 1U);
     EXPECT_EQ(result.area(0), 9.0);
 }
 
 TEST(Dissolve, PartsThatTouchInAPointStayPolygonsOfTheirOwn) {
-    const auto set = set_of({{{box(0, 0, 1, 1)}}, {{box(1, 1, 2, 2)}}});
+    const auto set = set_of({{{rectangle(0, 0, 1, 1)}}, {{rectangle(1, 1, 2, 2)}}});
     const auto result = dissolved(set, {0, 0}, 1);
     EXPECT_EQ(result.polygon_count(), 2U);
     EXPECT_EQ(result.area(0), 2.0);

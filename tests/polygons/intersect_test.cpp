@@ -46,8 +46,8 @@ std::vector<std::pair<std::size_t, std::size_t>> origins(const std::vector<Piece
 }
 
 TEST(Intersect, PiecesComeByInputThenByOverlay) {
-    const auto input = set_of({{{box(0, 0, 4, 1)}}, {{box(0, 1, 4, 2)}}});
-    const auto overlay = set_of({{{box(3, 0, 5, 2)}}, {{box(-1, 0, 1, 2)}}, {{box(1, 0, 3, 2)}}});
+    const auto input = set_of({{{rectangle(0, 0, 4, 1)}}, {{rectangle(0, 1, 4, 2)}}});
+    const auto overlay = set_of({{{rectangle(3, 0, 5, 2)}}, {{rectangle(-1, 0, 1, 2)}}, {{rectangle(1, 0, 3, 2)}}});
     using Pair = std::pair<std::size_t, std::size_t>;
     const auto pieces = pieces_of(input, overlay);
     EXPECT_THAT(origins(pieces),
@@ -58,15 +58,15 @@ TEST(Intersect, PiecesComeByInputThenByOverlay) {
 }
 
 TEST(Intersect, WhatOnlyTouchesIsNoPiece) {
-    const auto input = set_of({{{box(0, 0, 1, 1)}}});
-    const auto overlay = set_of({{{box(1, 0, 2, 1)}}, {{box(1, 1, 2, 2)}}, {{box(5, 5, 6, 6)}}});
+    const auto input = set_of({{{rectangle(0, 0, 1, 1)}}});
+    const auto overlay = set_of({{{rectangle(1, 0, 2, 1)}}, {{rectangle(1, 1, 2, 2)}}, {{rectangle(5, 5, 6, 6)}}});
     EXPECT_TRUE(pieces_of(input, overlay).empty());
 }
 
 TEST(Intersect, PieceThatAlsoTouchesElsewhereHoldsItsAreaOnly) {
     // They share the box from 0,0 to 1,1, and a stretch of border at x = 3.
-    const auto input = set_of({{{box(0, 0, 1, 1)}, {box(2, 0, 3, 1)}}});
-    const auto overlay = set_of({{{box(-1, -1, 1, 2)}, {box(3, 0, 4, 1)}}});
+    const auto input = set_of({{{rectangle(0, 0, 1, 1)}, {rectangle(2, 0, 3, 1)}}});
+    const auto overlay = set_of({{{rectangle(-1, -1, 1, 2)}, {rectangle(3, 0, 4, 1)}}});
     std::size_t count = 0;
     intersect(input, overlay, [&](std::size_t, std::size_t, const PolygonSet& piece) {
         EXPECT_EQ(piece.polygon_count(), 1U);
@@ -78,8 +78,8 @@ TEST(Intersect, PieceThatAlsoTouchesElsewhereHoldsItsAreaOnly) {
 }
 
 TEST(Intersect, ContainedFeaturesAreHandedOverAsTheyAre) {
-    const auto large = set_of({{{box(0, 0, 9, 9), box(6, 6, 7, 7)}}});
-    const auto small = set_of({{{box(1, 1, 4, 4), box(2, 2, 3, 3)}}});
+    const auto large = set_of({{{rectangle(0, 0, 9, 9), rectangle(6, 6, 7, 7)}}});
+    const auto small = set_of({{{rectangle(1, 1, 4, 4), rectangle(2, 2, 3, 3)}}});
     const auto expect_small = [&](std::size_t, std::size_t, const PolygonSet& piece) {
         EXPECT_TRUE(equal(piece, small));
         return true;
@@ -92,14 +92,14 @@ TEST(Intersect, ContainedFeaturesAreHandedOverAsTheyAre) {
 }
 
 TEST(Intersect, FeatureInsideAHoleIsNoPiece) {
-    const auto ring = set_of({{{box(0, 0, 9, 9), box(3, 3, 6, 6)}}});
-    const auto inside = set_of({{{box(4, 4, 5, 5)}}, {{box(3, 3, 6, 6)}}});
+    const auto ring = set_of({{{rectangle(0, 0, 9, 9), rectangle(3, 3, 6, 6)}}});
+    const auto inside = set_of({{{rectangle(4, 4, 5, 5)}}, {{rectangle(3, 3, 6, 6)}}});
     EXPECT_TRUE(pieces_of(ring, inside).empty());
     EXPECT_TRUE(pieces_of(inside, ring).empty());
 }
 
 TEST(Intersect, EmptyFeaturesHaveNoPieces) {
-    const auto some = set_of({{}, {{box(0, 0, 1, 1)}}, {}});
+    const auto some = set_of({{}, {{rectangle(0, 0, 1, 1)}}, {}});
     const auto pieces = pieces_of(some, some);
     ASSERT_EQ(pieces.size(), 1U);
     EXPECT_EQ(pieces[0].input, 1U);
@@ -116,8 +116,8 @@ TEST(Intersect, StopsWhenTheVisitorHasEnough) {
 }
 
 TEST(Intersect, OverlappingOverlaysEachGetTheirPiece) {
-    const auto input = set_of({{{box(0, 0, 4, 4)}}});
-    const auto overlay = set_of({{{box(1, 1, 3, 5)}}, {{box(2, 2, 6, 3)}}, {{box(1, 1, 3, 5)}}});
+    const auto input = set_of({{{rectangle(0, 0, 4, 4)}}});
+    const auto overlay = set_of({{{rectangle(1, 1, 3, 5)}}, {{rectangle(2, 2, 6, 3)}}, {{rectangle(1, 1, 3, 5)}}});
     const auto pieces = pieces_of(input, overlay);
     ASSERT_EQ(pieces.size(), 3U);
     EXPECT_NEAR(pieces[0].area, 6.0, 1e-12);
@@ -127,9 +127,9 @@ TEST(Intersect, OverlappingOverlaysEachGetTheirPiece) {
 
 TEST(Intersect, PiecesOfTwoPartitionsAddUp) {
     const auto input = partition(10, 21);
-    PolygonSet overlay = set_of({{{box(299990, 4099990, 300004.3, 4100020)}},
-                                 {{box(300004.3, 4099990, 300020, 4100006.7)}},
-                                 {{box(300004.3, 4100006.7, 300020, 4100020)}}});
+    PolygonSet overlay = set_of({{{rectangle(299990, 4099990, 300004.3, 4100020)}},
+                                 {{rectangle(300004.3, 4099990, 300020, 4100006.7)}},
+                                 {{rectangle(300004.3, 4100006.7, 300020, 4100020)}}});
     std::vector<double> sums(input.feature_count(), 0);
     for (const Piece& piece : pieces_of(input, overlay)) {
         sums[piece.input] += piece.area;

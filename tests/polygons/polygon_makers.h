@@ -45,7 +45,7 @@ inline PolygonSet set_of(const std::vector<std::vector<Polygon>>& features) {
     return set;
 }
 
-inline Ring box(double x0, double y0, double x1, double y1) {
+inline Ring rectangle(double x0, double y0, double x1, double y1) {
     return {{x0, y0}, {x1, y0}, {x1, y1}, {x0, y1}, {x0, y0}};
 }
 

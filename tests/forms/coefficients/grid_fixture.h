@@ -6,7 +6,7 @@
 
 namespace kestrel::test {
 
-using GridCell = basISModelPropsUtil::GridCell;
+using basISModelPropsUtil::GridCell;
 
 inline const reporting::MessageBox kNoInteger = {"Invalid value entered - Class Value must be an integer.", "",
                                                  reporting::Icon::exclamation, reporting::Buttons::ok};
