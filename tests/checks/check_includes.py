@@ -21,8 +21,8 @@ ROOMS = [
     "parameters",
     "records",
     "engine",
-    "answer",
-    "outputs",
+    "answer",  # planned: what a run means, as plain data
+    "outputs",  # planned: writers of an answer
     "running",
     "forms/desktop",
     "forms/coefficients",
