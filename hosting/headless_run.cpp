@@ -8,10 +8,9 @@
 #include "hosting/headless_application.h"
 #include "hosting/raster_analysis.h"
 
-namespace kestrel {
+namespace kestrel::hosting {
 
 using base::RuntimeError;
-using hosting::HeadlessApplication;
 
 namespace {
 
@@ -35,7 +34,7 @@ std::string new_folder(const std::string& parent) {
 
 HeadlessEnding carry_out_headless(const HeadlessMapContents& map, running::RunOrder order,
                                   const std::string& extension_folder, base::Progress& progress) {
-    hosting::HeadlessApplication application(progress);
+    HeadlessApplication application(progress);
     fill_map(application, map);
     clsExtension extension(extension_folder);
     RasterAnalysis raster_analysis;
@@ -74,4 +73,4 @@ PrivateRunFolder::~PrivateRunFolder() {
     }
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::hosting

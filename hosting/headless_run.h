@@ -11,7 +11,7 @@
 #include "contracts/run_result.h"
 #include "running/carry_out_run.h"
 
-namespace kestrel {
+namespace kestrel::hosting {
 
 /// What a run without a desktop has beside its order: the map.
 struct HeadlessMapContents {
@@ -47,4 +47,4 @@ class PrivateRunFolder {
     std::string m_path;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::hosting

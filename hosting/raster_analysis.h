@@ -6,7 +6,7 @@
 
 #include "contracts/extension.h"
 
-namespace kestrel {
+namespace kestrel::hosting {
 
 /// The raster analysis that runs ask their host for. It is part of the program, so every host has it; a desktop lets
 /// its user switch it off.
@@ -21,4 +21,4 @@ class RasterAnalysis final : public contracts::IExtensionConfig {
     std::int32_t m_state = contracts::kExtensionEnabled;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::hosting

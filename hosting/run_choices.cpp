@@ -9,7 +9,7 @@
 #include "coefficients/clsISLCDef.h"
 #include "coefficients/clsLCClass.h"
 
-namespace kestrel {
+namespace kestrel::hosting {
 
 std::string units_of(const data::SpatialReference& reference) {
     const double metres = reference.known() ? reference.metres_per_unit().value_or(0) : 0;
@@ -31,4 +31,4 @@ std::string class_name(const clsISModelProperties& store, const std::string& set
     return base::text_of(code);
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::hosting

@@ -7,7 +7,7 @@
 #include "base/conversions.h"
 #include "base/files.h"
 
-namespace kestrel {
+namespace kestrel::hosting {
 
 namespace {
 
@@ -39,7 +39,7 @@ std::string RunLayers::distinct_name(const std::string& wanted) const {
 std::string RunLayers::add_raster(const std::string& source, const std::string& name) {
     const std::string base = name.empty() ? base::base_name_of(base::file_name_of(source)) : name;
     const std::string given = distinct_name(layer_name_from(base.empty() ? source : base));
-    m_layers.push_back(std::make_shared<hosting::HeadlessRasterLayer>(given, source));
+    m_layers.push_back(std::make_shared<HeadlessRasterLayer>(given, source));
     m_identities.push_back("raster\n" + identity_of(source));
     m_files.push_back(source);
     return given;
@@ -60,10 +60,10 @@ std::string RunLayers::add_features(const data::FeatureSource& source, const dat
         base = base::base_name_of(base::file_name_of(source.path));
     }
     const std::string given = distinct_name(layer_name_from(base.empty() ? opened.layer_name() : base));
-    m_layers.push_back(std::make_shared<hosting::HeadlessFeatureLayer>(given, source, std::move(selected)));
+    m_layers.push_back(std::make_shared<HeadlessFeatureLayer>(given, source, std::move(selected)));
     m_identities.push_back(std::move(identity));
     m_files.push_back(data::FeatureSource{.path = source.path, .layer_name = opened.layer_name()}.file());
     return given;
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::hosting

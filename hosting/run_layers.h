@@ -10,7 +10,7 @@
 #include "data/feature_class.h"
 #include "hosting/headless_map.h"
 
-namespace kestrel {
+namespace kestrel::hosting {
 
 /// The layers of a run without a desktop, each with the name by which the map and the parameter file know it.
 ///
@@ -43,4 +43,4 @@ class RunLayers {
 /// A name as it can stand in the parameter file: "#", which would cut it, and control characters become "_".
 std::string layer_name_from(const std::string& wanted);
 
-}  // namespace kestrel
+}  // namespace kestrel::hosting

@@ -4,7 +4,7 @@
 
 #include "base/conversions.h"
 
-namespace kestrel {
+namespace kestrel::hosting {
 
 contracts::ZoneResult total_of(const contracts::RunResult& result) {
     contracts::ZoneResult total;
@@ -23,4 +23,4 @@ contracts::ZoneResult total_of(const contracts::RunResult& result) {
     return total;
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::hosting

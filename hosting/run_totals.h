@@ -4,9 +4,9 @@
 
 #include "contracts/run_result.h"
 
-namespace kestrel {
+namespace kestrel::hosting {
 
 /// The total of all zones, areas with 6 decimals as the zones have them; its percent is that of the whole area.
 contracts::ZoneResult total_of(const contracts::RunResult& result);
 
-}  // namespace kestrel
+}  // namespace kestrel::hosting

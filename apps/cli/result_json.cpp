@@ -119,7 +119,7 @@ void write_zones(std::ostream& out, const std::vector<ZoneResult>& zones) {
 }
 
 ordered_json totals(const RunResult& result) {
-    const ZoneResult total = total_of(result);
+    const ZoneResult total = hosting::total_of(result);
     return {
         {"zones", result.zones.size()}, {"total_area", total.total_area}, {"impervious_area", total.impervious_area},
         {"percent", total.percent},     {"cells", total.cells},           {"nodata_cells", total.nodata_cells}};

@@ -39,7 +39,7 @@ Line line_of(const ZoneResult& zone) {
 }
 
 Line total_line(const RunResult& result) {
-    Line line = line_of(total_of(result));
+    Line line = line_of(hosting::total_of(result));
     line[kValue] = fmt::format("Total of {}", result.zones.size());
     line[kComplete].clear();
     line[kRemarks].clear();

@@ -65,17 +65,17 @@ Ending execute(const RunRequest& request, ConsoleProgress& progress) {
         refuse("{}", refusal_text(*refusal));
     }
     const RunFolder folder(request.extension_folder, user_contact_file());
-    HeadlessEnding ending =
-        carry_out_headless({.layers = inputs.layers.layers(), .distance_units = inputs.distance_units},
-                           {.parameters = inputs.parameters,
-                            .output = output,
-                            .store = inputs.store,
-                            .set_name = inputs.set_name,
-                            .inputs = std::move(files),
-                            .replacing = replacing,
-                            .threads = request.threads,
-                            .keep_temp = request.keep_temp},
-                           folder.path(), progress);
+    hosting::HeadlessEnding ending =
+        hosting::carry_out_headless({.layers = inputs.layers.layers(), .distance_units = inputs.distance_units},
+                                    {.parameters = inputs.parameters,
+                                     .output = output,
+                                     .store = inputs.store,
+                                     .set_name = inputs.set_name,
+                                     .inputs = std::move(files),
+                                     .replacing = replacing,
+                                     .threads = request.threads,
+                                     .keep_temp = request.keep_temp},
+                                    folder.path(), progress);
     if (ending.run.refusal) {
         refuse("{}", refusal_text(*ending.run.refusal));
     }

@@ -10,9 +10,9 @@ namespace kestrel::cli {
 
 namespace {
 
-std::unique_ptr<PrivateRunFolder> private_folder(const std::string& contact_file) {
+std::unique_ptr<hosting::PrivateRunFolder> private_folder(const std::string& contact_file) {
     try {
-        return std::make_unique<PrivateRunFolder>(contact_file);
+        return std::make_unique<hosting::PrivateRunFolder>(contact_file);
     } catch (const base::RuntimeError& error) {
         refuse("{}. Set TMPDIR, or give --extension-folder.", error.description());
     }

@@ -21,7 +21,7 @@ class RunFolder {
     const std::string& path() const noexcept { return m_path; }
 
   private:
-    std::unique_ptr<PrivateRunFolder> m_private;
+    std::unique_ptr<hosting::PrivateRunFolder> m_private;
     std::string m_path;
 };
 

@@ -107,7 +107,7 @@ std::string chosen_units(const RunRequest& request, const RasterDataset& land_co
     if (!request.units.empty()) {
         return request.units;
     }
-    const std::string own = units_of(reference);
+    const std::string own = hosting::units_of(reference);
     if (own.empty()) {
         refuse("The land cover '{}' does not say that it is in metres or feet. Give --units Meters or --units Feet.",
                request.land_cover);
@@ -166,7 +166,7 @@ void add_scenarios(RunInputs& inputs, const RunRequest& request) {
         const FeatureSource source = FeatureSource::parse(scenario.source);
         const FeatureClass polygons = open_polygons("--scenario", source);
         inputs.parameters.scenarios.push_back({++number, inputs.layers.add_features(source, polygons),
-                                               class_name(inputs.store, inputs.set_name, scenario.code),
+                                               hosting::class_name(inputs.store, inputs.set_name, scenario.code),
                                                base::text_of(scenario.code)});
     }
 }

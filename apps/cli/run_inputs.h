@@ -15,7 +15,7 @@ namespace kestrel::cli {
 
 /// The inputs of a run, opened, checked and named.
 struct RunInputs {
-    RunLayers layers;
+    hosting::RunLayers layers;
     contracts::DistanceUnits distance_units = contracts::kUnknownUnits;
     clsISModelProperties store;
     std::string set_name;

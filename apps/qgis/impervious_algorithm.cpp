@@ -66,7 +66,7 @@ void check_name(const RunOutput& output) {
 }
 
 QVariantMap outputs_of(const contracts::RunResult& result, const RunOutput& output) {
-    const contracts::ZoneResult total = total_of(result);
+    const contracts::ZoneResult total = hosting::total_of(result);
     const QString records = qt(base::join_path(output.folder, output.layer_name));
     return {{"OUTPUT", qt(output.path())},
             {"REPORT", records + ".prm"},
@@ -99,9 +99,9 @@ struct ImperviousAlgorithm::Prepared {
         : folder(contact_file),
           copies(std::make_shared<LayerCopies>([this] { return base::join_path(folder.path(), "layers"); })) {}
 
-    PrivateRunFolder folder;
+    hosting::PrivateRunFolder folder;
     std::shared_ptr<LayerCopies> copies;
-    RunLayers layers;
+    hosting::RunLayers layers;
     contracts::DistanceUnits distance_units = contracts::kUnknownUnits;
     clsISModelProperties store;
     std::string store_path;
@@ -146,7 +146,7 @@ void ImperviousAlgorithm::prepare_land_cover(const QVariantMap& parameters, QgsP
     }
     std::string units = text_of(kUnits.value(parameterAsEnum(parameters, "UNITS", context)));
     if (units.empty()) {
-        units = units_of(data::RasterDataset::open(source).spatial_reference());
+        units = hosting::units_of(data::RasterDataset::open(source).spatial_reference());
     }
     if (units.empty()) {
         refuse("The land cover does not say that it is in metres or feet: choose its units.");
@@ -223,7 +223,7 @@ void ImperviousAlgorithm::prepare_scenarios(const QVariantMap& parameters, QgsPr
             refuse(QStringLiteral("Scenario %1: '%2' is no class code.").arg(number).arg(code_text));
         }
         prepared.parameters.scenarios.push_back({number, add_polygons(*layer, false),
-                                                 class_name(prepared.store, prepared.set_name, code),
+                                                 hosting::class_name(prepared.store, prepared.set_name, code),
                                                  base::text_of(code)});
     }
 }
@@ -269,15 +269,15 @@ QVariantMap ImperviousAlgorithm::processAlgorithm(const QVariantMap& parameters,
         std::vector<std::string> inputs = prepared->layers.files();
         inputs.push_back(prepared->store_path);
         check_name(output);
-        const HeadlessEnding ending =
-            carry_out_headless({.layers = prepared->layers.layers(), .distance_units = prepared->distance_units},
-                               {.parameters = prepared->parameters,
-                                .output = output,
-                                .store = prepared->store,
-                                .set_name = prepared->set_name,
-                                .inputs = inputs,
-                                .replacing = running::Replacing::allowed},
-                               prepared->folder.path(), progress);
+        const hosting::HeadlessEnding ending = hosting::carry_out_headless(
+            {.layers = prepared->layers.layers(), .distance_units = prepared->distance_units},
+            {.parameters = prepared->parameters,
+             .output = output,
+             .store = prepared->store,
+             .set_name = prepared->set_name,
+             .inputs = inputs,
+             .replacing = running::Replacing::allowed},
+            prepared->folder.path(), progress);
         if (ending.run.refusal) {
             refuse(qt(ending.run.refusal->reason));
         }

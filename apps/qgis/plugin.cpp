@@ -90,7 +90,7 @@ struct KestrelPlugin::Running {
 
     DesktopInteraction interaction;
     reporting::ScopedInteraction scope{interaction};
-    RasterAnalysis raster_analysis;
+    hosting::RasterAnalysis raster_analysis;
     DesktopApplication application;
     ExtensionList extensions;
     hosting::HostedExtension kestrel;

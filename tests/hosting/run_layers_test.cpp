@@ -8,7 +8,7 @@
 
 #include "tests/apps/cli/run_data.h"
 
-namespace kestrel {
+namespace kestrel::hosting {
 namespace {
 
 namespace fs = std::filesystem;
@@ -106,4 +106,4 @@ TEST_F(RunLayersTest, LayersStandInTheOrderInWhichTheyWereNamed) {
 }
 
 }  // namespace
-}  // namespace kestrel
+}  // namespace kestrel::hosting

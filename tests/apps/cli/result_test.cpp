@@ -105,14 +105,14 @@ TEST(ResultTable, TotalsHaveTheSixDecimalsOfTheZones) {
     RunResult result;
     result.zones = {{.value = "a", .total_area = 0.1, .impervious_area = 0.1},
                     {.value = "b", .total_area = 0.2, .impervious_area = 0.2}};
-    EXPECT_EQ(total_of(result).total_area, 0.3);
-    EXPECT_EQ(total_of(result).impervious_area, 0.3);
+    EXPECT_EQ(hosting::total_of(result).total_area, 0.3);
+    EXPECT_EQ(hosting::total_of(result).impervious_area, 0.3);
 }
 
 TEST(ResultTable, NoAreaGivesNoPercent) {
     RunResult result;
     result.zones = {{.value = "1"}};
-    EXPECT_EQ(total_of(result).percent, 0);
+    EXPECT_EQ(hosting::total_of(result).percent, 0);
 }
 
 TEST(UnknownClasses, AreAllListedWithTheirCells) {

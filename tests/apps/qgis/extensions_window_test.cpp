@@ -34,7 +34,7 @@ class ExtensionsWindowTest : public testing::Test {
 
     TemporaryFolder folder;
     clsExtension kestrel{folder.path()};
-    RasterAnalysis raster;
+    hosting::RasterAnalysis raster;
     qgis::ExtensionList list;
 };
 
@@ -45,7 +45,7 @@ TEST_F(ExtensionsWindowTest, BothAreOnAtFirst) {
 TEST_F(ExtensionsWindowTest, StatesAreKeptForTheNextStart) {
     qgis::ExtensionList::switch_on(list.entries()[1], false);
     EXPECT_THAT(states(), ElementsAre(contracts::kExtensionEnabled, contracts::kExtensionDisabled));
-    RasterAnalysis of_next_start;
+    hosting::RasterAnalysis of_next_start;
     clsExtension other(folder.path());
     qgis::ExtensionList next;
     next.add(contracts::kKestrelExtension, other);
