@@ -96,11 +96,19 @@ function(kestrel_test name)
   kestrel_add_suites(${name} SOURCES ${arg_SOURCES} ${arg_ALONE} LABELS ${arg_LABELS})
 endfunction()
 
-# kestrel_forms_test(<name> SOURCES <file>... [ALONE <file>...] [DEPENDS <target>...] [LABELS <label>...])
-# A kestrel_test() of windows: without a screen, with a main() of its own that makes the QApplication.
+# kestrel_forms_test(<name> SOURCES <file>... [ALONE <file>...] [DEPENDS <target>...] [LABELS <label>...] [EACH_CASE])
+# A kestrel_test() of windows: without a screen, with a main() of its own that makes the QApplication. With EACH_CASE every
+# case is an entry of its own: for cases that need a process which nothing has happened in.
 function(kestrel_forms_test name)
-  cmake_parse_arguments(arg "" "" "SOURCES;ALONE;DEPENDS;LABELS" ${ARGN})
+  cmake_parse_arguments(arg "EACH_CASE" "" "SOURCES;ALONE;DEPENDS;LABELS" ${ARGN})
   kestrel_test_program(${name} SOURCES ${arg_SOURCES} ALONE ${arg_ALONE}
-                       DEPENDS kestrel_forms_test_support ${arg_DEPENDS} Qt::Widgets Qt::Test PRECOMPILED kestrel_forms_test_headers)
-  kestrel_add_suites(${name} SOURCES ${arg_SOURCES} ${arg_ALONE} LABELS ${arg_LABELS} ENVIRONMENT QT_QPA_PLATFORM=offscreen)
+                       DEPENDS kestrel_forms_test_support ${arg_DEPENDS} Qt::Widgets Qt::Test
+                       PRECOMPILED kestrel_forms_test_headers)
+  if(arg_EACH_CASE)
+    gtest_discover_tests(${name} PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 300 ENVIRONMENT QT_QPA_PLATFORM=offscreen
+                         DISCOVERY_TIMEOUT 120)
+  else()
+    kestrel_add_suites(${name} SOURCES ${arg_SOURCES} ${arg_ALONE} LABELS ${arg_LABELS}
+                       ENVIRONMENT QT_QPA_PLATFORM=offscreen)
+  endif()
 endfunction()
