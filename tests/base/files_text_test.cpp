@@ -19,7 +19,7 @@ using test::names_in;
 using test::TemporaryFolder;
 using test::TinyDisk;
 
-using Names = std::vector<std::string>;
+using Lines = std::vector<std::string>;
 
 TEST(Utf8, ValidTextStaysAndALeadingByteOrderMarkGoes) {
     EXPECT_EQ(to_utf8("Z\xC3\xBCrich \xE2\x82\xAC \xF0\x9F\x8C\x8D"), "Z\xC3\xBCrich \xE2\x82\xAC \xF0\x9F\x8C\x8D");
@@ -56,15 +56,15 @@ TEST(Utf8, OverlongFormsSurrogatesAndWhatLiesBeyondUnicodeAreNotValid) {
 }
 
 TEST(SplitLines, EndAtCrLfOrLf) {
-    EXPECT_EQ(split_lines("a\r\nb\nc"), (Names{"a", "b", "c"}));
-    EXPECT_EQ(split_lines("a\r\n"), Names{"a"});
-    EXPECT_EQ(split_lines("a\n\r\n\nb\n"), (Names{"a", "", "", "b"}));
-    EXPECT_EQ(split_lines(""), Names{});
-    EXPECT_EQ(split_lines("\n"), Names{""});
+    EXPECT_EQ(split_lines("a\r\nb\nc"), (Lines{"a", "b", "c"}));
+    EXPECT_EQ(split_lines("a\r\n"), Lines{"a"});
+    EXPECT_EQ(split_lines("a\n\r\n\nb\n"), (Lines{"a", "", "", "b"}));
+    EXPECT_EQ(split_lines(""), Lines{});
+    EXPECT_EQ(split_lines("\n"), Lines{""});
 }
 
 TEST(SplitLines, ALoneCarriageReturnIsPartOfTheLine) {
-    EXPECT_EQ(split_lines("a\rb\r\r\n"), Names{"a\rb\r"});
+    EXPECT_EQ(split_lines("a\rb\r\r\n"), Lines{"a\rb\r"});
 }
 
 TEST(TextWriter, EndsEveryLineWithCrLfAndWritesNoByteOrderMark) {

@@ -15,11 +15,13 @@
 #include "base/errors.h"
 #include "base/files.h"
 #include "data/shapefile_writer.h"
+#include "tests/support/error_of.h"
 #include "tests/support/test_files.h"
 
 namespace kestrel::data {
 namespace {
 
+using test::error_of;
 using test::TemporaryFolder;
 using ::testing::AllOf;
 using ::testing::ElementsAre;
@@ -28,15 +30,6 @@ using Names = std::vector<std::string>;
 using Ids = std::vector<std::int64_t>;
 
 constexpr std::monostate kNull;
-
-base::RuntimeError error_of(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const base::RuntimeError& error) {
-        return error;
-    }
-    return {0, "no error"};
-}
 
 /// A table of comma-separated values whose first column, WKT, is the geometry. OGR takes its layer for one of any
 /// geometry type, and reads the types of the other columns from the file beside it.

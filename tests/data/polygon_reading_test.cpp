@@ -27,7 +27,7 @@ using ::testing::HasSubstr;
 using Names = std::vector<std::string>;
 
 // More than are read as one item of work, and no multiple of it.
-constexpr int kCount = 5300;
+constexpr int kFeatures = 5300;
 
 /// Features of none to three triangles, some with a hole; the fields N and NAME, some values NULL.
 std::string write_layer(const std::string& path, int count) {
@@ -81,9 +81,9 @@ void expect_same(const PolygonFeatures& one, const PolygonFeatures& other) {
 
 TEST(PolygonReading, IsTheSameWithAnyNumberOfThreadsAndFeatureByFeature) {
     const TemporaryFolder folder;
-    const auto layer = FeatureClass::open({write_layer(folder / "zones.shp", kCount)});
+    const auto layer = FeatureClass::open({write_layer(folder / "zones.shp", kFeatures)});
     const PolygonFeatures plain = layer.read_polygons(Names{"NAME", "N"});
-    ASSERT_EQ(plain.ids.size(), static_cast<std::size_t>(kCount));
+    ASSERT_EQ(plain.ids.size(), static_cast<std::size_t>(kFeatures));
     for (const int threads : {0, 1, 2, 3, 8}) {
         base::NoProgress nobody;
         expect_same(layer.read_polygons(Names{"NAME", "N"}, nobody, threads), plain);
@@ -92,9 +92,9 @@ TEST(PolygonReading, IsTheSameWithAnyNumberOfThreadsAndFeatureByFeature) {
 
 TEST(PolygonReading, DeletedRecordsAreLeftOut) {
     const TemporaryFolder folder;
-    write_layer(folder / "zones.shp", kCount);
+    write_layer(folder / "zones.shp", kFeatures);
     // At the seams between items of work, a whole item, and the end.
-    std::vector<int> deleted{0, 1023, 1024, 1025, 2047, kCount - 1};
+    std::vector<int> deleted{0, 1023, 1024, 1025, 2047, kFeatures - 1};
     for (int record = 3072; record < 4096; ++record) {
         deleted.push_back(record);
     }
@@ -103,7 +103,7 @@ TEST(PolygonReading, DeletedRecordsAreLeftOut) {
     }
     const auto layer = FeatureClass::open({folder / "zones.shp"});
     const PolygonFeatures plain = layer.read_polygons(Names{"N"});
-    ASSERT_EQ(plain.ids.size(), kCount - deleted.size());
+    ASSERT_EQ(plain.ids.size(), kFeatures - deleted.size());
     for (const int threads : {1, 2, 3}) {
         base::NoProgress nobody;
         expect_same(layer.read_polygons(Names{"N"}, nobody, threads), plain);
@@ -112,7 +112,7 @@ TEST(PolygonReading, DeletedRecordsAreLeftOut) {
 
 TEST(PolygonReading, AFilterHolds) {
     const TemporaryFolder folder;
-    write_layer(folder / "zones.shp", kCount);
+    write_layer(folder / "zones.shp", kFeatures);
     const auto layer = FeatureClass::open({folder / "zones.shp", "", "N > 100 AND N < 4000"});
     base::NoProgress nobody;
     const PolygonFeatures some = layer.read_polygons(Names{"N"}, nobody, 2);
@@ -151,7 +151,7 @@ TEST(PolygonReading, AnEmptyLayerHasNothing) {
 
 TEST(PolygonReading, TheFirstBadFeatureIsToldWhateverTheThreads) {
     const TemporaryFolder folder;
-    write_layer(folder / "zones.shp", kCount);
+    write_layer(folder / "zones.shp", kFeatures);
     {
         // The coordinates of two features that are far apart: both have a ring of four points as their first part.
         const auto layer = FeatureClass::open({folder / "zones.shp"});
@@ -187,17 +187,17 @@ TEST(PolygonReading, TheFirstBadFeatureIsToldWhateverTheThreads) {
 
 TEST(PolygonReading, TellsOfItselfAndStopsWhenTold) {
     const TemporaryFolder folder;
-    const auto layer = FeatureClass::open({write_layer(folder / "zones.shp", kCount)});
+    const auto layer = FeatureClass::open({write_layer(folder / "zones.shp", kFeatures)});
     test::ListeningProgress all;
     layer.read_polygons({}, all, 2);
     EXPECT_EQ(all.fractions.front(), 0);
     EXPECT_TRUE(std::is_sorted(all.fractions.begin(), all.fractions.end()));
     EXPECT_THAT(all.texts, Each("Reading the layers"));
     test::ListeningProgress stops(1);
-    EXPECT_LT(layer.read_polygons({}, stops, 2).ids.size(), static_cast<std::size_t>(kCount));
+    EXPECT_LT(layer.read_polygons({}, stops, 2).ids.size(), static_cast<std::size_t>(kFeatures));
     EXPECT_EQ(stops.fractions.size(), 1U);
     base::NoProgress nobody;
-    EXPECT_EQ(layer.read_polygons({}, nobody, 2).ids.size(), static_cast<std::size_t>(kCount)) << "usable as before";
+    EXPECT_EQ(layer.read_polygons({}, nobody, 2).ids.size(), static_cast<std::size_t>(kFeatures)) << "usable as before";
 }
 
 }  // namespace

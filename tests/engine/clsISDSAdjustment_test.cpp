@@ -179,7 +179,7 @@ TEST_F(Adjustment, AScenarioThatHoldsNoCellCentreDoesNotOverlap) {
     EXPECT_EQ(world.said.boxes[0].title, "No Overlay");
 }
 
-MessageBox projection_question() {
+MessageBox question_about_projection() {
     return {
         "The Analysis Layer and the Development Scenario (plans) are not in the same projection.\rWould you like to continue with the analysis without this scenario?",
         "Projection", Icon::none, Buttons::ok_cancel};
@@ -192,7 +192,7 @@ TEST_F(Adjustment, AnotherProjectionIsSkippedAfterOk) {
     world.said.answers = {Answer::ok};
     const Table before = tabulated();
     const auto after = adjusted(before, "7");
-    EXPECT_THAT(world.said.boxes, ElementsAre(projection_question()));
+    EXPECT_THAT(world.said.boxes, ElementsAre(question_about_projection()));
     ASSERT_TRUE(after);
     EXPECT_EQ(after->fields(), before.fields());
 }
@@ -203,7 +203,7 @@ TEST_F(Adjustment, AnotherProjectionEndsTheRunAfterCancel) {
     theme.position.reset();
     world.said.answers = {Answer::cancel};
     EXPECT_FALSE(adjusted(tabulated(), "7"));
-    EXPECT_THAT(world.said.boxes, ElementsAre(projection_question()));
+    EXPECT_THAT(world.said.boxes, ElementsAre(question_about_projection()));
 }
 
 TEST_F(Adjustment, TheProjectionIsAskedForBeforeTheOverlap) {
@@ -211,7 +211,7 @@ TEST_F(Adjustment, TheProjectionIsAskedForBeforeTheOverlap) {
     theme.same_projection = false;
     world.said.answers = {Answer::ok};
     EXPECT_TRUE(adjusted(tabulated(), "7"));
-    EXPECT_THAT(world.said.boxes, ElementsAre(projection_question()));
+    EXPECT_THAT(world.said.boxes, ElementsAre(question_about_projection()));
 }
 
 MessageBox invalid_coefficient(const std::string& code) {

@@ -17,7 +17,7 @@ TextList list_of(std::initializer_list<const char*> texts) {
     return list;
 }
 
-LandClassDictionary classes() {
+LandClassDictionary partly_numeric_classes() {
     LandClassDictionary result;
     result.add("2", list_of({"Developed", "90", "80.5", "70"}));
     result.add("5", list_of({"Grassland", "3", "a few", "1"}));
@@ -27,7 +27,7 @@ LandClassDictionary classes() {
 }
 
 double coefficient(std::optional<CoefficientOption> option, const char* code, const char* key) {
-    const LandClassDictionary known = classes();
+    const LandClassDictionary known = partly_numeric_classes();
     return CoefficientLookup(option, known).coefficient(code, key);
 }
 
@@ -83,7 +83,7 @@ TEST(CoefficientLookup, FailuresAreNeverReported) {
 }
 
 TEST(CoefficientLookup, AMissingClassLeavesNoEntryBehind) {
-    const LandClassDictionary known = classes();
+    const LandClassDictionary known = partly_numeric_classes();
     CoefficientLookup(CoefficientOption::high, known).coefficient("3", "12");
     EXPECT_EQ(known.size(), 4U);
 }

@@ -21,7 +21,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
-using Texts = std::vector<std::string>;
+using Lines = std::vector<std::string>;
 
 struct ClassOf {
     std::int32_t code;
@@ -46,7 +46,7 @@ void add_set(clsISModelProperties& store, const std::string& name, const std::ve
     store.ISLCDefs.Add(set);
 }
 
-Texts texts_of(const TextList& list) {
+Lines items_of(const TextList& list) {
     return {list.begin(), list.end()};
 }
 
@@ -79,11 +79,11 @@ class WriteModelParameters : public testing::Test {
         return write_model_parameters(m_temp, "model_params.txt", choices, m_store, set_name, "");
     }
 
-    Texts lines() const { return split_lines(read_file(m_temp + "/model_params.txt")); }
+    Lines lines() const { return split_lines(read_file(m_temp + "/model_params.txt")); }
 
     /// The lines of the file that begin with `keyword`.
-    Texts lines_of(const std::string& keyword) const {
-        Texts found;
+    Lines lines_of(const std::string& keyword) const {
+        Lines found;
         for (const std::string& line : lines()) {
             if (line.starts_with(keyword + "#")) {
                 found.push_back(line);
@@ -259,17 +259,17 @@ TEST_F(WriteModelParameters, WhatIsWrittenReadsBackTheSame) {
     EXPECT_TRUE(write(choices, "round trip"));
     clsReadParams reader;
     reader.ReadParameters(m_extension.path(), "model_params.txt");
-    EXPECT_THAT((Texts{reader.AnalysisTheme(), reader.AnalysisFieldName(), reader.lcTheme(), reader.LCUnits(),
+    EXPECT_THAT((Lines{reader.AnalysisTheme(), reader.AnalysisFieldName(), reader.lcTheme(), reader.LCUnits(),
                        reader.PopulationDensity(), reader.PopDensityTheme(), reader.PopDensityFldName(),
                        reader.PopDensityHigh(), reader.PopDensityLow(), reader.OutThemeName()}),
                 ElementsAre("subwatersheds", "SHED_ID", "landcover_2001", "Meters", "3", "blockgroups", "POP_DEN", "10",
                             "2", "Subsheds IS"));
     const auto scenarios = reader.DevScenarios();
-    EXPECT_THAT(texts_of(*scenarios->find("1")), ElementsAre("newmall", "Grassland", "5"));
-    EXPECT_THAT(texts_of(*scenarios->find("4")), ElementsAre("Straße 1", "Übergang", "-3"));
+    EXPECT_THAT(items_of(*scenarios->find("1")), ElementsAre("newmall", "Grassland", "5"));
+    EXPECT_THAT(items_of(*scenarios->find("4")), ElementsAre("Straße 1", "Übergang", "-3"));
     const auto classes = reader.LandClasses();
-    EXPECT_THAT(texts_of(*classes->find("-3")), ElementsAre("Übergang", "33.3", "0.1", "1e-07"));
-    EXPECT_THAT(texts_of(*classes->find("21")), ElementsAre("", "100", "0", "12.5"));
+    EXPECT_THAT(items_of(*classes->find("-3")), ElementsAre("Übergang", "33.3", "0.1", "1e-07"));
+    EXPECT_THAT(items_of(*classes->find("21")), ElementsAre("", "100", "0", "12.5"));
     EXPECT_THAT(m_user.call_stacks, IsEmpty());
 }
 

@@ -63,6 +63,15 @@ CommandResult run_into(const std::string& out, const std::vector<std::string>& a
 
 }  // namespace
 
+Arguments more(Arguments arguments, const Arguments& added) {
+    arguments.insert(arguments.end(), added.begin(), added.end());
+    return arguments;
+}
+
+bool holds(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
 CommandResult run_command(const std::vector<std::string>& arguments, const std::vector<std::string>& environment) {
     const TemporaryFolder folder;
     CommandResult result = run_into(folder / "out", arguments, environment);

@@ -7,6 +7,14 @@
 
 namespace kestrel::test {
 
+using Arguments = std::vector<std::string>;
+
+/// The arguments, and those added after them.
+Arguments more(Arguments arguments, const Arguments& added);
+
+/// Whether `part` occurs in `text`.
+bool holds(const std::string& text, const std::string& part);
+
 /// What a finished process left.
 struct CommandResult {
     int status = -1;

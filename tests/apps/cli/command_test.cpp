@@ -14,10 +14,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool holds(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
 TEST(CommandLine, TellsItsVersion) {
     const CommandResult result = run_command({"--version"});
     EXPECT_EQ(result.status, 0);

@@ -15,9 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using Arguments = std::vector<std::string>;
-
-class RunRefusal : public testing::Test {
+class RunRefusals : public testing::Test {
   protected:
     /// What the command says when it refuses a run before it starts.
     std::string refusal(const Arguments& arguments) const {
@@ -28,10 +26,6 @@ class RunRefusal : public testing::Test {
         return result.err;
     }
     bool starts(const std::string& text, const std::string& part) const { return text.starts_with("Kestrel: " + part); }
-    static Arguments more(Arguments arguments, const Arguments& added) {
-        arguments.insert(arguments.end(), added.begin(), added.end());
-        return arguments;
-    }
     Arguments by_density(const std::string& layer, const std::string& field) const {
         return more(m_data.with("--option", "density"),
                     {"--density-layer", layer, "--density-field", field, "--density-high", "10", "--density-low", "2"});
@@ -47,7 +41,7 @@ class RunRefusal : public testing::Test {
     RunData m_data;
 };
 
-TEST_F(RunRefusal, ALandCoverThatIsMissingOrNoRaster) {
+TEST_F(RunRefusals, ALandCoverThatIsMissingOrNoRaster) {
     const std::string missing = refusal(m_data.with("--land-cover", m_data / "none.tif"));
     EXPECT_TRUE(starts(missing, "The land cover (--land-cover) cannot be used. ")) << missing;
     EXPECT_NE(missing.find(m_data / "none.tif"), std::string::npos);
@@ -55,21 +49,21 @@ TEST_F(RunRefusal, ALandCoverThatIsMissingOrNoRaster) {
     EXPECT_TRUE(starts(no_raster, "The land cover (--land-cover) cannot be used. ")) << no_raster;
 }
 
-TEST_F(RunRefusal, ZonesThatCannotBeOpened) {
+TEST_F(RunRefusals, ZonesThatCannotBeOpened) {
     EXPECT_EQ(refusal(m_data.with("--zones", m_data / "none.shp")),
               "Kestrel: The source of --zones cannot be opened. There is no file '" + (m_data / "none.shp") + "'.\n");
     const std::string raster = refusal(m_data.with("--zones", m_data / "lc.tif"));
     EXPECT_TRUE(starts(raster, "The source of --zones cannot be opened. ")) << raster;
 }
 
-TEST_F(RunRefusal, ALayerThatTheSourceDoesNotHave) {
+TEST_F(RunRefusals, ALayerThatTheSourceDoesNotHave) {
     const std::string text = refusal(m_data.with("--zones", (m_data / "sheds.shp") + "|layername=parcels"));
     EXPECT_TRUE(starts(text, "The source of --zones cannot be opened. ")) << text;
     EXPECT_NE(text.find("parcels"), std::string::npos);
     EXPECT_NE(text.find("sheds"), std::string::npos) << "lists the layers that there are";
 }
 
-TEST_F(RunRefusal, ASourceOfSeveralLayersWithoutALayersName) {
+TEST_F(RunRefusals, ASourceOfSeveralLayersWithoutALayersName) {
     const std::string two_layers = m_data / "several";
     base::create_folder(two_layers);
     for (const char* name : {"east", "west"}) {
@@ -82,7 +76,7 @@ TEST_F(RunRefusal, ASourceOfSeveralLayersWithoutALayersName) {
     EXPECT_NE(text.find("Name one of them, as in '" + two_layers + "|layername="), std::string::npos) << text;
 }
 
-TEST_F(RunRefusal, LayersWithoutPolygons) {
+TEST_F(RunRefusals, LayersWithoutPolygons) {
     EXPECT_EQ(
         refusal(m_data.with("--zones", points())),
         "Kestrel: The layer 'points' of --zones holds no polygons, in '" + points() + "'. Give a polygon layer.\n");
@@ -91,27 +85,27 @@ TEST_F(RunRefusal, LayersWithoutPolygons) {
               std::string::npos);
 }
 
-TEST_F(RunRefusal, DensityAndScenarioSourcesThatCannotBeOpened) {
+TEST_F(RunRefusals, DensityAndScenarioSourcesThatCannotBeOpened) {
     EXPECT_TRUE(starts(refusal(by_density(m_data / "none.shp", "POP_DEN")),
                        "The source of --density-layer cannot be opened. "));
     EXPECT_TRUE(starts(refusal(m_data.with("--scenario", (m_data / "none.shp") + ":24")),
                        "The source of --scenario cannot be opened. "));
 }
 
-TEST_F(RunRefusal, AFieldThatTheZonesDoNotHave) {
+TEST_F(RunRefusals, AFieldThatTheZonesDoNotHave) {
     EXPECT_EQ(
         refusal(m_data.with("--field", "name")),
         "Kestrel: The layer 'sheds' has no field 'name' (--field). Its fields: ID, NAME, RATE. Names are compared "
         "exactly.\n");
 }
 
-TEST_F(RunRefusal, AnAnalysisFieldThatHoldsNeitherWholeNumbersNorText) {
+TEST_F(RunRefusals, AnAnalysisFieldThatHoldsNeitherWholeNumbersNorText) {
     EXPECT_EQ(refusal(m_data.with("--field", "RATE")),
               "Kestrel: The field 'RATE' (--field) of the layer 'sheds' holds neither whole numbers nor text, so it "
               "cannot name the zones. Give another field: ID, NAME.\n");
 }
 
-TEST_F(RunRefusal, AFieldWhoseNameTheParametersCannotHold) {
+TEST_F(RunRefusals, AFieldWhoseNameTheParametersCannotHold) {
     const std::string path = m_data / "odd.geojson";
     base::write_file(path, R"({"type":"FeatureCollection","features":[{"type":"Feature","properties":{"A#B":1},)"
                            R"("geometry":{"type":"Polygon","coordinates":[[[0,0],[1,0],[1,1],[0,0]]]}}]})");
@@ -122,7 +116,7 @@ TEST_F(RunRefusal, AFieldWhoseNameTheParametersCannotHold) {
               "layer.\n");
 }
 
-TEST_F(RunRefusal, ADensityFieldThatIsMissingOrHoldsNoNumbers) {
+TEST_F(RunRefusals, ADensityFieldThatIsMissingOrHoldsNoNumbers) {
     EXPECT_EQ(refusal(by_density(m_data / "blocks.shp", "DENSITY")),
               "Kestrel: The layer 'blocks' has no field 'DENSITY' (--density-field). Its fields: POP_DEN, KIND. Names "
               "are compared exactly.\n");
@@ -131,20 +125,20 @@ TEST_F(RunRefusal, ADensityFieldThatIsMissingOrHoldsNoNumbers) {
               "POP_DEN.\n");
 }
 
-TEST_F(RunRefusal, ASetThatTheStoreDoesNotHave) {
+TEST_F(RunRefusals, ASetThatTheStoreDoesNotHave) {
     EXPECT_EQ(refusal(m_data.with("--set", "Large")),
               "Kestrel: The coefficient store '" + (m_data / "store.xml") +
                   "' holds no set 'Large' (--set). It holds: 'Small'. Names are compared exactly.\n");
 }
 
-TEST_F(RunRefusal, NoSetWhenTheStoreHasSeveral) {
+TEST_F(RunRefusals, NoSetWhenTheStoreHasSeveral) {
     write_store(m_data / "two.xml", {"A", "B"});
     EXPECT_EQ(refusal(m_data.with("--store", m_data / "two.xml")),
               "Kestrel: Which coefficient set? Give one with --set. The store '" + (m_data / "two.xml") +
                   "' holds: 'A', 'B'.\n");
 }
 
-TEST_F(RunRefusal, AStoreThatIsMissingEmptyOrNoStore) {
+TEST_F(RunRefusals, AStoreThatIsMissingEmptyOrNoStore) {
     EXPECT_EQ(refusal(m_data.with("--store", m_data / "none.xml")),
               "Kestrel: There is no coefficient store '" + (m_data / "none.xml") + "'. Give one with --store.\n");
     write_store(m_data / "empty.xml", {});
@@ -157,13 +151,13 @@ TEST_F(RunRefusal, AStoreThatIsMissingEmptyOrNoStore) {
               std::string::npos);
 }
 
-TEST_F(RunRefusal, ASelectionThatHoldsForNothing) {
+TEST_F(RunRefusals, ASelectionThatHoldsForNothing) {
     EXPECT_EQ(refusal(m_data.with("--where", "ID > 100")),
               "Kestrel: The selection (--where) holds for none of the features of the layer 'sheds': ID > 100. A run "
               "without a selection takes all of them; leave --where out for that.\n");
 }
 
-TEST_F(RunRefusal, ASelectionThatCannotBeUnderstood) {
+TEST_F(RunRefusals, ASelectionThatCannotBeUnderstood) {
     const std::string text = refusal(m_data.with("--where", "ID >"));
     EXPECT_TRUE(starts(text,
                        "The selection (--where) cannot be understood: ID >. The fields of the layer 'sheds': ID, NAME, "
@@ -172,7 +166,7 @@ TEST_F(RunRefusal, ASelectionThatCannotBeUnderstood) {
     EXPECT_NE(text.find("syntax error"), std::string::npos) << text;
 }
 
-TEST_F(RunRefusal, ARasterInDegrees) {
+TEST_F(RunRefusals, ARasterInDegrees) {
     write_plain_raster(m_data / "degrees.tif", "EPSG:4326", 0.01);
     EXPECT_EQ(refusal(m_data.with("--land-cover", m_data / "degrees.tif")),
               "Kestrel: The land cover '" + (m_data / "degrees.tif") +
@@ -183,20 +177,20 @@ TEST_F(RunRefusal, ARasterInDegrees) {
                   "' does not say that it is in metres or feet. Give --units Meters or --units Feet.\n");
 }
 
-TEST_F(RunRefusal, ARasterThatDoesNotTellItsUnits) {
+TEST_F(RunRefusals, ARasterThatDoesNotTellItsUnits) {
     write_plain_raster(m_data / "plain.tif", "");
     EXPECT_EQ(refusal(m_data.with("--land-cover", m_data / "plain.tif")),
               "Kestrel: The land cover '" + (m_data / "plain.tif") +
                   "' does not say that it is in metres or feet. Give --units Meters or --units Feet.\n");
 }
 
-TEST_F(RunRefusal, AnOutputFolderThatIsMissing) {
+TEST_F(RunRefusals, AnOutputFolderThatIsMissing) {
     EXPECT_EQ(refusal(m_data.with("--output", m_data / "none/is.shp")),
               "Kestrel: The folder of the output does not exist: '" + (m_data / "none") +
                   "'. Make it, or give another --output.\n");
 }
 
-TEST_F(RunRefusal, AnOutputThatIsAnInputBeforeAnythingIsDeleted) {
+TEST_F(RunRefusals, AnOutputThatIsAnInputBeforeAnythingIsDeleted) {
     for (const char* input : {"sheds.shp", "lc.shp", "sheds"}) {
         const auto before = names_in(m_data.folder.path());
         const std::string text = refusal(more(m_data.with("--output", m_data / input), {"--overwrite"}));
@@ -205,7 +199,7 @@ TEST_F(RunRefusal, AnOutputThatIsAnInputBeforeAnythingIsDeleted) {
     }
 }
 
-TEST_F(RunRefusal, AnExistingOutputWithoutOverwrite) {
+TEST_F(RunRefusals, AnExistingOutputWithoutOverwrite) {
     fs::create_directory(m_data / "old");
     base::write_file(m_data / "old/is.shp", "precious");
     EXPECT_EQ(refusal(m_data.with("--output", m_data / "old/is.shp")),
@@ -214,7 +208,7 @@ TEST_F(RunRefusal, AnExistingOutputWithoutOverwrite) {
     EXPECT_EQ(base::read_file(m_data / "old/is.shp"), "precious");
 }
 
-TEST_F(RunRefusal, AFolderInThePlaceOfTheOutputIsNeverReplaced) {
+TEST_F(RunRefusals, AFolderInThePlaceOfTheOutputIsNeverReplaced) {
     fs::create_directories(m_data / "old/is.shp");
     base::write_file(m_data / "old/is.shp/thesis.txt", "precious");
     EXPECT_EQ(refusal(more(m_data.with("--output", m_data / "old/is.shp"), {"--overwrite"})),
@@ -223,14 +217,14 @@ TEST_F(RunRefusal, AFolderInThePlaceOfTheOutputIsNeverReplaced) {
     EXPECT_EQ(base::read_file(m_data / "old/is.shp/thesis.txt"), "precious");
 }
 
-TEST_F(RunRefusal, AFolderForTemporaryFilesThatCannotBeWritten) {
+TEST_F(RunRefusals, AFolderForTemporaryFilesThatCannotBeWritten) {
     const CommandResult result = run_command(m_data.arguments(), {"TMPDIR=/proc", "Temp=/proc", "Tmp=/proc"});
     EXPECT_EQ(result.status, 1);
     EXPECT_TRUE(starts(result.err, "There is no room for the working data of a run in '/proc': ")) << result.err;
     EXPECT_TRUE(result.err.ends_with(". Set TMPDIR, or give --extension-folder.\n")) << result.err;
 }
 
-TEST_F(RunRefusal, IsOneJsonObjectWhenAsked) {
+TEST_F(RunRefusals, IsOneJsonObjectWhenAsked) {
     const CommandResult result = run_command(more(m_data.with("--field", "RATES"), {"--json"}));
     EXPECT_EQ(result.status, 1);
     const nlohmann::json whole = nlohmann::json::parse(result.out);
@@ -243,19 +237,19 @@ TEST_F(RunRefusal, IsOneJsonObjectWhenAsked) {
               "compared exactly.\n");
 }
 
-TEST_F(RunRefusal, AnExtensionFolderThatIsMissing) {
+TEST_F(RunRefusals, AnExtensionFolderThatIsMissing) {
     EXPECT_EQ(refusal(m_data.with("--extension-folder", m_data / "none")),
               "Kestrel: The extension folder does not exist: '" + (m_data / "none") +
                   "'. Make it, or leave --extension-folder out.\n");
 }
 
-TEST_F(RunRefusal, TheOutputIsLookedAtBeforeTheExtensionFolder) {
+TEST_F(RunRefusals, TheOutputIsLookedAtBeforeTheExtensionFolder) {
     const std::string text = refusal(
         more(m_data.without("--output"), {"--output", m_data / "none/is.shp", "--extension-folder", m_data / "none"}));
     EXPECT_TRUE(starts(text, "The folder of the output does not exist")) << text;
 }
 
-TEST_F(RunRefusal, AnExtensionFolderThatAnotherRunUses) {
+TEST_F(RunRefusals, AnExtensionFolderThatAnotherRunUses) {
     fs::create_directories(m_data / "ext/temp");
     base::write_file(m_data / "ext/temp/other_run.txt", "x");
     const base::FolderLock lock(m_data / "ext");

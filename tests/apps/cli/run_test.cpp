@@ -22,17 +22,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using Arguments = std::vector<std::string>;
-
-Arguments more(Arguments arguments, const Arguments& added) {
-    arguments.insert(arguments.end(), added.begin(), added.end());
-    return arguments;
-}
-
-bool holds(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
 /// Zones by value, as --json prints them.
 std::map<std::string, nlohmann::json> zones_of(const CommandResult& result) {
     std::map<std::string, nlohmann::json> zones;

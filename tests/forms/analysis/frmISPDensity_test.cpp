@@ -15,7 +15,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-constexpr const char* kNumeric = "Numeric value must be entered in field.";
+constexpr const char* kNumericNeeded = "Numeric value must be entered in field.";
 
 class DensityTest : public ParamsTest {
   protected:
@@ -108,9 +108,9 @@ TEST_F(DensityTest, OkRefusesUntilBothBoundsAreNumbersInOrder) {
             EXPECT_TRUE(dialog.isVisible());
             EXPECT_EQ(dialog.focusWidget()->objectName().toStdString(), focus);
         };
-        refuses(kNumeric, "txtHigh");
+        refuses(kNumericNeeded, "txtHigh");
         type(dialog, "txtHigh", "1e3");
-        refuses(kNumeric, "txtLow");
+        refuses(kNumericNeeded, "txtLow");
         type(dialog, "txtLow", "1001");
         refuses("Population density \"Low\" value must be less than the \"High\" value.", "txtLow");
         type(dialog, "txtLow", "1000");
@@ -210,7 +210,7 @@ TEST_F(DensityTest, ARunWithoutTheDialogLoadsItAndMissesTheBounds) {
     in_density([](QDialog& dialog) { press(dialog, "cmdCancel"); });
     type_output(out("is"));
     click("cmdISRun");
-    EXPECT_THAT(boxes(), ElementsAre(warning(kNumeric)));
+    EXPECT_THAT(boxes(), ElementsAre(warning(kNumericNeeded)));
     EXPECT_EQ(focused(), "optPopDensity(3)");
     EXPECT_THAT(m_host.results, IsEmpty());
 }

@@ -7,7 +7,7 @@
 
 #include <ostream>
 
-#include "tests/support/scripted_interaction.h"
+#include "tests/forms/coefficients/grid_fixture.h"
 
 namespace kestrel::basISModelPropsUtil {
 
@@ -17,18 +17,11 @@ void PrintTo(const GridCell& cell, std::ostream* stream) {
 
 namespace {
 
-using reporting::Buttons;
-using reporting::Icon;
-using reporting::MessageBox;
+using test::kNoInteger;
+using test::kNotNumeric;
+using test::kOutOfRange;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-const MessageBox kNoInteger = {"Invalid value entered - Class Value must be an integer.", "", Icon::exclamation,
-                               Buttons::ok};
-const MessageBox kNotNumeric = {"Invalid value entered - Coefficients must be numeric.", "", Icon::exclamation,
-                                Buttons::ok};
-const MessageBox kOutOfRange = {"Invalid value entered - Coefficients must be between 0-100.", "", Icon::exclamation,
-                                Buttons::ok};
 
 TEST(entry_fault, ValueMustBeNumeric) {
     EXPECT_EQ(entry_fault(1, "12", "2"), std::nullopt);

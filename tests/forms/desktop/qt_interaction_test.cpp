@@ -117,7 +117,7 @@ TEST(QtNameFilter, TakesThePatternsBehindTheBar) {
 }
 
 /// The waiting window, or nothing.
-QWidget* waiting_form() {
+QWidget* waiting_window() {
     for (QWidget* const widget : QApplication::topLevelWidgets()) {
         if (widget->objectName() == "frmISProcessing") return widget;
     }
@@ -126,7 +126,7 @@ QWidget* waiting_form() {
 
 TEST(QtWaitingWindow, ShowsTextAndProgressUntilItIsDestroyed) {
     auto waiting = QtInteraction().waiting_window("Please wait...");
-    QWidget* const form = waiting_form();
+    QWidget* const form = waiting_window();
     ASSERT_NE(form, nullptr);
     EXPECT_TRUE(form->isVisible());
     EXPECT_EQ(form->findChild<QLabel*>("lblMessage")->text(), "Please wait...");
@@ -135,13 +135,13 @@ TEST(QtWaitingWindow, ShowsTextAndProgressUntilItIsDestroyed) {
     auto* const bar = form->findChild<QProgressBar*>("barProgress");
     EXPECT_EQ(bar->value() * 4, bar->maximum());
     waiting.reset();
-    EXPECT_EQ(waiting_form(), nullptr);
+    EXPECT_EQ(waiting_window(), nullptr);
 }
 
 TEST(QtWaitingWindow, CancelAndEscStopTheWorkAndTheWindowStays) {
     for (const bool by_key : {false, true}) {
         const auto waiting = QtInteraction().waiting_window("Please wait...");
-        QWidget* const form = waiting_form();
+        QWidget* const form = waiting_window();
         ASSERT_NE(form, nullptr);
         EXPECT_FALSE(waiting->cancelled());
         if (by_key) {

@@ -219,7 +219,7 @@ TEST_F(FindBarTest, NothingIsCutOffWithTheBar) {
 }
 
 /// The report of a failing procedure.
-std::string report_of(const std::string& procedure) {
+std::string bar_report_of(const std::string& procedure) {
     return "Record Call Stack Sequence - Bottom line is error line.\r\n\r\n\t" + procedure +
            " find_bar Line : 45\r\n\r\nError Number \r\n\t70\r\nDescription\r\n\tPermission denied\r\n\r\n";
 }
@@ -232,19 +232,19 @@ TEST_F(FindBarTest, FailuresAreReportedUnderTheProceduresNames) {
     FailingInteraction user;
     key(Qt::Key_F3);
     key(Qt::Key_F3, Qt::ShiftModifier);
-    EXPECT_THAT(user.call_stacks, ElementsAre(report_of("find_next"), report_of("find_previous")));
+    EXPECT_THAT(user.call_stacks, ElementsAre(bar_report_of("find_next"), bar_report_of("find_previous")));
     QObject::disconnect(failing);
     user.call_stacks.clear();
 
     failing = QObject::connect(&box(), &QLineEdit::selectionChanged, fail_denied);
     key(Qt::Key_F, Qt::ControlModifier);
-    EXPECT_THAT(user.call_stacks, ElementsAre(report_of("open")));
+    EXPECT_THAT(user.call_stacks, ElementsAre(bar_report_of("open")));
     QObject::disconnect(failing);
     user.call_stacks.clear();
 
     failing = QObject::connect(qApp, &QApplication::focusChanged, fail_denied);
     key(Qt::Key_Escape);
-    EXPECT_THAT(user.call_stacks, ElementsAre(report_of("dismiss")));
+    EXPECT_THAT(user.call_stacks, ElementsAre(bar_report_of("dismiss")));
     QObject::disconnect(failing);
 }
 
