@@ -19,6 +19,14 @@ if(KESTREL_SANITIZE)
   target_link_options(kestrel_flags INTERFACE -fsanitize=address,undefined)
 endif()
 
+option(KESTREL_JOIN_SOURCES "Compile several sources as one where what they include takes most of the time" ON)
+
+# kestrel_join_sources(<name>) compiles twelve sources of a target as one, so that they share what they include and what
+# they make of its templates.
+function(kestrel_join_sources name)
+  set_target_properties(${name} PROPERTIES UNITY_BUILD ${KESTREL_JOIN_SOURCES} UNITY_BUILD_BATCH_SIZE 12)
+endfunction()
+
 # kestrel_library(<name> SOURCES <file>... [DEPENDS <target>...] [PRIVATE_DEPENDS <target>...])
 function(kestrel_library name)
   cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS;PRIVATE_DEPENDS" ${ARGN})
@@ -34,13 +42,14 @@ function(kestrel_forms_library name)
   target_link_libraries(${name} PUBLIC Qt::Widgets)
 endfunction()
 
-option(KESTREL_JOIN_TESTS "Compile several sources of tests as one" ON)
-
 # Sources of tests are compiled quickly: they run for milliseconds, and spent half of the build in the optimiser. What
 # they are compared with (tests/support, tests/real) is optimised like the program.
 add_library(kestrel_test_flags INTERFACE)
 target_link_libraries(kestrel_test_flags INTERFACE kestrel_flags)
 target_compile_options(kestrel_test_flags INTERFACE -O0 -g1)
+# Joined sources outgrow the heap that GCC takes before it collects garbage, again and again.
+target_compile_options(kestrel_test_flags INTERFACE
+  $<$<CXX_COMPILER_ID:GNU>:--param=ggc-min-expand=300 --param=ggc-min-heapsize=1000000>)
 # Libraries that a test program does not call are not loaded at each of its starts.
 target_link_options(kestrel_test_flags INTERFACE -Wl,--as-needed)
 
@@ -54,17 +63,19 @@ function(kestrel_test_headers name)
   target_precompile_headers(${name} PRIVATE ${arg_HEADERS})
 endfunction()
 
-# kestrel_test_program(<name> SOURCES <file>... [ALONE <file>...] DEPENDS <target>... PRECOMPILED <target>)
-# Four sources are compiled as one, so that they share what they make of templates; those after ALONE, which have names
-# of their own for what others call the same, are not.
+# kestrel_test_program(<name> SOURCES <file>... [ALONE <file>...] DEPENDS <target>... [PRECOMPILED <target>])
+# Its sources are joined; those after ALONE, which have names of their own for what others call the same, are not.
 function(kestrel_test_program name)
   cmake_parse_arguments(arg "" "PRECOMPILED" "SOURCES;ALONE;DEPENDS" ${ARGN})
   add_executable(${name} ${arg_SOURCES} ${arg_ALONE})
-  set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF UNITY_BUILD ${KESTREL_JOIN_TESTS} UNITY_BUILD_BATCH_SIZE 4)
+  set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
+  kestrel_join_sources(${name})
   set_source_files_properties(${arg_ALONE} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
   target_link_libraries(${name} PRIVATE kestrel_test_flags kestrel_test_support ${arg_DEPENDS} GTest::gtest GTest::gmock)
   target_compile_definitions(${name} PRIVATE KESTREL_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
-  target_precompile_headers(${name} REUSE_FROM ${arg_PRECOMPILED})
+  if(arg_PRECOMPILED)
+    target_precompile_headers(${name} REUSE_FROM ${arg_PRECOMPILED})
+  endif()
 endfunction()
 
 # kestrel_add_suites(<program> SOURCES <file>... LABELS <label>... [ENVIRONMENT <variable>...])

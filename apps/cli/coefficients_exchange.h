@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <CLI/App.hpp>
-
 #include "apps/cli/run_command.h"
 
 namespace kestrel::cli {

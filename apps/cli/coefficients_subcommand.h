@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <CLI/App.hpp>
 #include <memory>
 #include <string>
 

@@ -29,7 +29,7 @@ Answer answer_to(const reporting::MessageBox& box, bool yes) {
     return Answer::ok;
 }
 
-std::string_view text_of(Answer answer) {
+std::string_view answer_text(Answer answer) {
     switch (answer) {
         case Answer::ok:
             return "OK";
@@ -78,7 +78,7 @@ Answer ConsoleInteraction::message_box(const reporting::MessageBox& box) {
     write(m_messages.back());
     const Answer answer = answer_to(box, m_options.yes);
     if (asks(box)) {
-        write("(answered " + std::string(text_of(answer)) + (m_options.yes ? ")" : "; give --yes to agree)"));
+        write("(answered " + std::string(answer_text(answer)) + (m_options.yes ? ")" : "; give --yes to agree)"));
     }
     return answer;
 }

@@ -2,8 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <CLI/App.hpp>
 #include <functional>
+
+// The parser takes seconds to compile; its users include it.
+namespace CLI {
+class App;
+}
 
 namespace kestrel::cli {
 

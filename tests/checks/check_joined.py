@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: The Kestrel developers
 # SPDX-License-Identifier: MIT
-"""Sources of tests that are compiled as one have no name in common, or a test might call another one's helper.
+"""Sources that are compiled as one have no name in common, or one might call another one's helper.
 
 Usage: check_joined.py BUILD_FOLDER
 """
@@ -39,7 +39,7 @@ def with_headers(files):
 
 
 findings = []
-joined = list(Path(sys.argv[1]).glob("tests/**/Unity/*.cxx"))
+joined = list(Path(sys.argv[1]).glob("**/Unity/*.cxx"))
 for unit in joined:
     sources = [str(Path(path).relative_to(tree.ROOT)) for path in
                re.findall(r'#include "([^"]+)"', unit.read_text(encoding="utf-8"))]
@@ -49,9 +49,11 @@ for unit in joined:
         for name in names_in(file):
             owners.setdefault(name, set()).add(file)
     for name, files in sorted(owners.items()):
-        # PrintTo() is overloaded by what it prints; a header declares what its source defines.
+        # PrintTo() is overloaded by what it prints, and so are functions that headers declare; a name of a source's own,
+        # which no header declares for it, belongs to nobody else.
         stems = {file.rsplit(".", 1)[0] for file in files}
-        if name != "PrintTo" and len(stems) > 1 and any(file.startswith("tests/") for file in files):
+        own = {file for file in files if file.endswith(".cpp") and file[:-4] + ".h" not in files}
+        if name != "PrintTo" and own and len(stems) > 1:
             findings.append(f"{' and '.join(sorted(files))}: all define {name}, in sources that are compiled as one")
 print(f"{len(joined)} groups of joined sources")
 tree.finish(sorted(set(findings)))
