@@ -38,7 +38,7 @@ Descriptor create_sibling(const std::string& path, std::string& sibling) {
 
 /// Fills the new file and puts it in the place of `path`; 0, or the errno of the failure.
 int fill_and_rename(Descriptor& file, const std::string& sibling, const std::string& path, std::string_view bytes) {
-    struct stat old {};
+    struct stat old = {};
     if (::stat(path.c_str(), &old) == 0 && S_ISREG(old.st_mode)) {
         static_cast<void>(::fchmod(file.get(), old.st_mode & 0777));  // the owner may differ; then the default stays
     }
@@ -88,12 +88,12 @@ int write_all(int descriptor, std::string_view bytes) {
 }
 
 bool file_exists(const std::string& path) {
-    struct stat status {};
+    struct stat status = {};
     return ::stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
 }
 
 bool folder_exists(const std::string& path) {
-    struct stat status {};
+    struct stat status = {};
     return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
@@ -202,7 +202,7 @@ std::string read_file_start(const std::string& path, std::size_t limit, int line
         throw path_error(errno, path, line);
     }
     std::string bytes;
-    struct stat status {};
+    struct stat status = {};
     if (::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode)) {
         bytes.reserve(std::min(limit, static_cast<std::size_t>(status.st_size)));
     }
@@ -225,7 +225,7 @@ void write_file(const std::string& path, std::string_view bytes, int line) {
     const fs::path resolved = fs::is_symlink(path, ignored) ? fs::weakly_canonical(path, ignored) : fs::path(path);
     const std::string target = resolved.empty() ? path : resolved.string();
     // The rename would replace a device, and a file that may not be written.
-    struct stat status {};
+    struct stat status = {};
     if (::stat(target.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
         throw RuntimeError(kPathFileAccessError, "This is not a file: " + path, "Kestrel", line);
     }

@@ -83,7 +83,7 @@ void FolderEmptier::remove(int folder, const char* name, const std::string& path
 }
 
 void FolderEmptier::empty(int folder, const std::string& path, std::string_view keep) {
-    struct stat status {};
+    struct stat status = {};
     if (::fstat(folder, &status) == 0 && (status.st_mode & kOwnerAll) != kOwnerAll) {
         // May fail for a folder of another owner; then deleting says what is wrong.
         static_cast<void>(::fchmod(folder, (status.st_mode & 07777) | kOwnerAll));
@@ -110,7 +110,7 @@ void FolderEmptier::empty(int folder, const std::string& path, std::string_view 
 
 /// Opens a folder to delete in it. \throws RuntimeError 75 for a link and for what is no folder.
 Descriptor open_to_empty(const std::string& path, int line) {
-    struct stat status {};
+    struct stat status = {};
     if (::lstat(path.c_str(), &status) != 0) {
         throw path_error(errno, path, line);
     }
@@ -141,7 +141,7 @@ void empty_folder(const std::string& path, std::string_view keep, int line) {
 
 void remove_folder(const std::string& path, int line) {
     const std::string folder_path = without_trailing_separators(path);
-    struct stat status {};
+    struct stat status = {};
     if (::lstat(folder_path.c_str(), &status) != 0 && errno == ENOENT) {
         return;
     }

@@ -43,7 +43,7 @@ class WrittenFile {
     }
 
     std::int64_t size() const {
-        struct stat status {};
+        struct stat status = {};
         if (::fstat(m_descriptor, &status) != 0) {
             throw base::system_error(errno, m_path);
         }
@@ -107,7 +107,7 @@ void check_text(const std::string& path) {
 }  // namespace
 
 bool device_full(const std::string& folder) {
-    struct statvfs device {};
+    struct statvfs device = {};
     return ::statvfs(folder.empty() ? "." : folder.c_str(), &device) == 0 && device.f_bavail == 0;
 }
 

@@ -29,7 +29,7 @@ constexpr std::size_t kLongestText = 60;
 StopSignals::StopSignals() {
     g_stop = 0;
     for (std::size_t i = 0; i < kSignals.size(); ++i) {
-        struct sigaction action {};
+        struct sigaction action = {};
         action.sa_handler = kSignals[i] == SIGPIPE ? SIG_IGN : remember_stop;
         action.sa_flags = SA_RESTART;
         ::sigaction(kSignals[i], nullptr, &m_before[i]);

@@ -24,8 +24,8 @@ enum Column : std::size_t { kValue, kTotal, kImpervious, kPercent, kComplete, kR
 
 /// Values may hold anything; a line end in one would tear the table.
 std::string on_one_line(std::string text) {
-    std::replace_if(
-        text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, ' ');
+    const auto controls = [](char c) { return static_cast<unsigned char>(c) < 0x20; };
+    std::replace_if(text.begin(), text.end(), controls, ' ');
     return text;
 }
 

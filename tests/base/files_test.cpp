@@ -463,7 +463,7 @@ TEST(FolderLock, ASecondHolderIsRefusedWithAClearMessage) {
 
 TEST(FolderLock, IsFreeAgainWhenReleased) {
     const TemporaryFolder folder;
-    { const FolderLock lock(folder.path()); }
+    static_cast<void>(FolderLock(folder.path()));
     const FolderLock again(folder.path());
     EXPECT_EQ(names_in(folder.path()), Names{".kestrel.lock"});
 }

@@ -99,7 +99,7 @@ TEST(TextWriter, WritesManyLinesInOrder) {
 
 TEST(TextWriter, DestructionWritesWhatIsLeft) {
     const TemporaryFolder folder;
-    { TextWriter(folder / "file").write_line("x"); }
+    TextWriter(folder / "file").write_line("x");
     EXPECT_EQ(read_file(folder / "file"), "x\r\n");
 }
 

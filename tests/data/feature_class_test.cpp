@@ -522,10 +522,8 @@ TEST_F(FeatureClassRealData, GeoPackageFieldsAndFiltersWork) {
     EXPECT_EQ(ids.size(), density.size());
     EXPECT_EQ(sheds.read_polygons({}, ids).ids, ids);
     EXPECT_EQ(error_of([&] { sheds.ids_where("NO_SUCH = 1"); }).number(), -2147467259);
-    EXPECT_EQ(error_of([&] {
-                  FeatureClass::open({m_folder + "/sheds.gpkg", "sheds", "NO_SUCH = 1"});
-              }).number(),
-              -2147467259);
+    const FeatureSource wrong_filter{m_folder + "/sheds.gpkg", "sheds", "NO_SUCH = 1"};
+    EXPECT_EQ(error_of([&] { FeatureClass::open(wrong_filter); }).number(), -2147467259);
     EXPECT_EQ(sheds.feature_count(), static_cast<std::int64_t>(density.size()));
 }
 

@@ -111,7 +111,7 @@ TEST(SetAsideOutput, RecordsAloneAreSetAsideToo) {
 TEST(SetAsideOutput, AFileNamedTwiceIsMovedOnce) {
     const TemporaryFolder folder;
     write_output(folder, "old");
-    { const SetAsideOutput aside(folder / "out.shp", {folder / "out.dbf", folder / "out.prm", folder / "out.prm"}); }
+    static_cast<void>(SetAsideOutput(folder / "out.shp", {folder / "out.dbf", folder / "out.prm", folder / "out.prm"}));
     EXPECT_EQ(names_in(folder.path()), kOutput);
 }
 

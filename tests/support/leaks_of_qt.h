@@ -4,6 +4,9 @@
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/lsan_interface.h>
+#else
+inline void __lsan_disable() {}
+inline void __lsan_enable() {}
 #endif
 
 namespace kestrel::test {
@@ -12,17 +15,8 @@ namespace kestrel::test {
 /// exception passes through its signals.
 class LeaksOfQt {
   public:
-#if defined(__SANITIZE_ADDRESS__)
-    LeaksOfQt() {
-        __lsan_disable();
-    }
-    ~LeaksOfQt() {
-        __lsan_enable();
-    }
-#else
-    LeaksOfQt() {}
-    ~LeaksOfQt() {}
-#endif
+    LeaksOfQt() { __lsan_disable(); }
+    ~LeaksOfQt() { __lsan_enable(); }
     LeaksOfQt(const LeaksOfQt&) = delete;
     LeaksOfQt& operator=(const LeaksOfQt&) = delete;
 };

@@ -102,7 +102,7 @@ TEST_F(ConsoleProgressTest, ASignalThatWasIgnoredStaysIgnored) {
 
 TEST_F(ConsoleProgressTest, AfterwardsSignalsActAsBefore) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
-        { const StopSignals signals; }
+        static_cast<void>(StopSignals());
         EXPECT_EQ(std::signal(signal, SIG_DFL), SIG_DFL) << signal;
     }
 }

@@ -289,7 +289,7 @@ TEST(ProcessingWindow, GoesWithItsOwnerAndStopsTheRun) {
 
 TEST(ProcessingWindow, InputIsFreeAgainWhenItHasClosed) {
     HostWindow host;
-    { const ProcessingWindow waiting("Please wait..."); }
+    static_cast<void>(ProcessingWindow("Please wait..."));
     QTest::mouseClick(host.button, Qt::LeftButton);
     EXPECT_EQ(host.clicks, 1);
 }
