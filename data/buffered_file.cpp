@@ -161,7 +161,7 @@ Offset read_buffered_file(void* bytes, Offset size, Offset count, File file) {
     return size == 0 ? 0 : file_of(file).read(static_cast<char*>(bytes), size * count) / size;
 }
 
-Offset write_buffered_file(void* bytes, Offset size, Offset count, File file) try {
+Offset write_buffered_file(const void* bytes, Offset size, Offset count, File file) try {
     return file_of(file).write({static_cast<const char*>(bytes), size * count}) ? count : 0;
 } catch (const std::exception&) {
     fail(ENOMEM);

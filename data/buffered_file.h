@@ -11,19 +11,30 @@ namespace kestrel::data {
 
 int* open_buffered_file(const char* name, const char* access);
 unsigned long read_buffered_file(void* bytes, unsigned long size, unsigned long count, int* file);
-unsigned long write_buffered_file(void* bytes, unsigned long size, unsigned long count, int* file);
+unsigned long write_buffered_file(const void* bytes, unsigned long size, unsigned long count, int* file);
 unsigned long seek_buffered_file(int* file, unsigned long offset, int whence);
 unsigned long tell_buffered_file(int* file);
 int flush_buffered_file(int* file);
 int close_buffered_file(int* file);
 
+/// What the library calls to open and to write: its version 1.6 hands one more argument to the first, which is not used
+/// here, and constant bytes to the second.
+template <typename... Unused>
+int* open_file_hook(const char* name, const char* access, Unused...) {
+    return open_buffered_file(name, access);
+}
+template <typename Bytes>
+unsigned long write_file_hook(Bytes* bytes, unsigned long size, unsigned long count, int* file) {
+    return write_buffered_file(bytes, size, count, file);
+}
+
 /// \param hooks the library's; what is not about files stays as it is, but for its error texts, which go nowhere:
 ///        check_file_failure() tells what failed, and why.
 template <typename Hooks>
 void use_buffered_files(Hooks& hooks) {
-    hooks.FOpen = open_buffered_file;
+    hooks.FOpen = open_file_hook;
     hooks.FRead = read_buffered_file;
-    hooks.FWrite = write_buffered_file;
+    hooks.FWrite = write_file_hook;
     hooks.FSeek = seek_buffered_file;
     hooks.FTell = tell_buffered_file;
     hooks.FFlush = flush_buffered_file;
