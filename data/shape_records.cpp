@@ -35,6 +35,7 @@ std::int64_t shape_size(const polygons::PolygonSet& polygons, std::size_t featur
 struct ShapeRecords::State {
     std::string path;
     std::unique_ptr<SHPInfo, CloseHandle> handle;
+    polygons::Envelope whole;
     // One feature as the library takes it.
     std::vector<int> starts;
     std::vector<int> kinds;
@@ -43,6 +44,7 @@ struct ShapeRecords::State {
 
     void add_ring(std::span<const polygons::Point> ring, bool clockwise);
     SHPObject object(const polygons::PolygonSet& polygons, std::size_t feature);
+    void state_extent();
     void flush();
 };
 
@@ -86,8 +88,19 @@ SHPObject ShapeRecords::State::object(const polygons::PolygonSet& polygons, std:
     return shape;
 }
 
+/// Sets the extent that the header states: the library's own takes null shapes, some of its versions, for the origin.
+void ShapeRecords::State::state_extent() {
+    if (!whole.empty()) {
+        handle->adBoundsMin[0] = whole.min_x;
+        handle->adBoundsMin[1] = whole.min_y;
+        handle->adBoundsMax[0] = whole.max_x;
+        handle->adBoundsMax[1] = whole.max_y;
+    }
+}
+
 void ShapeRecords::State::flush() {
     forget_file_failure();
+    state_extent();
     SHPWriteHeader(handle.get());
     handle->sHooks.FFlush(handle->fpSHP);
     handle->sHooks.FFlush(handle->fpSHX);
@@ -111,6 +124,9 @@ void ShapeRecords::append(const polygons::PolygonSet& polygons, std::size_t feat
     forget_file_failure();
     const bool written = SHPWriteObject(m_state->handle.get(), -1, &shape) >= 0;
     check_file_failure(written, m_state->path);
+    if (shape.nSHPType != SHPT_NULL) {
+        m_state->whole.include({shape.dfXMin, shape.dfYMin, shape.dfXMax, shape.dfYMax});
+    }
     m_size += shape_size(polygons, feature);
 }
 
