@@ -78,7 +78,8 @@ BlockSize blocks_of_first_source(GDALDataset& mosaic) {
 
 /// Whether the first band's stored type holds nothing but possible class codes.
 bool holds_only_codes(GDALDataType type) {
-    return type == GDT_Byte || type == GDT_Int16 || type == GDT_UInt16 || type == GDT_Int32;
+    // Signed bytes have a type of their own since GDAL 3.7.
+    return GDALDataTypeIsInteger(type) != 0 && GDALGetDataTypeSizeBits(type) <= 32 && type != GDT_UInt32;
 }
 
 /// The NODATA value of a band as its cells hold it; a single-precision band holds the nearest single.

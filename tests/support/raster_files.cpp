@@ -32,10 +32,19 @@ void write_raster(const std::string& path, const RasterFile& raster) {
     for (const std::string& option : raster.options) {
         options.AddString(option.c_str());
     }
+    std::vector<double> cells = raster.cells;
+    GDALDataType type = GDALGetDataTypeByName(raster.type.c_str());
+    if (raster.type == "Int8" && type == GDT_Unknown) {  // before GDAL 3.7
+        type = GDT_Byte;
+        options.SetNameValue("PIXELTYPE", "SIGNEDBYTE");
+        for (double& cell : cells) {
+            cell = cell < 0 ? cell + 256 : cell;
+        }
+    }
     const data::Grid& grid = raster.grid;
     GDALDriver* driver = GetGDALDriverManager()->GetDriverByName("GTiff");
-    const std::unique_ptr<GDALDataset, Close> dataset(driver->Create(
-        path.c_str(), grid.columns, grid.rows, 1, GDALGetDataTypeByName(raster.type.c_str()), options.List()));
+    const std::unique_ptr<GDALDataset, Close> dataset(
+        driver->Create(path.c_str(), grid.columns, grid.rows, 1, type, options.List()));
     require(dataset != nullptr, "cannot create " + path);
     double transform[] = {grid.x0, grid.dx, 0, grid.y0, 0, grid.dy};
     require(dataset->SetGeoTransform(transform) == CE_None, "no position");
@@ -48,7 +57,6 @@ void write_raster(const std::string& path, const RasterFile& raster) {
     if (raster.nodata) {
         require(band->SetNoDataValue(*raster.nodata) == CE_None, "no nodata");
     }
-    std::vector<double> cells = raster.cells;
     require(band->RasterIO(GF_Write, 0, 0, grid.columns, grid.rows, cells.data(), grid.columns, grid.rows, GDT_Float64,
                            0, 0, nullptr) == CE_None,
             "cannot write");

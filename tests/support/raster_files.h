@@ -16,7 +16,8 @@ struct RasterFile {
     data::Grid grid;
     /// Row by row, as numbers.
     std::vector<double> cells;
-    /// A GDAL type name: "Byte", "Int16", "UInt16", "Int32", "UInt32", "Int64", "Float32", "Float64".
+    /// A GDAL type name: "Byte", "Int8" (signed bytes, whatever this GDAL calls them), "Int16", "UInt16", "Int32",
+    /// "UInt32", "Int64", "Float32", "Float64".
     std::string type = "Byte";
     /// Creation options of GeoTIFF, such as "TILED=YES".
     std::vector<std::string> options{};
