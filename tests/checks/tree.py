@@ -19,10 +19,20 @@ def _on_disk():
             yield os.path.relpath(os.path.join(folder, name), ROOT)
 
 
+def _tracked():
+    """What git knows; None where there is no git, or no history."""
+    try:
+        listing = subprocess.run(["git", "-c", f"safe.directory={ROOT}", "ls-files", "-z"], cwd=ROOT, capture_output=True)
+    except FileNotFoundError:
+        return None
+    return listing.stdout.decode().split("\0")[:-1] if listing.returncode == 0 else None
+
+
 def files(*suffixes):
     """Paths below the root, as text: the tracked ones, or all in a tree that came without its history."""
-    listing = subprocess.run(["git", "-c", f"safe.directory={ROOT}", "ls-files", "-z"], cwd=ROOT, capture_output=True)
-    names = listing.stdout.decode().split("\0")[:-1] if listing.returncode == 0 else list(_on_disk())
+    names = _tracked()
+    if names is None:
+        names = list(_on_disk())
     chosen = [name for name in names if name.endswith(suffixes) and (ROOT / name).is_file()]
     if not chosen:
         sys.exit(f"no files with {suffixes} below {ROOT}: this check looked at nothing")
