@@ -64,8 +64,8 @@ void show_legend(QgsLayerTreeLayer& node) {
 
 DesktopMap::DesktopMap(QgsProject& project, std::shared_ptr<LayerCopies> copies, std::function<void()> redraw)
     : m_project(project), m_copies(std::move(copies)), m_redraw(std::move(redraw)), m_told(outline(project)) {
-    connect(&project, &QgsProject::readProject, this, &DesktopMap::document_changed);
-    connect(&project, &QgsProject::cleared, this, &DesktopMap::document_changed);
+    connect(&project, &QgsProject::readProject, this, &DesktopMap::document_read);
+    connect(&project, &QgsProject::cleared, this, &DesktopMap::document_cleared);
     connect(&project, &QgsProject::layersAdded, this, &DesktopMap::tree_changed);
     connect(&project, &QgsProject::layersRemoved, this, &DesktopMap::tree_changed);
     const QgsLayerTree* tree = project.layerTreeRoot();
@@ -136,8 +136,13 @@ std::shared_ptr<contracts::FeatureLayer> DesktopMap::make_layer(const std::strin
     return std::make_shared<DesktopFeatureLayer>(std::move(layer), m_copies);
 }
 
-void DesktopMap::document_changed() {
-    m_document_changed = true;
+void DesktopMap::document_cleared() {
+    m_document = Document::cleared;
+    tell_later();
+}
+
+void DesktopMap::document_read() {
+    m_document = Document::read;
     tell_later();
 }
 
@@ -154,8 +159,11 @@ void DesktopMap::tell_later() {
 
 void DesktopMap::tell_changes() {
     m_telling_pending = false;
+    if (m_document == Document::cleared && !m_project.fileName().isEmpty()) {
+        return;  // QGIS deals with events while it reads a project, once that is cleared and has its file name
+    }
     const QStringList before = std::exchange(m_told, outline(m_project));
-    if (std::exchange(m_document_changed, false)) {
+    if (std::exchange(m_document, Document::as_told) != Document::as_told) {
         tell(&MapEvents::document_opened);
         return;
     }

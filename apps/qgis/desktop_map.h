@@ -40,7 +40,10 @@ class DesktopMap final : public QObject, public contracts::Map {
     std::shared_ptr<contracts::FeatureLayer> make_layer(const std::string& path, const std::string& name) const;
 
   private:
-    void document_changed();
+    enum class Document { as_told, cleared, read };
+
+    void document_cleared();
+    void document_read();
     void tree_changed();
     void tell_later();
     void tell_changes();
@@ -52,7 +55,7 @@ class DesktopMap final : public QObject, public contracts::Map {
     std::vector<contracts::MapEvents*> m_listeners;
     /// The tree as the listeners know it: ids, each with the layer's name.
     QStringList m_told;
-    bool m_document_changed = false;
+    Document m_document = Document::as_told;
     bool m_telling_pending = false;
 };
 
