@@ -36,8 +36,10 @@ def main():
             check("it installs", subprocess.run([str(part) for part in install]).returncode == 0)
         plugin = next((folder / "prefix").glob("lib*/**/kestrel"))
         lines = ini.read_text().splitlines()
-        check("the folders of other plugins stay",
-              f"searchPathsForPlugins=/somewhere/else|{plugin}" in lines and len(lines) == len(set(lines) - {""}) + 2)
+        folders = ["|".join(["/somewhere/else", str(plugin)]), ", ".join(["/somewhere/else", str(plugin)])]
+        check("the folders of other plugins stay, and QGIS below finds the new one among them",
+              sum(f"searchPathsForPlugins={text}" in lines for text in folders) == 1
+              and len(lines) == len(set(lines) - {""}) + 2)
         check("other settings stay", "other=true" in lines and "libkestrel_qgis=7" in lines)
         check("the Python plugin is there", (profile / "python/plugins/kestrel_processing/metadata.txt").is_file())
         if shutil.which("xvfb-run") is None or shutil.which("qgis") is None:
