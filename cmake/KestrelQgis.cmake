@@ -3,7 +3,12 @@
 #
 # Finds QGIS, which has no package file of its own, and makes it a target. Sets KESTREL_HAS_QGIS.
 
-set(KESTREL_QGIS AUTO CACHE STRING "Build the QGIS plugin: ON, OFF, or AUTO for where QGIS is found")
+# The versions that the plugin was built with, tested and looked at; QGIS renames and drops what plugins use.
+set(tried_versions 3.22 3.40)
+list(JOIN tried_versions " and " tried_versions_text)
+
+set(KESTREL_QGIS AUTO CACHE STRING
+    "Build the QGIS plugin: ON with any QGIS that is found, AUTO with QGIS ${tried_versions_text}, or OFF")
 set_property(CACHE KESTREL_QGIS PROPERTY STRINGS AUTO ON OFF)
 
 set(KESTREL_HAS_QGIS FALSE)
@@ -14,15 +19,26 @@ if(KESTREL_QGIS)
     list(APPEND CMAKE_MODULE_PATH ${QGIS_CMAKE_DIR})
     find_package(QGIS QUIET)
   endif()
-  if(QGIS_FOUND AND QT_VERSION_MAJOR EQUAL 5 AND NOT QGIS_VERSION VERSION_LESS 3.22)
-    find_package(Qt5 5.15 QUIET COMPONENTS Xml)
-    if(Qt5Xml_FOUND)
+  find_package(Qt5 5.15 QUIET COMPONENTS Xml)
+  if(NOT QGIS_FOUND)
+    set(missing "QGIS was not found: install libqgis-dev")
+  elseif(NOT QT_VERSION_MAJOR EQUAL 5 OR NOT Qt5Xml_FOUND)
+    set(missing "a QGIS plugin needs Qt 5.15 with its XML module: install qtbase5-dev")
+  elseif(QGIS_VERSION VERSION_LESS 3.22)
+    set(missing "QGIS ${QGIS_VERSION} is older than 3.22")
+  else()
+    string(REGEX MATCH "^[0-9]+[.][0-9]+" release "${QGIS_VERSION}")
+    if(KESTREL_QGIS STREQUAL "AUTO" AND NOT release IN_LIST tried_versions)
+      set(missing "it has been tried with QGIS ${tried_versions_text}, not with ${QGIS_VERSION}; -DKESTREL_QGIS=ON builds it")
+    else()
       set(KESTREL_HAS_QGIS TRUE)
     endif()
   endif()
   if(NOT KESTREL_HAS_QGIS AND NOT KESTREL_QGIS STREQUAL "AUTO")
-    message(FATAL_ERROR "KESTREL_QGIS is on, but QGIS 3.22 or later with Qt 5 was not found: install libqgis-dev")
+    message(FATAL_ERROR "KESTREL_QGIS is on, but ${missing}")
   endif()
+else()
+  set(missing "KESTREL_QGIS is off")
 endif()
 
 if(KESTREL_HAS_QGIS)
@@ -36,5 +52,5 @@ if(KESTREL_HAS_QGIS)
   # Where QGIS itself is installed, for tests that start it.
   get_filename_component(KESTREL_QGIS_PREFIX "${QGIS_INCLUDE_DIR}/../.." REALPATH)
 else()
-  message(STATUS "The QGIS plugin is not built")
+  message(STATUS "The QGIS plugin is not built: ${missing}")
 endif()

@@ -68,29 +68,30 @@ DesktopInteraction::DesktopInteraction(QgisInterface& iface)
     : DesktopBoxes(iface), ForwardingInteraction(boxes), m_iface(iface) {}
 
 void DesktopInteraction::show_call_stack(std::string_view text) {
-    log(text, Qgis::Critical);
+    log(text, Qgis::MessageLevel::Critical);
     ForwardingInteraction::show_call_stack(text);
 }
 
 void DesktopInteraction::notice(std::string_view text) {
-    log(text, Qgis::Warning);
-    m_iface.messageBar()->pushMessage(kTitle, qt_text(text), Qgis::Warning, 0);
+    log(text, Qgis::MessageLevel::Warning);
+    m_iface.messageBar()->pushMessage(kTitle, qt_text(text), Qgis::MessageLevel::Warning, 0);
 }
 
 void DesktopInteraction::run_ended(const contracts::RunResult& result) {
     if (result.finished) {
-        log(finished_details(result), Qgis::Success);
-        m_iface.messageBar()->pushMessage(kTitle, qt_text(finished_text(result)), Qgis::Success, 0);
+        log(finished_details(result), Qgis::MessageLevel::Success);
+        m_iface.messageBar()->pushMessage(kTitle, qt_text(finished_text(result)), Qgis::MessageLevel::Success, 0);
     } else {
         const std::string text = unfinished_text(result);
-        log(text, result.cancelled ? Qgis::Info : Qgis::Warning);
-        m_iface.messageBar()->pushMessage(kTitle, qt_text(text), result.cancelled ? Qgis::Info : Qgis::Warning, 0);
+        log(text, result.cancelled ? Qgis::MessageLevel::Info : Qgis::MessageLevel::Warning);
+        m_iface.messageBar()->pushMessage(kTitle, qt_text(text),
+                                          result.cancelled ? Qgis::MessageLevel::Info : Qgis::MessageLevel::Warning, 0);
     }
 }
 
 void DesktopInteraction::failure(std::string_view text) {
-    log(text, Qgis::Critical);
-    m_iface.messageBar()->pushMessage(kTitle, qt_text(text), Qgis::Critical, 0);
+    log(text, Qgis::MessageLevel::Critical);
+    m_iface.messageBar()->pushMessage(kTitle, qt_text(text), Qgis::MessageLevel::Critical, 0);
 }
 
 }  // namespace kestrel::qgis

@@ -11,6 +11,7 @@
 
 #include "apps/qgis/desktop_renderer.h"
 #include "apps/qgis/layer_sources.h"
+#include "apps/qgis/qgis_names.h"
 #include "base/errors.h"
 
 namespace kestrel::qgis {
@@ -69,8 +70,8 @@ bool DesktopFeatureLayer::polygonal() const {
     if (!LayerCopies::needed(layer())) {
         return FeatureLayer::polygonal();
     }
-    return layer().geometryType() == QgsWkbTypes::PolygonGeometry || layer().wkbType() == QgsWkbTypes::Unknown ||
-           layer().wkbType() == QgsWkbTypes::GeometryCollection;
+    return layer().geometryType() == kPolygonGeometry || layer().wkbType() == kUnknownShapes ||
+           layer().wkbType() == kCollectionShapes;
 }
 
 void DesktopFeatureLayer::set_renderer(const data::ClassBreaksRenderer& renderer) {
@@ -87,7 +88,7 @@ std::vector<std::int64_t> DesktopFeatureLayer::LayerSelection::ids() const {
     // What is selected may be hidden by a filter that was set later, which QGIS heeds only when it looks at everything.
     const QgsFeatureIds selected = layer.selectedFeatureIds();
     QgsFeatureRequest request = layer.subsetString().isEmpty() ? QgsFeatureRequest(selected) : QgsFeatureRequest();
-    request.setFlags(QgsFeatureRequest::NoGeometry).setNoAttributes();
+    request.setFlags(kWithoutGeometry).setNoAttributes();
     QgsFeatureIterator features = layer.getFeatures(request);
     const bool copied = LayerCopies::needed(layer);
     std::vector<std::int64_t> ids;

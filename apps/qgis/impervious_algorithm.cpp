@@ -12,6 +12,7 @@
 #include "apps/qgis/feedback.h"
 #include "apps/qgis/layer_copies.h"
 #include "apps/qgis/layer_sources.h"
+#include "apps/qgis/qgis_names.h"
 #include "apps/qgis/run_texts.h"
 #include "base/conversions.h"
 #include "base/files.h"
@@ -177,7 +178,7 @@ void ImperviousAlgorithm::prepare_zones(const QVariantMap& parameters, QgsProces
     Prepared& prepared = *m_prepared;
     bool selected_only = false;
     QgsVectorLayer& layer = polygons(parameters, "ZONES", context, selected_only);
-    prepared.parameters.analysis_field = text_of(parameterAsFields(parameters, "FIELD", context).value(0));
+    prepared.parameters.analysis_field = text_of(parameterAsString(parameters, "FIELD", context));
     prepared.parameters.analysis_layer = add_polygons(layer, selected_only);
     const FeatureClass opened = DesktopFeatureLayer(layer, prepared.copies).feature_class();
     check_zone_field(opened, prepared.parameters.analysis_field);
@@ -196,7 +197,7 @@ void ImperviousAlgorithm::prepare_density(const QVariantMap& parameters, QgsProc
     bool selected_only = false;
     QgsVectorLayer& layer = polygons(parameters, "DENSITY_LAYER", context, selected_only);
     chosen.density_layer = add_polygons(layer, selected_only);
-    chosen.density_field = text_of(parameterAsFields(parameters, "DENSITY_FIELD", context).value(0));
+    chosen.density_field = text_of(parameterAsString(parameters, "DENSITY_FIELD", context));
     chosen.density_high = base::text_of(parameterAsDouble(parameters, "DENSITY_HIGH", context));
     chosen.density_low = base::text_of(parameterAsDouble(parameters, "DENSITY_LOW", context));
     chosen.density_medium = {chosen.density_low, chosen.density_high};
@@ -214,7 +215,7 @@ void ImperviousAlgorithm::prepare_scenarios(const QVariantMap& parameters, QgsPr
         }
         ++number;
         auto* layer = qobject_cast<QgsVectorLayer*>(QgsProcessingUtils::mapLayerFromString(layer_text, context));
-        if (layer == nullptr || layer->geometryType() != QgsWkbTypes::PolygonGeometry) {
+        if (layer == nullptr || layer->geometryType() != kPolygonGeometry) {
             refuse(QStringLiteral("Scenario %1: there is no polygon layer '%2'.").arg(number).arg(layer_text));
         }
         bool is_code = false;

@@ -5,6 +5,7 @@
 
 #include "apps/qgis/feedback.h"
 #include "apps/qgis/impervious_algorithm.h"
+#include "apps/qgis/qgis_names.h"
 #include "base/files.h"
 #include "coefficients/basUtil.h"
 #include "coefficients/coefficient_option.h"
@@ -31,7 +32,7 @@ QStringList set_names_in(const std::string& store) {
 }
 
 QgsProcessingParameterDefinition* advanced(QgsProcessingParameterDefinition* parameter) {
-    parameter->setFlags(parameter->flags() | QgsProcessingParameterDefinition::FlagAdvanced);
+    parameter->setFlags(parameter->flags() | kAdvancedParameter);
     return parameter;
 }
 
@@ -65,9 +66,8 @@ void ImperviousAlgorithm::initAlgorithm(const QVariantMap&) {
     addParameter(advanced(new QgsProcessingParameterString("LAYER_NAME", "Layer name (that of the file when empty)",
                                                            QVariant(), false, true)));
     addParameter(advanced(new QgsProcessingParameterFile("STORE", "Coefficient store (the user's own when empty)",
-                                                         QgsProcessingParameterFile::File, "xml", QVariant(), true)));
-    addParameter(
-        new QgsProcessingParameterVectorDestination("OUTPUT", "Impervious surface", QgsProcessing::TypeVectorPolygon));
+                                                         kOneFile, "xml", QVariant(), true)));
+    addParameter(new QgsProcessingParameterVectorDestination("OUTPUT", "Impervious surface", kPolygonSource));
     addOutput(new QgsProcessingOutputFile("REPORT", "Run report"));
     addOutput(new QgsProcessingOutputFile("METADATA", "Metadata"));
     addOutput(new QgsProcessingOutputFile("LAYER_FILE", "Layer file"));
@@ -81,7 +81,7 @@ void ImperviousAlgorithm::add_inputs() {
     addParameter(new QgsProcessingParameterEnum("UNITS", "Land cover units",
                                                 {"As the land cover says", "Meters", "Feet"}, false, 0));
     addParameter(
-        new QgsProcessingParameterFeatureSource("ZONES", "Analysis layer", {QgsProcessing::TypeVectorPolygon}));
+        new QgsProcessingParameterFeatureSource("ZONES", "Analysis layer", {static_cast<int>(kPolygonSource)}));
     addParameter(new QgsProcessingParameterField("FIELD", "Analysis field", QVariant(), "ZONES"));
     const QStringList sets = set_names_in(base::join_path(m_extension_folder, "etc/isprops.xml"));
     auto* set = new QgsProcessingParameterString("SET", "Coefficient set", sets.value(0));
@@ -93,13 +93,11 @@ void ImperviousAlgorithm::add_inputs() {
 
 void ImperviousAlgorithm::add_density_and_scenarios() {
     addParameter(new QgsProcessingParameterFeatureSource("DENSITY_LAYER", "Population density layer",
-                                                         {QgsProcessing::TypeVectorPolygon}, QVariant(), true));
+                                                         {static_cast<int>(kPolygonSource)}, QVariant(), true));
     addParameter(new QgsProcessingParameterField("DENSITY_FIELD", "Population density field", QVariant(),
-                                                 "DENSITY_LAYER", QgsProcessingParameterField::Numeric, false, true));
-    addParameter(new QgsProcessingParameterNumber("DENSITY_HIGH", "High density from",
-                                                  QgsProcessingParameterNumber::Double, QVariant(), true));
-    addParameter(new QgsProcessingParameterNumber("DENSITY_LOW", "Low density up to",
-                                                  QgsProcessingParameterNumber::Double, QVariant(), true));
+                                                 "DENSITY_LAYER", kNumericField, false, true));
+    addParameter(new QgsProcessingParameterNumber("DENSITY_HIGH", "High density from", kRealNumber, QVariant(), true));
+    addParameter(new QgsProcessingParameterNumber("DENSITY_LOW", "Low density up to", kRealNumber, QVariant(), true));
     addParameter(new QgsProcessingParameterMatrix("SCENARIOS", "Land cover change scenarios", 0, false,
                                                   {"Polygon layer", "Class code"}, QVariant(), true));
 }

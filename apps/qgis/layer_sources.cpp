@@ -10,6 +10,8 @@
 
 #include <QFileInfo>
 
+#include "apps/qgis/qgis_names.h"
+
 namespace kestrel::qgis {
 
 namespace {
@@ -55,7 +57,7 @@ bool shows_more_than_its_source(const QgsVectorLayer& layer) {
     }
     const QgsFields fields = layer.fields();
     for (int i = 0; i < fields.count(); ++i) {
-        if (fields.fieldOrigin(i) != QgsFields::OriginProvider) {
+        if (fields.fieldOrigin(i) != kFieldOfProvider) {
             return true;
         }
     }
@@ -74,16 +76,14 @@ std::string gdal_source(const QgsRasterLayer& layer) {
 }
 
 contracts::DistanceUnits units_of_map(const QgsCoordinateReferenceSystem& reference) {
-    switch (reference.mapUnits()) {
-        case QgsUnitTypes::DistanceMeters:
-            return contracts::kMeters;
-        case QgsUnitTypes::DistanceFeet:
-            return contracts::kFeet;
-        case QgsUnitTypes::DistanceDegrees:
-            return contracts::kDecimalDegrees;
-        default:
-            return contracts::kUnknownUnits;
+    const auto units = reference.mapUnits();
+    if (units == kMapUnitsMeters) {
+        return contracts::kMeters;
     }
+    if (units == kMapUnitsFeet || units == kMapUnitsSurveyFeet) {
+        return contracts::kFeet;
+    }
+    return units == kMapUnitsDegrees ? contracts::kDecimalDegrees : contracts::kUnknownUnits;
 }
 
 }  // namespace kestrel::qgis

@@ -7,6 +7,7 @@
 #include <qgssymbol.h>
 #include <qgsvectordataprovider.h>
 
+#include "apps/qgis/qgis_names.h"
 #include "base/files.h"
 #include "engine/basUtil.h"
 #include "engine/output_layer.h"
@@ -18,6 +19,7 @@ namespace {
 
 using data::FeatureSource;
 using data::FieldType;
+using qgis::field_of_type;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -105,10 +107,11 @@ TEST_F(DesktopLayers, MemoryLayerIsCopiedWithItsSelection) {
 
 TEST_F(DesktopLayers, FieldsOfACopyAreThoseThatTheLayerTells) {
     memory = new QgsVectorLayer("Polygon?crs=EPSG:26912", "fields", "memory");
-    memory->dataProvider()->addAttributes({QgsField("whole", QVariant::Int), QgsField("long", QVariant::LongLong),
-                                           QgsField("real", QVariant::Double), QgsField("text", QVariant::String),
-                                           QgsField("yes", QVariant::Bool), QgsField("day", QVariant::Date),
-                                           QgsField("fid", QVariant::Int)});
+    memory->dataProvider()->addAttributes(
+        {field_of_type("whole", QMetaType::Int), field_of_type("long", QMetaType::LongLong),
+         field_of_type("real", QMetaType::Double), field_of_type("text", QMetaType::QString),
+         field_of_type("yes", QMetaType::Bool), field_of_type("day", QMetaType::QDate),
+         field_of_type("fid", QMetaType::Int)});
     memory->updateFields();
     project().addMapLayer(memory);
     const auto layer = feature_layer("fields");
@@ -145,7 +148,7 @@ TEST_F(DesktopLayers, UncommittedEditsAreCopied) {
 }
 
 TEST_F(DesktopLayers, FieldOfTheLayersOwnIsCopied) {
-    add_vector(shapefile(), "Sheds").addExpressionField("\"ID\" * 10", QgsField("TEN", QVariant::Int));
+    add_vector(shapefile(), "Sheds").addExpressionField("\"ID\" * 10", field_of_type("TEN", QMetaType::Int));
     const auto layer = feature_layer("Sheds");
     ASSERT_THAT(layer->fields(), SizeIs(3));
     const std::vector<std::string> field{"TEN"};

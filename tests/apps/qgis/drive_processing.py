@@ -108,7 +108,8 @@ def run_in_a_model(expected):
     QgsProject.instance().addMapLayer(memory)
     for number, sheds in enumerate(("watersheds", "in memory")):
         output = drive.WORK / f"model_{number}.shp"
-        processing.run(made, {"land": demo("land_cover.tif"), "sheds": sheds, "analysis:surface": str(output)})
+        processing.run(made, {"land": demo("land_cover.tif"), "sheds": sheds,
+                              made.destinationParameterDefinitions()[0].name(): str(output)})
         check_equal(f"figures from a model, {sheds}", rows_of(output), expected)
 
 
